@@ -1,0 +1,51 @@
+// Check marks and radio marks.
+#pragma once
+
+#include "wvw/WButton.h"
+#include "wvw/WImage.h"
+
+namespace wvw {
+
+/// A mark that is off, on, or neither.
+///
+/// A press of a check turns it on or off; a press of a radio mark turns it on. Then valueChanged(this) runs, and
+/// activated(this).
+class WCheckBox : public WButton {
+public:
+    enum class State { Off, On, Indeterminate };
+
+    /// "WCheck_check" and "WCheck_dot" are drawn; any other name takes the images "off-", "on-" and "ind-" with it.
+    explicit WCheckBox(WLayout* layout = nullptr, const char* imageName = "WCheck_check");
+    ~WCheckBox() override;
+
+    void setState(State newState); ///< runs valueChanged if it is another
+    State getState() const { return state; }
+    bool isOn() const { return state == State::On; }
+    bool isRadio() const { return kind == Kind::Dot; }
+    void setHoverFrom(const WButton* other) { hoverFrom = other; } ///< lights up with it as well; borrowed, may be null
+
+    // Widget
+    void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Point getPreferredSize() override;
+
+    /// As if the user had pressed it.
+    void press();
+
+protected:
+    // WButton
+    void pressedByUser() override;
+
+private:
+    enum class Kind { Check, Dot, Images };
+
+    void paintBox(rfb::FullFramePixelBuffer& pb);
+    rfb::Colour edgeColour() const;
+    rfb::Colour wellColour() const;
+
+    Kind kind;
+    State state = State::Off;
+    WImage::Image images[3]; // in the order of State; the mark alone, as images[1], for what is drawn
+    const WButton* hoverFrom = nullptr;
+};
+
+} // namespace wvw

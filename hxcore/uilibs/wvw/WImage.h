@@ -1,0 +1,48 @@
+// A named image.
+#pragma once
+
+#include "wvw/Widget.h"
+
+namespace hxutil {
+class NamedImagePixelBuffer;
+}
+
+namespace wvw {
+
+/// Draws an image aligned or tiled; while disabled, its disabled copy. A missing image paints nothing.
+class WImage : public Widget {
+public:
+    using Image = std::shared_ptr<hxutil::NamedImagePixelBuffer>;
+
+    explicit WImage(WLayout* layout = nullptr);
+    /// `imageSize` in pixels, (0, 0) for the natural one.
+    WImage(WLayout* layout, const char* name, const rfb::Point& imageSize = {0, 0});
+    ~WImage() override;
+
+    /// By name, in the form for the current theme. Null or "" shows nothing.
+    void setImage(const char* name, const rfb::Point& imageSize = {0, 0});
+    void setImage(Image newImage); ///< may be null
+    const Image& getImage() const { return image; }
+
+    /// 0 start, 1 centre, 2 end; both are 1 at first.
+    void setAlign(int newHAlign, int newVAlign);
+    void setTiled(bool on);
+
+    // Widget
+    void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Point getPreferredSize() override;
+
+private:
+    Image image;
+    int hAlign = 1;
+    int vAlign = 1;
+    bool tiled = false;
+};
+
+/// The picture in a button: an image in the middle.
+class WIcon : public WImage {
+public:
+    using WImage::WImage;
+};
+
+} // namespace wvw

@@ -1,0 +1,91 @@
+// Static text.
+#pragma once
+
+#include "wvw/WEditMenu.h"
+#include "wvw/Widget.h"
+
+#include <string>
+#include <vector>
+
+namespace wvw {
+
+/// Text that wraps, and that the user may select and copy when the owner allows it.
+class WLabel : public Widget, public WEditMenu::Callback {
+public:
+    /// `hAlign`: 0 left, 1 centre, 2 right.
+    explicit WLabel(WLayout* layout = nullptr, const char* text = nullptr, int hAlign = 0);
+    ~WLabel() override;
+
+    virtual void setText(const char* newText); ///< UTF-8; null is empty
+    const char* getText() const { return text.c_str(); }
+
+    void setHAlign(int align);
+    void setVAlign(int align); ///< 0 top, 1 middle (at first), 2 bottom
+    void setMargin(int px);    ///< on the left and right, 4 at first
+    void setWrap(bool on);     ///< true at first
+    void setTransparent(bool on);
+    void setUnderline(bool on);
+    void setSelectable(bool on);
+    int getMargin() const { return margin; }
+
+    /// The range of bytes from `start`, in the shown text.
+    void setSelection(size_t start, size_t lenBytes);
+    plat::String getSelectedText() const;
+
+    // Widget
+    void styleChanged() override;
+    void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Point getPreferredSize() override;
+    int getPreferredHeight(int width) override;
+    bool acceptsFocus() override { return selectable && isEnabled() && isVisible(); }
+    bool sizeChanged(Widget* origin) override;
+    bool copy(Widget* origin) override;
+    bool focusChanged(bool backward, Widget* origin) override;
+    bool keyEvent(uint32_t keysym, bool down, Widget* origin) override;
+    bool mouseMove(const rfb::Point& position, Widget* origin) override;
+    bool mouseDown(int button, Widget* origin) override;
+    bool mouseUp(int button, Widget* origin) override;
+
+    // WEditMenu::Callback
+    void editMenuChosen(int choice) override;
+
+protected:
+    struct Line {
+        size_t start; // in text
+        size_t lenBytes;
+        int width; // pixels
+    };
+
+    /// Splits the text anew for the current width and style, and repaints.
+    virtual void layoutText();
+    /// The byte of the shown text nearest to `position`.
+    virtual size_t indexAt(const rfb::Point& position) const;
+    /// The text that indexes and selection count in.
+    virtual const std::string& shownText() const { return text; }
+    void paintBackground(rfb::FullFramePixelBuffer& pb);
+    rfb::Point lineOrigin(size_t line) const;
+    const std::vector<Line>& getLines() const { return lines; }
+    size_t selectionStart() const; ///< the lower end
+    size_t selectionEnd() const;
+
+    int hAlign;
+    int vAlign = 1;
+    int margin = 4;
+    bool wrap = true;
+    bool transparent = false;
+    bool underline = false;
+    bool selectable = false;
+
+private:
+    std::vector<Line> split(int width) const;
+    void paintLine(rfb::FullFramePixelBuffer& pb, size_t line);
+
+    std::string text;
+    std::vector<Line> lines;
+    size_t anchor = 0; // where the selection began
+    size_t caret = 0;  // where it ends; equal means nothing is selected
+    bool dragging = false;
+    std::unique_ptr<WEditMenu> menu; // made on first use
+};
+
+} // namespace wvw

@@ -1,0 +1,73 @@
+// A label beside a control.
+#pragma once
+
+#include "wvw/WCheckBox.h"
+#include "wvw/WLabelWithMnemonic.h"
+
+namespace wvw {
+
+/// A label and a control in a row.
+class WLabelWidget : public WLayout {
+public:
+    /// The control comes by setControl, from the derived class that owns it. `labelFirst` puts the label on the left.
+    WLabelWidget(WLayout* layout, const char* markedText, bool labelFirst);
+
+    WLabelWithMnemonic& getLabel() { return label; }
+    void setText(const char* markedText);
+    void setGap(int px);            ///< between label and control, 4 at first
+    void setVAlign(unsigned align); ///< 0 top, 1 middle (at first), 2 bottom; any other is logged and counts as top
+
+    // Widget
+    rfb::Point getPreferredSize() override;
+    int getPreferredHeight(int width) override;
+    bool sizeChanged(Widget* origin) override;
+
+protected:
+    void setControl(Widget* newControl); ///< borrowed
+    rfb::Rect labelRect() const { return getChildRect(&label); }
+    void place();
+
+private:
+    int offset(int height) const;
+
+    WLabelWithMnemonic label;
+    Widget* control = nullptr;
+    bool labelFirst;
+    int gap = 4;
+    unsigned vAlign = 1;
+};
+
+/// A check with its label; a press on the label counts as well.
+class WLabelCheckBox : public WLabelWidget {
+public:
+    explicit WLabelCheckBox(WLayout* layout = nullptr, const char* markedText = nullptr,
+                            const char* imageName = "WCheck_check");
+    ~WLabelCheckBox() override;
+
+    WCheckBox& getCheck() { return check; }
+
+    // Widget
+    void paint(rfb::FullFramePixelBuffer& pb) override;
+    bool focusChanged(bool backward, Widget* origin) override;
+    bool mouseMove(const rfb::Point& position, Widget* origin) override;
+    bool mouseDown(int button, Widget* origin) override;
+    bool mouseUp(int button, Widget* origin) override;
+    bool mouseExit(Widget* origin) override;
+
+private:
+    bool onLabel() const;
+
+    WCheckBox check;
+    bool held = false; // pressed on the label
+};
+
+/// The same, with the mnemonic of its label as a hot key: Alt and the character.
+class WLabelCheckBoxHK : public WLabelCheckBox {
+public:
+    using WLabelCheckBox::WLabelCheckBox;
+
+    /// For a dialog that sees a key nobody used. Presses and focuses the check if it is the hot key.
+    bool hotKey(uint32_t keysym);
+};
+
+} // namespace wvw

@@ -1,0 +1,136 @@
+// Popup menus.
+#pragma once
+
+#include "wvw/WButton.h"
+#include "wvw/WImage.h"
+#include "wvw/WLabelWithMnemonic.h"
+
+namespace wvw {
+
+class WMenu;
+
+/// One line of a menu: a text, or a separator. The user's choice hides the menus, then runs activated(this).
+class WMenuItem : public WButton {
+public:
+    /// Null or "" makes a separator. Not yet in a menu.
+    explicit WMenuItem(const char* markedText);
+    ~WMenuItem() override;
+
+    void setText(const char* markedText);
+    const char* getText() const { return label.getText(); }
+    bool isSeparator() const { return separator; }
+    void setKey(uint32_t keysym) { key = keysym; } ///< besides the mnemonic; 0 for none
+    bool matches(uint32_t keysym) const;           ///< a keysym folded to lower case
+    void setChecked(bool on);
+    bool isChecked() const { return checked; }
+    void setElevated(bool on); ///< marks that using it needs more rights
+    void setImage(const char* name);
+    void setSubmenu(WMenu* menu); ///< borrowed; null for none
+    WMenu* getSubmenu() const { return submenu; }
+    bool canSelect() const { return !separator && isEnabled() && isVisible(); }
+
+    // Widget
+    void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Point getPreferredSize() override;
+    bool acceptsFocus() override { return false; }
+    bool sizeChanged(Widget* origin) override;
+    bool mouseMove(const rfb::Point& position, Widget* origin) override;
+    bool activated(Widget* origin) override;
+
+private:
+    friend class WMenu;
+
+    bool hasMarks() const;
+
+    WLabelWithMnemonic label;
+    WImage::Image image;
+    WMenu* menu = nullptr;
+    WMenu* submenu = nullptr;
+    uint32_t key = 0;
+    bool separator = false;
+    bool checked = false;
+    bool elevated = false;
+};
+
+/// An ordered list of items, in columns when it would be too high. It does not own them.
+class WMenu : public WLayout {
+public:
+    WMenu();
+    ~WMenu() override;
+
+    void add(WMenuItem* item, WMenuItem* before = nullptr); ///< null: at the end
+    void remove(WMenuItem* item);
+    size_t itemCount() const { return items.size(); }
+    WMenuItem* itemAt(size_t index) const { return items.at(index); }
+    void setMinWidth(int px);
+    void setMaxHeight(int px); ///< 0 for none
+
+    void selectItem(WMenuItem* item); ///< null for none
+    WMenuItem* getSelected() const { return selected; }
+    void moveSelection(bool down); ///< wraps; skips what can't be selected
+
+    bool isShown() const { return shownRoot != nullptr; }
+    void hideAll(); ///< this menu, its submenus and all menus that led here
+    void openSubmenu(WMenuItem* item, bool byKey);
+
+    // Widget
+    void detach() override;
+    bool handleKey(uint32_t keysym, bool down) override;
+    void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Point getPreferredSize() override;
+    bool mouseMove(const rfb::Point& position, Widget* origin) override;
+    bool mouseDown(int button, Widget* origin) override;
+    bool mouseExit(Widget* origin) override;
+
+protected:
+    void showAt(WRoot* onRoot, const rfb::Point& position, bool grab);
+    void hide();
+    virtual void hidden() {} ///< called after this menu has gone from the screen
+
+private:
+    friend class WMenuItem;
+
+    void closeSubmenu();
+    void itemGone(WMenuItem* item);
+    void layoutItems();
+    void chosen(WMenuItem* item);
+    bool activateByLetter(uint32_t letter);
+    bool navigate(uint32_t keysym);
+
+    std::vector<WMenuItem*> items;
+    WMenuItem* selected = nullptr;
+    WMenu* parentMenu = nullptr; // while shown as a submenu
+    WMenu* openMenu = nullptr;   // the submenu that is shown
+    WRoot* shownRoot = nullptr;
+    int minWidth = 0;
+    int maxHeight = 0;
+    rfb::Point laidOut{0, 0};
+    bool layoutValid = false;
+    bool hasColumn = false; // for checks, images and marks
+};
+
+/// A menu at the top: a popup with a grab.
+class WRootMenu : public WMenu {
+public:
+    class Callback {
+    public:
+        virtual ~Callback() = default;
+        virtual void menuHidden(WRootMenu*) {} ///< chosen or not; before activated of a chosen item
+    };
+
+    explicit WRootMenu(Callback* target = nullptr); ///< borrowed, may be null
+
+    /// On this screen, kept inside it.
+    void show(WRoot* root, const rfb::Point& position);
+    /// Its right edge at `position.x`, for a menu under a button at the right.
+    void showRightAligned(WRoot* root, const rfb::Point& position);
+    void dismiss() { hideAll(); }
+
+protected:
+    void hidden() override;
+
+private:
+    Callback* callback;
+};
+
+} // namespace wvw

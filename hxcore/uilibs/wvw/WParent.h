@@ -1,0 +1,57 @@
+// The services that a widget asks of what holds it.
+#pragma once
+
+#include "plat/String.h"
+#include "rfb/Rect.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace hxutil {
+class DragDropData;
+}
+namespace rfb {
+class PixelBuffer;
+class Region;
+} // namespace rfb
+
+namespace wvw {
+
+class Widget;
+class WRoot;
+
+/// What a widget is attached to: a layout, or the window at the top.
+class WParent {
+public:
+    virtual ~WParent() = default;
+
+    /// `region` is in the coordinates of `child`.
+    virtual void invalidate(Widget* child, const rfb::Region& region) = 0;
+    virtual void bell() = 0;
+
+    /// Null takes the focus from the child that has it. False when the child refuses.
+    virtual bool setFocus(Widget* child) = 0;
+    virtual bool isFocused(const Widget* child) const = 0;
+
+    /// True when another widget was found, or there was nothing left to do above; false lets the asker wrap around.
+    virtual bool focusNext() = 0;
+    virtual bool focusPrev() = 0;
+
+    virtual bool isKeyDown(uint32_t keysym) const = 0;
+
+    /// The clipboard, as UTF-8. What another program owns is waited for, within a limit; null when there is none.
+    virtual plat::String getCutText() = 0;
+    virtual void setCutText(const char* text) = 0;
+
+    /// `originOut` (may be null) becomes the root position of what this parent's children count from. Null while no
+    /// window is there.
+    virtual WRoot* getRoot(rfb::Point* originOut) = 0;
+
+    /// `rect` is in the coordinates of `child`.
+    virtual void ensureVisible(Widget* child, const rfb::Rect& rect) = 0;
+
+    /// `image` is borrowed for the call.
+    virtual void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* image) = 0;
+};
+
+} // namespace wvw
