@@ -1,0 +1,119 @@
+// The bridge from an X window to a widget tree.
+#pragma once
+
+#include "plat/Timer.h"
+#include "rfb/Region.h"
+#include "tx/TXWindow.h"
+#include "wvw/InputHandler.h"
+#include "wvw/MouseInputHandler.h"
+#include "wvw/WParent.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+
+namespace wvw {
+class Widget;
+class WTooltip;
+} // namespace wvw
+
+namespace tx {
+
+class TXImage;
+class TXWDragAndDrop;
+
+/// A top-level window that hosts one root widget.
+///
+/// The tree is attached exactly while the window is mapped; only then is there a backing image. Widgets paint into it,
+/// and whole dirty rectangles go to the server, so nothing half drawn is ever seen. Dirty areas collect for 10 ms.
+class TXWParent : public TXWindow,
+                  public wvw::WParent,
+                  public TXEventHandler,
+                  public wvw::WInputHandler,
+                  public plat::Timer::Callback,
+                  public wvw::WMouseInputHandler {
+public:
+    /// `root` may be null and set later; it is borrowed and gives the window its size.
+    explicit TXWParent(wvw::Widget* root, TXWindow* parent = nullptr, bool overrideRedirect = false);
+    ~TXWParent() override;
+
+    void setRootWidget(wvw::Widget* widget); ///< null hides the window
+    void show(bool shown);                   ///< a mapped window under a manager is raised, an icon opened
+    void setSizeFromRoot();                  ///< resizes the window to its root widget
+
+    /// Input of the user is dropped while blocked; what is held down can still be let go.
+    void setInputBlocked(bool blocked);
+    bool isInputBlocked() const { return inputBlocked; }
+    wvw::Widget* rootWidget() const { return root; } ///< may be null
+
+    /// A key that the window got in another way, such as by a popup's grab.
+    void keyEvent(unsigned keycode, uint32_t keysym, bool down);
+
+    // TXWindow
+    void resized() override;
+    void mapChanged() override;
+
+    // TXEventHandler
+    bool handleEvent(XEvent* event) override;
+
+    // wvw::WParent
+    void invalidate(wvw::Widget* child, const rfb::Region& region) override;
+    void bell() override;
+    bool setFocus(wvw::Widget* child) override;
+    bool isFocused(const wvw::Widget* child) const override;
+    bool focusNext() override;
+    bool focusPrev() override;
+    bool isKeyDown(uint32_t keysym) const override;
+    plat::String getCutText() override;
+    void setCutText(const char* text) override;
+    wvw::WRoot* getRoot(rfb::Point* originOut) override;
+    void ensureVisible(wvw::Widget* child, const rfb::Rect& rect) override;
+    void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* dragImage) override;
+
+    using TXWindow::getCutText;
+    using TXWindow::setCutText;
+    using TXWindow::setFocus;
+
+    // plat::Timer::Callback
+    bool timerExpired(plat::Timer* timer) override;
+
+    // wvw::WMouseInputHandler: the end of the chain, for tooltips
+    bool mouseMove(const rfb::Point& position, wvw::Widget* origin) override;
+    bool mouseExit(wvw::Widget* origin) override;
+
+    // wvw::WInputHandler
+    using TXWindow::focusChanged;
+    using wvw::WInputHandler::focusChanged;
+    using wvw::WInputHandler::keyEvent;
+    bool detached(wvw::Widget* origin) override;
+
+private:
+    friend class TXWDragAndDrop;
+
+    void syncMapped();
+    void attachRoot();
+    void detachRoot();
+    void handleKey(XKeyEvent& event);
+    void handleButton(XEvent& event);
+    void handleExpose(XEvent& event);
+    void releaseKeys();
+    void repaintNow();
+    void paintRect(const rfb::Rect& rect);
+    void cancelTooltip();
+    void showTooltip();
+
+    std::unique_ptr<TXImage> image; // only while mapped
+    wvw::Widget* root = nullptr;
+    std::map<unsigned, uint32_t> pressedKeys; // keycode to the keysym that was reported at the press
+    rfb::Region invalidRegion;
+    plat::Timer repaintTimer;
+    plat::Timer tooltipTimer;
+    std::unique_ptr<wvw::WTooltip> tooltip; // made when first needed
+    rfb::Point tooltipPosition;
+    wvw::Widget* tooltipWidget = nullptr; // whose tooltip is pending or shown
+    bool inputBlocked = false;
+    bool attached_ = false;
+    std::unique_ptr<TXWDragAndDrop> dragAndDrop;
+};
+
+} // namespace tx

@@ -1,0 +1,181 @@
+// A window on the X server.
+#pragma once
+
+#include "plat/MBuf.h"
+#include "plat/NonCopyable.h"
+#include "plat/String.h"
+#include "rfb/Rect.h"
+#include "tx/Property.h"
+#include "tx/TXEventHandler.h"
+#include "tx/xlib.h"
+
+#include <map>
+
+namespace tx {
+
+class TXWindow;
+
+class TXDeleteWindowCallback {
+public:
+    virtual ~TXDeleteWindowCallback() = default;
+
+    /// The user asked the window manager to close the window. It stays until the callee acts.
+    virtual void deleteWindow(TXWindow* window) = 0;
+};
+
+/// One X window: its properties, its size and state as the server tells, its grabs, modality and selections.
+///
+/// Dispatch finds it by its id. It may be deleted in any of its own event calls.
+class TXWindow : private plat::NonCopyable {
+public:
+    /// `parent` null makes a top-level window; a window with a parent is mapped at once. With `create` false the X
+    /// window is made later by createWindow, with a depth and visual of the caller's choice.
+    TXWindow(int width, int height, TXWindow* parent = nullptr, int borderWidth = 0, bool overrideRedirect = false,
+             bool create = true);
+
+    virtual ~TXWindow();
+
+    // Called by dispatch; the defaults do nothing.
+    virtual void resized() {}
+    virtual void moved() {}
+    virtual void mapChanged() {}
+    virtual void focusChanged() {}
+    virtual void takeFocus(Time) {} ///< WM_TAKE_FOCUS arrived while mapped
+
+    /// The answer to requestSelection; the default keeps it as the cut text.
+    virtual void selectionNotify(XSelectionEvent* event, Property& value);
+
+    /// Another client wants our text: writes it to `property` of `requestor`. False if there is none to give.
+    virtual bool selectionRequest(Window requestor, Atom selection, Atom target, Atom property);
+
+    /// Does what the event asks of the window, then gives it to the handlers. Called by dispatch; a subclass that
+    /// overrides it calls it.
+    virtual void handleWindowEvent(XEvent* event);
+
+    void createWindow(TXWindow* parent, int borderWidth, unsigned long background, unsigned long borderPixel, int depth,
+                      Visual* visual);
+
+    // The window manager's view.
+    void setName(const char* name); ///< UTF-8
+    /// Makes this a window under the manager's care. `className` null takes the application's own.
+    void setWMProperties(const char* name, TXDeleteWindowCallback* callback = nullptr, const char* className = nullptr);
+    void setMaxSize(int width, int height); ///< either at 0 removes the hint
+    void setMinSize(int width, int height); ///< either at 0 removes the hint
+    void setFixedSize(bool fixed);          ///< min and max follow the size
+    void setTransientFor(TXWindow* window); ///< null for none
+    void setOverrideRedirect(bool on);
+    void setUrgent(bool urgent);
+    void setInitialIconic(bool iconic);
+    void setInputHint(bool input);
+
+    // Place and size.
+    void setPosition(int x, int y, bool move = true); ///< without `move` only the hint changes
+    void centreOnScreen();
+    void resize(int width, int height);
+    /// The user's "-geometry" string (null or empty for none) over a default.
+    void setGeometry(const char* geometry, const rfb::Rect& defaultRect);
+    void setBorderWidth(int width);
+    rfb::Point getRootPosition() const; ///< of the window's inner corner, by a round trip
+
+    // Visibility.
+    void map();
+    void unmap();
+    void iconify();
+    void deiconify();
+    void raise();        ///< on top of its siblings, and active if the manager agrees
+    void activeWindow(); ///< asks the manager to activate it
+    void setFocus(Time time);
+
+    // Events.
+    void addEventMask(long mask);
+    void removeEventMask(long mask);
+    void addEventHandler(TXEventHandler* handler, bool add);
+
+    /// Asks for, or gives up, the pointer and the keyboard. The latest mapped window that wants one has it.
+    void setGrab(bool pointer, bool keyboard, Cursor cursor, bool ownerEvents);
+    void pushModal(); ///< keys and buttons of our other windows are dropped until this is unmapped
+
+    // Selections.
+    bool ownSelection(Atom selection, Time time);
+    void disownSelections();
+    /// Offers text (UTF-8, `len` bytes) to other clients as PRIMARY, CLIPBOARD and cut buffer 0.
+    void setCutText(std::size_t len, const char* text, Time time);
+    /// The text of a selection, UTF-8; waits up to two seconds for its owner. Empty if there is none.
+    plat::String getCutText(Atom selection);
+    /// False if no answer came in time. An answer may still say that there is nothing.
+    bool requestSelection(Atom selection, Atom target, int timeoutMs);
+    void setSensitive(bool sensitive); ///< the text is a secret: wiped when replaced
+
+    void drawBevel(GC gc, int x, int y, int w, int h, int bevel, unsigned long face, unsigned long light,
+                   unsigned long dark);
+
+    Window win() const { return win_; }
+    int width() const { return width_; }
+    int height() const { return height_; }
+    bool isMapped() const { return mapped; }
+    bool isFocused() const { return focused; }
+    bool isOverrideRedirect() const { return overrideRedirect; }
+    bool hasWMProperties() const { return wmPropertiesSet; }
+    bool isModal() const; ///< in the modal stack, whoever is on top
+    bool grabsPointer() const { return grab.pointer; }
+    bool grabsKeyboard() const { return grab.keyboard; }
+    bool hasCutText() const { return cutText.size() != 0; }
+    long getEventMask() const { return eventMask; }
+    TXWindow* getTransientFor() const { return transientFor; }
+    const XSizeHints& getSizeHints() const { return sizeHints; }
+
+protected:
+    /// Latin-1 to UTF-8 where needed, with a terminating NUL.
+    void storeCutText(const Property& value);
+    void clearCutText();
+
+private:
+    friend class SelectionWaiter;
+    friend class WindowRegistry;
+
+    struct Grab {
+        bool pointer = false;
+        bool keyboard = false;
+        bool ownerEvents = true;
+        Cursor cursor = none;
+    };
+
+    void handleFocus(bool in);
+    void handleMap(bool map);
+    bool handleConfigure(XEvent* event);
+    void handleProperty(const XPropertyEvent& event);
+    void handleSelectionClear(const XSelectionClearEvent& event);
+    void handleSelectionNotify(XSelectionEvent& event);
+    void handleSelectionRequest(const XSelectionRequestEvent& event);
+    Atom answerSelection(const XSelectionRequestEvent& event);
+    bool handleClientMessage(const XClientMessageEvent& event);
+    void setFixedHints();
+    void clearFixedHints();
+    void writeNormalHints();
+    void writeWMHints();
+    void drainConfigure(int* width, int* height);
+
+    Window win_ = none;
+    int width_;
+    int height_;
+    EventHandlerList eventHandlers;
+    long eventMask = 0;
+    XSizeHints sizeHints{};
+    TXDeleteWindowCallback* deleteWindowCallback = nullptr;
+    std::map<Atom, Time> selectionTimes;
+    bool wmPropertiesSet = false;
+    bool mapped = false;
+    bool focused = false;
+    bool overrideRedirect;
+    bool fixedSize = false;
+    bool urgent = false;
+    bool inputHint = true;
+    int initialState = NormalState;
+    Atom incrProperty = none; // of the large transfer that is being thrown away
+    TXWindow* transientFor = nullptr;
+    plat::MBuf<char> cutText; // UTF-8 with a NUL, or empty
+    Grab grab;
+    bool* deleted = nullptr; // of the event call under way: set by the destructor
+};
+
+} // namespace tx
