@@ -1,0 +1,54 @@
+// Lets another process of the same user look into the elements and drive them.
+#pragma once
+
+#include "io/IoHandler.h"
+#include "plat/NonCopyable.h"
+#include "plat/String.h"
+
+#include <list>
+#include <memory>
+
+namespace os {
+class NamedPipeListener;
+}
+
+namespace mui {
+
+class Mui;
+class MuiCommsConn;
+
+/// Listens on a local socket for inspection connections.
+///
+/// One in a process, made by init. Off until setEnabled(true); a production build has no need of it.
+class MuiComms : public io::IoAcceptor, private plat::NonCopyable {
+public:
+    /// Asserts that there is none yet. `mui` is borrowed. `nameSuffix` is added to the application's name in the
+    /// socket's name; null or "" for none.
+    static void init(Mui* mui, const char* nameSuffix = nullptr);
+    static MuiComms* instance(); ///< null before init
+    static void destroy();       ///< ends listening and all connections
+
+    /// init, and setEnabled when the parameter _MuiComms says so.
+    static void initFromParameter(Mui* mui, const char* nameSuffix = nullptr);
+
+    void setEnabled(bool enabled); ///< a failure is logged and leaves it off
+    bool isEnabled() const;
+    const char* getPipeName() const { return pipeName.c_str(); } ///< the socket's path, "" while off
+
+    // io::IoAcceptor
+    io::IoHandler* accept(io::Io* io) override;
+
+private:
+    friend class MuiCommsConn;
+
+    MuiComms(Mui* mui, const char* nameSuffix);
+    ~MuiComms() override;
+
+    Mui* mui;
+    plat::String nameSuffix;
+    plat::String pipeName;
+    std::unique_ptr<os::NamedPipeListener> listener;
+    std::list<MuiCommsConn*> connections;
+};
+
+} // namespace mui
