@@ -1,0 +1,95 @@
+// Text for keys, in the user's language.
+#pragma once
+
+#include "loc/TransMap.h"
+#include "plat/ConfigParameter.h"
+#include "plat/String.h"
+
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace rdr {
+class InStream;
+}
+
+namespace loc {
+
+/// All catalogs, and the list of locales that the process speaks.
+///
+/// Texts compiled into the libraries are there from static start-up; lookups before init report missing text. A
+/// pointer that was handed out stays valid to the end of the process, unless a text file replaces the entry. One key is
+/// used either raw (to be formatted) or plain all through the program; mixing the two is a failed assertion.
+class Localize : public plat::ParameterChangedCallback {
+public:
+    static Localize& instance(); ///< kept to the end of the process
+
+    Localize(const Localize&) = delete;
+    Localize& operator=(const Localize&) = delete;
+
+    /// Joins the callbacks of the parameter Locale, then setDirs. Start-up calls it once.
+    void init(const std::vector<std::string>& dirs = {});
+    /// Looks for text files (strings.<locale>.po) in these directories, from the first locale on, and refreshes.
+    void setDirs(const std::vector<std::string>& dirs);
+    void refresh(); ///< finds the locales anew: from the parameter, else from the system
+
+    /// Makes `map` (null: the current one) speak `list`, loading text files that are new.
+    void setLocales(const std::vector<std::string>& list, TransMap* map);
+
+    /// The text for `key`, or the key itself, logged with the caller's place (`file` may be null).
+    const char* translate(const char* key, const char* file, int line, bool raw);
+    const char* findTranslation(const char* key, bool raw); ///< null, and no log, if missing
+    /// Raw text for the number, from the first locale that has the key with "_sing" or "_many"; else the key, logged.
+    const char* translatePlural(const char* key, int count, const char* file = nullptr, int line = 0);
+
+    /// Adds a text that stays valid to the end of the process; sorted runs of one language need no search. The first
+    /// text of a key stays.
+    void addString(const char* language, const char* key, const char* text);
+    /// Adds or replaces a text; it is copied.
+    void addTranslation(const char* language, const char* key, const char* text);
+    /// Reads a text file of `locale`; lines that are wrong are logged and skipped. `name` is for messages.
+    void readTexts(rdr::InStream& in, const char* name, const char* locale);
+
+    plat::String getLocaleList() const;     ///< the locales in force, joined with ":"
+    plat::String getCurrentLocales() const; ///< those of the innermost LocaleSetter with a list, else getLocaleList
+    std::vector<std::string> getLocales() const;
+
+    // plat::ParameterChangedCallback
+    void parameterChanged(plat::ConfigParameter*) override { refresh(); }
+
+private:
+    using Catalogs = std::map<std::string, Catalog, std::less<>>;
+
+    Localize();
+    void takeCompiledTexts();
+    Catalog* findCatalog(std::string_view locale);
+    const char* hand(std::string_view key, Translation& translation, bool raw);
+    void loadLocale(const std::string& locale);
+    void loadResource(const std::string& locale);
+    void loadFile(const std::string& dir, const std::string& locale);
+    void rebuild(TransMap& map);
+
+    mutable std::recursive_mutex mutex;
+    Catalogs catalogs;
+    std::vector<std::string> locales;
+    std::vector<std::string> searchDirs;
+    std::set<std::string> loadedLocales;
+    std::string lastLogged;
+    Catalogs::iterator lastCatalog; // of addString, end() at first
+    Catalog::iterator lastPlace;    // where addString inserted
+};
+
+/// Makes missing or bad text end the process: for tests of the catalogs.
+extern bool locStrict;
+
+/// Plain text for a key, as const char*.
+#define LOC_TEXT(key) ::loc::Localize::instance().translate(key, __FILE__, __LINE__, /*raw=*/false)
+/// Raw text for a key, for loc::format.
+#define LOC_RAW(key) ::loc::Localize::instance().translate(key, __FILE__, __LINE__, /*raw=*/true)
+/// Raw text for a number of things, for loc::format.
+#define LOC_PLURAL(key, count) ::loc::Localize::instance().translatePlural(key, count, __FILE__, __LINE__)
+
+} // namespace loc

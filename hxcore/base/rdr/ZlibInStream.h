@@ -1,0 +1,57 @@
+// Inflating another stream.
+#pragma once
+
+#include "rdr/InStream.h"
+
+#include <memory>
+
+struct z_stream_s;
+
+namespace rdr {
+
+/// Inflates what it reads from the stream under it, with zlib.
+///
+/// Bytes taken from below are consumed there for good (it is checkpointed), also where this stream is rewound later:
+/// what was inflated stays in this stream's own buffer. Throws ZlibEndOfStream at the logical end.
+class ZlibInStream : public InStream {
+public:
+    enum class Format {
+        Zlib, ///< RFC 1950
+        Raw,  ///< RFC 1951, no header
+        Gzip, ///< RFC 1952, one member, its checksum and length verified
+    };
+
+    /// A negative size means 16800 bytes of inflated data.
+    explicit ZlibInStream(int bufSize = -1, Format format = Format::Zlib);
+    ~ZlibInStream() override;
+
+    void setUnderlying(InStream* stream) { underlying = stream; } ///< borrowed; null: reads throw
+    void reset(); ///< a fresh start of the compressed data, with an empty buffer
+
+    uint32_t pos() override;
+    void checkpoint() override;
+
+protected:
+    bool fillBuffer(size_t n) override;
+
+private:
+    enum class Stage { Header, Data, Trailer, Ended };
+
+    bool step(); // false if the stream below has nothing for now
+    bool readGzipHeader();
+    bool inflateSome();
+    bool readGzipTrailer();
+    void compact();
+
+    size_t bufSize;
+    Format format;
+    Stage stage;
+    InStream* underlying = nullptr;
+    std::unique_ptr<z_stream_s> zs;
+    std::unique_ptr<uint8_t[]> start;
+    uint32_t offset = 0;   // position of the buffer's first byte
+    uint32_t crc = 0;      // of all inflated bytes
+    uint32_t inflated = 0; // count of inflated bytes, modulo 2^32
+};
+
+} // namespace rdr
