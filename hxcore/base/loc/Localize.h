@@ -58,7 +58,7 @@ public:
     std::vector<std::string> getLocales() const;
 
     // plat::ParameterChangedCallback
-    void parameterChanged(plat::ConfigParameter*) override { refresh(); }
+    void parameterChanged(plat::ConfigParameter*, int) override { refresh(); }
 
 private:
     using Catalogs = std::map<std::string, Catalog, std::less<>>;
