@@ -1,0 +1,49 @@
+// Functions of libraries that are loaded at run time and may be missing.
+#pragma once
+
+#include "plat/NonCopyable.h"
+
+namespace plat {
+
+/// Looks `functions` up in the first of `libraries` that loads; null if there is none. Loaded libraries stay.
+///
+/// Libraries are "Xfixes[3,2,1]" (libXfixes.so.3, else .2, else .1), "Xrandr" (libXrandr.so) or a file name as it is
+/// ("libm.so.6"), alternatives after commas. Functions are alternative names after commas. `error`, of `size` bytes,
+/// tells what failed.
+void* findDynamicSymbol(const char* libraries, const char* functions, char* error, int size);
+
+/// The untyped half of DynamicFn.
+class DynamicSymbol : private NonCopyable {
+public:
+    constexpr DynamicSymbol(const char* libraries_, const char* functions_)
+        : libraries(libraries_), functions(functions_) {}
+
+    bool isAvailable() const; ///< looks it up at the first use
+
+protected:
+    void* resolve() const; ///< throws plat::DynamicFnLoadFailed
+
+private:
+    const char* libraries;
+    const char* functions;
+    mutable void* symbol = nullptr;
+    mutable bool looked = false;
+};
+
+/// A function of type T (such as `int(int)`) that is looked up at the first use, once.
+///
+/// Calling one that is missing throws plat::DynamicFnLoadFailed with library and function. The names are borrowed.
+template <class T>
+class DynamicFn : public DynamicSymbol {
+public:
+    using DynamicSymbol::DynamicSymbol;
+
+    T* get() const { return reinterpret_cast<T*>(resolve()); } ///< throws as a call does
+
+    template <class... Args>
+    auto operator()(Args... args) const {
+        return get()(args...);
+    }
+};
+
+} // namespace plat
