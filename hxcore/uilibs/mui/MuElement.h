@@ -91,6 +91,7 @@ public:
     void mouseEvent(const hxutil::MouseEvent& event) override;             ///< forwards to the mouse callback
     virtual void checkLayout(MuLayoutCheckObserver* observer);
     virtual void stateChanged() {} ///< after a change of the enabled or locked state
+    virtual void setDefaultFocus(MuElement*) {} ///< called on the topmost element; a dialog keeps it for its next show
 
     /// The widget-side half, null for elements without a widget.
     MuCommon* getCommon() const { return common; }
@@ -99,6 +100,9 @@ protected:
     explicit MuElement(const char* name, const char* label = nullptr);
 
     plat::String commonState(); ///< the lines that every state block ends with
+
+    /// Called on the topmost element when one below it dies: drop what points to it.
+    virtual void forgetElement(MuElement*) {}
 
     MuCommon* common = nullptr; // set by the twin
     plat::String label;
