@@ -6,6 +6,7 @@
 #include "plat/numbers.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 
 namespace mui {
@@ -69,7 +70,7 @@ plat::String MuCheck::getState() {
 
 bool MuCheck::handleCommand(const char* command, const char* argument) {
     int value = 0;
-    if (std::strcmp(command, "click") != 0 || !plat::parseInt(argument, &value))
+    if (std::strcmp(command, "click") != 0 || !plat::parseIntInRange(argument, INT_MIN, INT_MAX, value))
         return false;
     if (isInert() || !isShownFully())
         return false;

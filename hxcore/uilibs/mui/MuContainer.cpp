@@ -13,7 +13,7 @@ void MuContainer::add(MuElement* element) {
 }
 
 void MuContainer::setParent(MuElement* child, MuContainer* parent) {
-    child->parent = parent;
+    child->parent_ = parent;
     // What the child shows may depend on the style that it inherits from here on.
     if (parent && parent->findStyle())
         child->styleChanged();

@@ -28,28 +28,28 @@ struct MuElement::ActiveNotify {
     std::vector<MuObserver*>* removed = nullptr; // who left during this walk
 };
 
-MuElement::MuElement(const char* name_, const char* label_) : label(label_), name(name_) {}
+MuElement::MuElement(const char* name, const char* label_) : label(label_), name_(name) {}
 
 MuElement::~MuElement() {
     for (ActiveNotify* active = activeNotify; active; active = active->outer)
         active->element = nullptr;
-    if (parent)
+    if (parent_)
         getTop()->forgetElement(this);
 }
 
 plat::String MuElement::getFullName() const {
-    if (!parent)
+    if (!parent_)
         return "";
-    plat::String above = parent->getFullName();
-    if (name.isEmpty())
+    plat::String above = parent_->getFullName();
+    if (name_.isEmpty())
         return above;
-    return above.isEmpty() ? name : plat::strFormat("%s.%s", above.c_str(), name.c_str());
+    return above.isEmpty() ? name_ : plat::strFormat("%s.%s", above.c_str(), name_.c_str());
 }
 
 MuElement* MuElement::getTop() {
     MuElement* top = this;
-    while (top->parent)
-        top = top->parent;
+    while (top->parent_)
+        top = top->parent_;
     return top;
 }
 
@@ -70,7 +70,7 @@ void MuElement::addObserver(MuObserver* observer, bool add) {
 void MuElement::notify(MuElement* source, int type) {
     ActiveNotify sourceWatch(source);
     std::vector<MuObserver*> removed;
-    for (MuElement* element = this; element; element = element->parent) {
+    for (MuElement* element = this; element; element = element->parent_) {
         ActiveNotify active(element);
         active.removed = &removed;
         for (MuObserver* observer : element->observers)
@@ -88,44 +88,45 @@ void MuElement::notify(MuElement* source, int type) {
 }
 
 void MuElement::setEnabled(bool enabled) {
-    flags = enabled ? flags & ~static_cast<unsigned>(Disabled) : flags | Disabled;
+    flags_ = enabled ? flags_ & ~static_cast<unsigned>(Disabled) : flags_ | Disabled;
     if (common)
-        common->setEnabled(flags == 0);
+        common->setEnabled(flags_ == 0);
     stateChanged();
 }
 
 void MuElement::setLocked(bool locked) {
-    flags = locked ? flags | Locked : flags & ~static_cast<unsigned>(Locked);
+    flags_ = locked ? flags_ | Locked : flags_ & ~static_cast<unsigned>(Locked);
     if (common)
-        common->setEnabled(flags == 0);
+        common->setEnabled(flags_ == 0);
     stateChanged();
 }
 
 bool MuElement::isShownFully() {
-    for (MuElement* element = this; element; element = element->parent)
+    for (MuElement* element = this; element; element = element->parent_)
         if (!element->isShown())
             return false;
     return true;
 }
 
 const MuStyle& MuElement::getStyle() const {
-    if (style)
-        return *style;
+    if (style_)
+        return *style_;
+    MuElement* parent = parent_;
     ASSERT(parent);
-    return parent->getStyle();
+    return parent_->getStyle();
 }
 
 const MuStyle* MuElement::findStyle() const {
     const MuElement* element = this;
-    while (element && !element->style)
-        element = element->parent;
-    return element ? element->style.get() : nullptr;
+    while (element && !element->style_)
+        element = element->parent_;
+    return element ? element->style_.get() : nullptr;
 }
 
 MuStyle& MuElement::ownStyle() {
-    if (!style)
-        style = std::make_unique<MuStyle>();
-    return *style;
+    if (!style_)
+        style_ = std::make_unique<MuStyle>();
+    return *style_;
 }
 
 void MuElement::setFontSize(int size) {
@@ -150,7 +151,7 @@ void MuElement::setShown(bool shown) {
 
 bool MuElement::isShown() { return common && common->isShown(); }
 
-bool MuElement::isLocked() { return (flags & Locked) != 0; }
+bool MuElement::isLocked() { return (flags_ & Locked) != 0; }
 
 void MuElement::setFocus() {
     if (common)
@@ -183,6 +184,7 @@ void MuElement::setPosition(const rfb::Point& position) {
 rfb::Point MuElement::getPosition() { return common ? common->getPosition() : rfb::Point{0, 0}; }
 
 rfb::Point MuElement::getRootPosition() {
+    MuElement* parent = parent_;
     ASSERT(parent);
     return getPosition() + parent->getRootPosition();
 }

@@ -26,7 +26,7 @@ struct Axes {
     }
 };
 
-bool is(unsigned flags, MuLayout::Sizing sizing) { return (flags & MuLayout::SizingMask) == sizing; }
+bool is(unsigned flags, MuLayout::ChildFlag sizing) { return (flags & MuLayout::SizingMask) == sizing; }
 } // namespace
 
 MuLayout* MuLayout::create(MuContainer* parent, const char* name, Orientation orientation) {

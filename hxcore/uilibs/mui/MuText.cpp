@@ -8,6 +8,7 @@
 #include "plat/Exception.h"
 #include "plat/numbers.h"
 
+#include <climits>
 #include <cstring>
 
 namespace mui {
@@ -66,7 +67,7 @@ plat::String MuText::getState() {
 
 bool MuText::handleCommand(const char* command, const char* argument) {
     int index = 0;
-    return std::strcmp(command, "click") == 0 && plat::parseInt(argument, &index) && activateLink(index);
+    return std::strcmp(command, "click") == 0 && plat::parseIntInRange(argument, INT_MIN, INT_MAX, index) && activateLink(index);
 }
 
 } // namespace mui
