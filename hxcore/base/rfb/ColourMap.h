@@ -3,7 +3,6 @@
 
 #include "rfb/Colour.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 

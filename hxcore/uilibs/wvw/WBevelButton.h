@@ -24,9 +24,14 @@ public:
     void removeChild(Widget* gone) override;
 
 protected:
-    virtual rfb::Rect childRect() const;
+    virtual rfb::Rect childRect() const; ///< while not pressed
+
+    // WButton
+    void stateChanged() override;
 
 private:
+    void placeChild();
+
     Widget* child = nullptr;
 };
 
@@ -60,6 +65,7 @@ public:
     WArrowButton(WLayout* layout, WArrow::Direction towards, const rfb::Point& preferred = {8, 8});
 
     // Widget
+    void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override { return preferredSize; }
 
 private:

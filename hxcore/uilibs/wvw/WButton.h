@@ -16,9 +16,11 @@ public:
     bool isHovered() const { return hovered; }
     FaceState faceState() const;
     void setFocusable(bool on) { focusable = on; } ///< true at first
+    void press();                                  ///< as if the user had done it
 
     // Widget
     void setEnabled(bool on) override;
+    void setVisible(bool on) override;
     void detach() override;
     bool acceptsFocus() override { return focusable && isEnabled() && isVisible(); }
     bool keyEvent(uint32_t keysym, bool down, Widget* origin) override;
@@ -32,8 +34,12 @@ protected:
     /// Called before activated(this). Default: nothing.
     virtual void pressedByUser() {}
 
+    /// Called when pressed or hovered has changed, before the repaint. Default: nothing.
+    virtual void stateChanged() {}
+
 private:
     void setState(bool nowPressed, bool nowHovered);
+    void letGo();
 
     bool pressed = false;
     bool held = false; // the left button went down here

@@ -16,20 +16,17 @@ public:
 
     /// "WCheck_check" and "WCheck_dot" are drawn; any other name takes the images "off-", "on-" and "ind-" with it.
     explicit WCheckBox(WLayout* layout = nullptr, const char* imageName = "WCheck_check");
-    ~WCheckBox() override;
 
     void setState(State newState); ///< runs valueChanged if it is another
     State getState() const { return state; }
     bool isOn() const { return state == State::On; }
     bool isRadio() const { return kind == Kind::Dot; }
-    void setHoverFrom(const WButton* other) { hoverFrom = other; } ///< lights up with it as well; borrowed, may be null
+    void setLit(bool on);      ///< as under the pointer, for a label beside it
+    void setLabelled(bool on); ///< a label beside it shows the focus
 
     // Widget
     void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override;
-
-    /// As if the user had pressed it.
-    void press();
 
 protected:
     // WButton
@@ -38,14 +35,16 @@ protected:
 private:
     enum class Kind { Check, Dot, Images };
 
-    void paintBox(rfb::FullFramePixelBuffer& pb);
-    rfb::Colour edgeColour() const;
-    rfb::Colour wellColour() const;
+    State afterPress() const;
+    void paintBox(rfb::FullFramePixelBuffer& pb, State shown);
+    rfb::Colour edgeColour(State shown) const;
+    rfb::Colour wellColour(State shown) const;
 
     Kind kind;
     State state = State::Off;
     WImage::Image images[3]; // in the order of State; the mark alone, as images[1], for what is drawn
-    const WButton* hoverFrom = nullptr;
+    bool lit = false;
+    bool labelled = false;
 };
 
 } // namespace wvw

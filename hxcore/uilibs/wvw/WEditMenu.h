@@ -38,6 +38,8 @@ public:
     bool activated(Widget* origin) override;
 
 private:
+    void addItem(int choice, const char* text); // not for choice 0
+
     Callback* callback;
     std::unique_ptr<WRootMenu> menu;
     std::vector<std::unique_ptr<WMenuItem>> items;

@@ -3,25 +3,22 @@
 
 #include "wvw/Widget.h"
 
-namespace hxutil {
-class NamedImagePixelBuffer;
-}
+#include "hxutil/NamedImagePixelBuffer.h"
 
 namespace wvw {
 
 /// Draws an image aligned or tiled; while disabled, its disabled copy. A missing image paints nothing.
 class WImage : public Widget {
 public:
-    using Image = std::shared_ptr<hxutil::NamedImagePixelBuffer>;
+    using Image = hxutil::NamedImagePixelBuffer::Ptr;
 
     explicit WImage(WLayout* layout = nullptr);
     /// `imageSize` in pixels, (0, 0) for the natural one.
     WImage(WLayout* layout, const char* name, const rfb::Point& imageSize = {0, 0});
-    ~WImage() override;
 
     /// By name, in the form for the current theme. Null or "" shows nothing.
     void setImage(const char* name, const rfb::Point& imageSize = {0, 0});
-    void setImage(Image newImage); ///< may be null
+    void setImage(const Image& newImage); ///< may be null
     const Image& getImage() const { return image; }
 
     /// 0 start, 1 centre, 2 end; both are 1 at first.

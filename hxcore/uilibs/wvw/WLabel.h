@@ -77,7 +77,9 @@ protected:
     bool selectable = false;
 
 private:
-    std::vector<Line> split(int width) const;
+    template <class T>
+    void change(T& field, T value);
+    std::vector<Line> split(int width) const; ///< a width below 1 does not wrap
     void paintLine(rfb::FullFramePixelBuffer& pb, size_t line);
 
     std::string text;

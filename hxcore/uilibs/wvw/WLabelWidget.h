@@ -21,6 +21,7 @@ public:
     rfb::Point getPreferredSize() override;
     int getPreferredHeight(int width) override;
     bool sizeChanged(Widget* origin) override;
+    void removeChild(Widget* gone) override;
 
 protected:
     void setControl(Widget* newControl); ///< borrowed
@@ -29,6 +30,7 @@ protected:
 
 private:
     int offset(int height) const;
+    rfb::Point controlSize() const;
 
     WLabelWithMnemonic label;
     Widget* control = nullptr;
@@ -42,7 +44,6 @@ class WLabelCheckBox : public WLabelWidget {
 public:
     explicit WLabelCheckBox(WLayout* layout = nullptr, const char* markedText = nullptr,
                             const char* imageName = "WCheck_check");
-    ~WLabelCheckBox() override;
 
     WCheckBox& getCheck() { return check; }
 
@@ -55,7 +56,7 @@ public:
     bool mouseExit(Widget* origin) override;
 
 private:
-    bool onLabel() const;
+    bool onLabel(const Widget* origin, const rfb::Point& position);
 
     WCheckBox check;
     bool held = false; // pressed on the label

@@ -29,4 +29,7 @@ private:
 /// its byte in the result, -1 for none.
 plat::String stripMnemonic(const char* marked, uint32_t& keysym, int& index);
 
+/// A capital letter of Latin-1 as its small one; any other keysym as it is.
+uint32_t foldKeysym(uint32_t keysym);
+
 } // namespace wvw

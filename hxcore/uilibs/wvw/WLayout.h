@@ -79,7 +79,8 @@ public:
 
 protected:
     void paintChildren(rfb::FullFramePixelBuffer& pb);
-    void endCapture() { mouseCapture = nullptr; }
+    // Widget
+    void travel(bool backward) override;
 
     bool routeMouse;
     bool propagateEnable;
@@ -99,12 +100,14 @@ private:
     void sendTo(Widget* target, const rfb::Point& position, int mask);
     bool moveFocus(bool backward);
     bool focusFirst(bool backward);
+    void leaveChild(Widget* child);
 
     Widget* focusChild = nullptr;
     Widget* mouseCapture = nullptr; // may be this layout
     std::vector<Child> children;    // in paint order
     std::set<Widget*> attachedChildren;
     rfb::Point padding{0, 0};
+    bool settlingFocus = false; // setFocusChild decides which child gets the focus
 };
 
 } // namespace wvw

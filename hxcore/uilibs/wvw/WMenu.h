@@ -1,6 +1,7 @@
 // Popup menus.
 #pragma once
 
+#include "wvw/WArrow.h"
 #include "wvw/WButton.h"
 #include "wvw/WImage.h"
 #include "wvw/WLabelWithMnemonic.h"
@@ -33,14 +34,19 @@ public:
     void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override;
     bool acceptsFocus() override { return false; }
+    void setVisible(bool on) override;
+    void setEnabled(bool on) override;
     bool sizeChanged(Widget* origin) override;
-    bool mouseMove(const rfb::Point& position, Widget* origin) override;
     bool activated(Widget* origin) override;
 
 private:
     friend class WMenu;
 
+    void changed();
+    void showSelected(bool on);
     bool hasMarks() const;
+    int columnWidth() const;
+    void paintMarks(rfb::FullFramePixelBuffer& pb, const rfb::Colour& ink);
 
     WLabelWithMnemonic label;
     WImage::Image image;
@@ -79,10 +85,12 @@ public:
     void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override;
     bool mouseMove(const rfb::Point& position, Widget* origin) override;
-    bool mouseDown(int button, Widget* origin) override;
     bool mouseExit(Widget* origin) override;
 
 protected:
+    /// Left or Right that no menu used. Called on the menu at the top. Default: not used.
+    virtual bool unusedKey(uint32_t /*keysym*/) { return false; }
+    rfb::Point sizeOn(WRoot* root); ///< laid out for that screen
     void showAt(WRoot* onRoot, const rfb::Point& position, bool grab);
     void hide();
     virtual void hidden() {} ///< called after this menu has gone from the screen
@@ -90,10 +98,12 @@ protected:
 private:
     friend class WMenuItem;
 
+    WMenu* topMenu();
+    void gone();
     void closeSubmenu();
-    void itemGone(WMenuItem* item);
+    void itemsChanged();
     void layoutItems();
-    void chosen(WMenuItem* item);
+    int layoutColumns(int width); // gives their number
     bool activateByLetter(uint32_t letter);
     bool navigate(uint32_t keysym);
 
@@ -105,7 +115,6 @@ private:
     int minWidth = 0;
     int maxHeight = 0;
     rfb::Point laidOut{0, 0};
-    bool layoutValid = false;
     bool hasColumn = false; // for checks, images and marks
 };
 

@@ -30,6 +30,7 @@ public:
     void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override;
     int getPreferredHeight(int width) override;
+    bool sizeChanged(Widget* origin) override;
     bool acceptsFocus() override;
     bool keyEvent(uint32_t keysym, bool down, Widget* origin) override;
     bool focusChanged(bool backward, Widget* origin) override;
@@ -39,17 +40,20 @@ public:
     bool mouseExit(Widget* origin) override;
 
 protected:
+    // Widget
+    void travel(bool backward) override; ///< to the next link, if there is one
+    bool pressTakesFocus() override;
+
     // WLabel
     void layoutText() override;
     size_t indexAt(const rfb::Point& position) const override;
     const std::string& shownText() const override;
 
 private:
-    bool moveLinkFocus(bool backward);
+    void paintRun(rfb::FullFramePixelBuffer& pb, int index);
     void followLink(int run);
     void setHot(int newHover, int newFocus);
-    int linkAt(const rfb::Point& position) const;
-    void place();
+    int linkAt(const rfb::Point& position) const; // run index, -1 for none
 
     std::unique_ptr<RichTextLayout> runs;
     plat::Markup::LinkCallback* linkCallback = nullptr;

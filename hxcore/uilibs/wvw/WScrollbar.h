@@ -23,8 +23,9 @@ public:
     void stepBy(int amount); ///< as the user would
 
     // Widget
-    void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override;
+    void setEnabled(bool on) override;
+    void setVisible(bool on) override;
     void detach() override;
     bool sizeChanged(Widget* origin) override;
     bool valueChanged(Widget* origin) override;

@@ -21,6 +21,7 @@ public:
     const rfb::Point& getValue() const { return value; }
     bool isDragging() const { return dragging; }
 
+    void setMinThumb(int px); ///< longer than the 8 that always hold
     rfb::Rect thumbRect() const;
 
     // Widget
@@ -34,16 +35,16 @@ public:
     /// The length of the thumb on an axis of `length` pixels: at least 8, at most `length`.
     static int thumbLength(int length, int range, int step);
 
-protected:
-    bool isHovered() const { return hovered; }
-
 private:
-    bool change(const rfb::Point& newValue);
+    bool change(const rfb::Point& newValue); // by the user
+    bool dragTo(const rfb::Point& corner);   // of the thumb
+    void setHovered(bool on);
 
     rfb::Point range{0, 0};
     rfb::Point step{1, 1};
     rfb::Point value{0, 0};
     rfb::Point grip{0, 0}; // where in the thumb the drag began
+    int minThumbPx = 8;
     bool dragging = false;
     bool hovered = false;
 };

@@ -22,7 +22,7 @@ public:
     void setContentSize(const rfb::Point& newContentSize);
     const rfb::Point& getContentSize() const { return contentSize; }
 
-    /// Moves each visible bar to `point` less the start of its page.
+    /// Brings `point` of the content to the upper left corner, as far as the visible bars go.
     void scrollToPoint(const rfb::Point& point);
     /// Scrolls as little as needed to bring `rect` of the content into view; its start wins.
     void scrollToRect(const rfb::Rect& rect);
@@ -40,6 +40,7 @@ public:
 private:
     void layoutScrollbars();
     void tellChild();
+    void moveTo(const rfb::Point& value);
 
     WScrollbar vBar;
     WScrollbar hBar;

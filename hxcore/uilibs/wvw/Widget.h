@@ -130,6 +130,7 @@ public:
     int getWidth() const { return size.x; }
     int getHeight() const { return size.y; }
     rfb::Rect getRect() const { return {0, 0, size.x, size.y}; } ///< in own coordinates
+    const rfb::Point& getPointer() const { return mousePos; }    ///< where the pointer was last seen
     WParent* getParent() const { return parent; }                ///< null unless attached
     WLayout* getParentLayout() const { return parentLayout; }    ///< also when not attached
 
@@ -162,6 +163,11 @@ public:
     void drawFace(rfb::FullFramePixelBuffer& pb, const rfb::Rect& rect, FaceState state) const;
 
 protected:
+    /// Called for Tab, Up and Down that nobody used, while attached. Default: the parent moves the focus.
+    virtual void travel(bool backward);
+    /// Asked when the left button goes down here. Default: what accepts focus takes it.
+    virtual bool pressTakesFocus() { return acceptsFocus(); }
+
     WParent* parent = nullptr;
     WInputHandler* parentHandler = nullptr;
     WInputHandler* handler = nullptr;
@@ -178,8 +184,12 @@ private:
     friend class WLayout; // sets parentLayout
 
     bool offer(bool (WInputHandler::*event)(Widget*), Widget* origin);
-    void sendMouse(int type);
-    void finishClick(bool waited);
+    bool defaultKey(uint32_t keysym);
+    void leaveFocusUnlessUsable();
+    void sendClicks(int button, Widget* origin);
+    void sendMouse(int type, Widget* origin); // a hxutil::MouseEvent::Type
+    void sendMouseAt(int type, const rfb::Point& position);
+    rfb::Point ownPosition(const Widget* origin) const; // of the pointer
 
     std::unique_ptr<WStyle> style; // null inherits
     WLayout* parentLayout = nullptr;

@@ -1,0 +1,156 @@
+#include "wvw/RichTextLayout.h"
+
+#include "hxutil/Font.h"
+#include "hxutil/getFont.h"
+#include "hxutil/metrics.h"
+#include "plat/Exception.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace wvw {
+
+using plat::Markup;
+using rfb::Point;
+using rfb::Rect;
+
+namespace {
+
+/// `plain` so that it means itself in markup.
+std::string escaped(const char* plain) {
+    std::string out;
+    for (const char* p = plain; *p; ++p) {
+        if (*p == '&')
+            out += "&amp;";
+        else if (*p == '<')
+            out += "&lt;";
+        else if (*p == '>')
+            out += "&gt;";
+        else
+            out += *p;
+    }
+    return out;
+}
+
+} // namespace
+
+void RichTextLayout::layOut(const char* markup, const WStyle& style, int wrapWidth) {
+    runs.clear();
+    laidOut.clear();
+    look = &style;
+    textPos = 0;
+    Markup::Layout layout(this, std::max(0, wrapWidth));
+    try {
+        text = Markup::strip(markup).c_str();
+        Markup::ParserHtml::instance().layout(markup, &layout);
+    } catch (const plat::Exception& e) {
+        text = e.what();
+        Markup::ParserHtml::instance().layout(escaped(e.what()).c_str(), &layout);
+    }
+    size = {layout.getWidth(), layout.getHeight()};
+    look = nullptr;
+}
+
+int RichTextLayout::textWidth(const Markup::Style& style, const char* start, int lenBytes) {
+    return fontFor(style)->stringWidth(start, start + lenBytes);
+}
+
+int RichTextLayout::lineHeight(const Markup::Style& style) { return fontFor(style)->height; }
+
+int RichTextLayout::paddingWidth(double units) {
+    return hxutil::scaled(static_cast<int>(std::lround(std::clamp(units, 0.0, 10000.0))));
+}
+
+const hxutil::Font* RichTextLayout::fontFor(const Markup::Style& style) const {
+    // Text without a size or weight of its own follows the widget.
+    if (style.size == Markup::Style::defaultSize && style.weight == Markup::Style::defaultWeight)
+        return look->font;
+    return hxutil::getFont(style.size, style.weight);
+}
+
+rfb::Colour RichTextLayout::colourFor(const Markup::Style& style) const {
+    const rfb::Colour own = style.flags & Markup::Link ? colours::blue : look->text;
+    return style.color.isEmpty() ? own : themeColour(style.color.get(), own);
+}
+
+size_t RichTextLayout::findInText(const std::string& piece) {
+    // Only the blanks at which a line broke lie between one run and the next.
+    const size_t found = text.find(piece, textPos);
+    const size_t start = found == std::string::npos ? std::min(textPos, text.size()) : found;
+    textPos = std::min(start + piece.size(), text.size());
+    return start;
+}
+
+void RichTextLayout::fragment(const Markup::Layout::Fragment& f) {
+    const std::string piece(f.text, static_cast<size_t>(f.lenBytes));
+    Run run;
+    run.font = fontFor(f.style);
+    run.colour = colourFor(f.style);
+    run.underline = f.style.flags & (Markup::Link | Markup::Underline);
+    run.text = plat::String(std::string_view(piece));
+    run.link = f.href;
+    run.start = findInText(piece);
+    run.line = f.line;
+    run.align = f.align == Markup::Center || f.align == Markup::Right ? f.align : 0;
+    run.lineWidth = f.lineWidth;
+    run.rect = Rect::xywh(f.x, f.y, f.width, f.height);
+    laidOut.push_back(run.rect);
+    runs.push_back(std::move(run));
+}
+
+void RichTextLayout::place(const Point& widget, int margin, int hAlign, int vAlign) {
+    const int top = std::max(0, widget.y - size.y) * vAlign / 2;
+    for (size_t i = 0; i < runs.size(); ++i) {
+        const int align = runs[i].align ? runs[i].align : hAlign;
+        const int free = widget.x - 2 * margin - runs[i].lineWidth;
+        runs[i].rect = laidOut[i].translate({margin + free * align / 2, top});
+    }
+}
+
+bool RichTextLayout::sameLink(int a, int b) const {
+    if (a < 0 || b < 0)
+        return false;
+    const plat::String& target = runs[static_cast<size_t>(a)].link;
+    return !target.isNull() && target == runs[static_cast<size_t>(b)].link;
+}
+
+int RichTextLayout::nextLink(int from, bool backward) const {
+    const int count = static_cast<int>(runs.size());
+    const int step = backward ? -1 : 1;
+    for (int i = from < 0 ? (backward ? count - 1 : 0) : from + step; i >= 0 && i < count; i += step) {
+        if (!runs[static_cast<size_t>(i)].link.isNull() && !sameNeighbours(std::min(i, from), std::max(i, from)))
+            return i;
+    }
+    return -1;
+}
+
+bool RichTextLayout::sameNeighbours(int first, int last) const {
+    if (first < 0)
+        return false;
+    for (int i = first; i <= last; ++i) {
+        if (!sameLink(first, i))
+            return false;
+    }
+    return true;
+}
+
+int RichTextLayout::runAt(const Point& position) const {
+    const auto i = std::find_if(runs.begin(), runs.end(), [&](const Run& run) { return run.rect.contains(position); });
+    return i == runs.end() ? -1 : static_cast<int>(i - runs.begin());
+}
+
+size_t RichTextLayout::indexAt(const Point& position) const {
+    // The last line that begins above the position, and in it the last run that begins on its left.
+    const Run* best = nullptr;
+    for (const Run& run : runs) {
+        const bool startsLine = !best || run.line != best->line;
+        if (startsLine ? !best || run.rect.tl.y <= position.y : run.rect.tl.x <= position.x)
+            best = &run;
+    }
+    if (!best)
+        return 0;
+    const char* start = best->text.c_str();
+    return best->start + static_cast<size_t>(best->font->nearestBoundary(position.x - best->rect.tl.x, start) - start);
+}
+
+} // namespace wvw

@@ -1,0 +1,28 @@
+#include "wvw/WBgLayout.h"
+
+#include "rfb/PixelBuffer.h"
+
+namespace wvw {
+
+WBgLayout::WBgLayout(WLayout* layout, const char* colourName_) : WLayout(layout), colourName(colourName_) {}
+
+void WBgLayout::setBackground(const char* newName) {
+    colourName = newName;
+    transparent = false;
+    repaint();
+}
+
+void WBgLayout::setTransparent(bool on) {
+    if (on == transparent)
+        return;
+    transparent = on;
+    repaint();
+}
+
+void WBgLayout::paint(rfb::FullFramePixelBuffer& pb) {
+    if (!transparent)
+        fill(pb, getRect(), colourName.isNull() ? getStyle().contentBg : themeColour(colourName.get()));
+    paintChildren(pb);
+}
+
+} // namespace wvw

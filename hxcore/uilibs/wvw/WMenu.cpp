@@ -1,0 +1,308 @@
+#include "wvw/WMenu.h"
+
+#include "wvw/WRoot.h"
+#include "wvw/WidgetWatch.h"
+
+#include "plat/Assert.h"
+#include "rfb/PixelBuffer.h"
+#include "rfb/keySymbols.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace wvw {
+namespace {
+constexpr int spacing = 4; // pixels, around the items and between columns
+} // namespace
+
+using rfb::Point;
+using rfb::Rect;
+
+WMenu::WMenu() = default;
+
+WMenu::~WMenu() {
+    hide();
+    for (WMenuItem* item : items)
+        item->menu = nullptr;
+    if (parentMenu)
+        parentMenu->openMenu = nullptr;
+}
+
+void WMenu::add(WMenuItem* item, WMenuItem* before) {
+    ASSERT(!item->menu);
+    const auto i = before ? std::find(items.begin(), items.end(), before) : items.end();
+    items.insert(i, item);
+    item->menu = this;
+    addChild(item, before);
+    itemsChanged();
+}
+
+void WMenu::remove(WMenuItem* item) {
+    if (item->menu != this)
+        return;
+    if (openMenu && openMenu == item->getSubmenu())
+        closeSubmenu();
+    if (selected == item)
+        selected = nullptr;
+    items.erase(std::find(items.begin(), items.end(), item));
+    item->menu = nullptr;
+    removeChild(item);
+    itemsChanged();
+}
+
+void WMenu::setMinWidth(int px) {
+    minWidth = px;
+    itemsChanged();
+}
+
+void WMenu::setMaxHeight(int px) {
+    maxHeight = px;
+    itemsChanged();
+}
+
+void WMenu::itemsChanged() {
+    if (!isShown())
+        return;
+    layoutItems();
+    setSize(laidOut);
+    repaint();
+}
+
+void WMenu::selectItem(WMenuItem* item) {
+    if (item == selected)
+        return;
+    WMenuItem* old = std::exchange(selected, item);
+    if (old)
+        old->showSelected(false);
+    if (selected)
+        selected->showSelected(true);
+}
+
+void WMenu::moveSelection(bool down) {
+    const size_t count = items.size();
+    if (!count)
+        return;
+    const auto at = std::find(items.begin(), items.end(), selected);
+    // From nowhere, the first step leads to the first or the last one.
+    size_t index = static_cast<size_t>(at - items.begin());
+    if (at == items.end())
+        index = down ? count - 1 : 0;
+    for (size_t i = 0; i < count; ++i) {
+        index = (index + (down ? 1 : count - 1)) % count;
+        if (items[index]->canSelect()) {
+            selectItem(items[index]);
+            return;
+        }
+    }
+}
+
+WMenu* WMenu::topMenu() {
+    WMenu* top = this;
+    while (top->parentMenu)
+        top = top->parentMenu;
+    return top;
+}
+
+void WMenu::hideAll() { topMenu()->hide(); }
+
+void WMenu::showAt(WRoot* onRoot, const Point& position, bool grab) {
+    shownRoot = onRoot;
+    layoutItems();
+    setSize(laidOut);
+    onRoot->showPopup(this, /*show=*/true, grab, position);
+}
+
+void WMenu::hide() {
+    closeSubmenu();
+    WRoot* root = std::exchange(shownRoot, nullptr);
+    if (!root)
+        return;
+    const WidgetWatch self(this);
+    root->showPopup(this, /*show=*/false, /*grab=*/false, {0, 0});
+    if (self.alive())
+        gone();
+}
+
+void WMenu::gone() {
+    selectItem(nullptr);
+    if (parentMenu)
+        std::exchange(parentMenu, nullptr)->openMenu = nullptr;
+    hidden();
+}
+
+void WMenu::detach() {
+    WLayout::detach();
+    // Somebody else took the window from the screen, as a press outside does.
+    if (std::exchange(shownRoot, nullptr)) {
+        closeSubmenu();
+        gone();
+    }
+}
+
+void WMenu::closeSubmenu() {
+    if (openMenu)
+        openMenu->hide();
+}
+
+void WMenu::openSubmenu(WMenuItem* item, bool byKey) {
+    WMenu* sub = item->getSubmenu();
+    selectItem(item);
+    if (!sub || !shownRoot || sub->isShown())
+        return;
+    closeSubmenu();
+    openMenu = sub;
+    sub->parentMenu = this;
+    const Point corner = getRootPosition();
+    const Rect place = getChildRect(item).translate(corner);
+    const Point screen = shownRoot->screenSize();
+    const Point wanted = sub->sizeOn(shownRoot);
+    const int right = place.br.x;
+    const int x = right + wanted.x > screen.x ? std::max(0, corner.x - wanted.x) : right;
+    const int y = std::max(0, std::min(place.tl.y - spacing, screen.y - wanted.y));
+    sub->showAt(shownRoot, {x, y}, /*grab=*/false);
+    if (byKey)
+        sub->moveSelection(/*down=*/true);
+}
+
+Point WMenu::sizeOn(WRoot* root) {
+    WRoot* before = std::exchange(shownRoot, root);
+    layoutItems();
+    shownRoot = before;
+    return laidOut;
+}
+
+Point WMenu::getPreferredSize() {
+    layoutItems();
+    return laidOut;
+}
+
+void WMenu::layoutItems() {
+    hasColumn = std::any_of(items.begin(), items.end(), [](WMenuItem* item) { return item->hasMarks(); });
+    int widest = 0;
+    for (WMenuItem* item : items) {
+        if (item->isVisible())
+            widest = std::max(widest, item->getPreferredSize().x);
+    }
+    const int columns = layoutColumns(std::max(minWidth, widest));
+    if (columns > 1)
+        layoutColumns(std::max((minWidth + spacing) / columns - spacing, widest));
+}
+
+int WMenu::layoutColumns(int width) {
+    int limit = shownRoot ? shownRoot->screenSize().y : 0;
+    if (maxHeight > 0 && (!limit || maxHeight < limit))
+        limit = maxHeight;
+    Point at(spacing, spacing);
+    int columns = 1;
+    int bottom = spacing;
+    for (WMenuItem* item : items) {
+        if (!item->isVisible())
+            continue;
+        const int height = item->getPreferredSize().y;
+        if (limit > 0 && at.y > spacing && at.y + height + spacing > limit) {
+            at = {at.x + width + spacing, spacing};
+            ++columns;
+        }
+        setChildRect(item, Rect::xywh(at.x, at.y, width, height));
+        at.y += height;
+        bottom = std::max(bottom, at.y);
+    }
+    laidOut = {at.x + width + spacing, bottom + spacing};
+    return columns;
+}
+
+void WMenu::paint(rfb::FullFramePixelBuffer& pb) {
+    fill(pb, getRect(), getStyle().contentBg);
+    paintChildren(pb);
+    drawBevel(pb, getRect(), /*sunken=*/false, /*thin=*/true);
+    // A popup has nothing of its own behind its corners.
+    const Rect corners[] = {Rect::xywh(0, 0, 1, 1), Rect::xywh(getWidth() - 1, 0, 1, 1),
+                            Rect::xywh(0, getHeight() - 1, 1, 1), Rect::xywh(getWidth() - 1, getHeight() - 1, 1, 1)};
+    for (const Rect& corner : corners)
+        fill(pb, corner, getStyle().bevelDark);
+}
+
+bool WMenu::handleKey(uint32_t keysym, bool down) {
+    // The grab is with the menu at the top; the deepest one that is open is meant.
+    WMenu* deepest = this;
+    while (deepest->openMenu)
+        deepest = deepest->openMenu;
+    return !down || deepest->navigate(foldKeysym(rfb::canonicalKeysym(keysym)));
+}
+
+bool WMenu::navigate(uint32_t keysym) {
+    switch (keysym) {
+    case rfb::key::Escape:
+        hideAll();
+        return true;
+    case rfb::key::Return:
+        if (selected)
+            selected->press();
+        return true;
+    case rfb::key::Up:
+    case rfb::key::Down:
+        moveSelection(keysym == rfb::key::Down);
+        return true;
+    case rfb::key::Right:
+        if (!selected || !selected->getSubmenu())
+            return topMenu()->unusedKey(keysym);
+        openSubmenu(selected, /*byKey=*/true);
+        return true;
+    case rfb::key::Left:
+        if (!parentMenu)
+            return unusedKey(keysym);
+        hide();
+        return true;
+    default:
+        return activateByLetter(keysym);
+    }
+}
+
+bool WMenu::activateByLetter(uint32_t letter) {
+    const auto i = std::find_if(items.begin(), items.end(),
+                                [=](WMenuItem* item) { return item->canSelect() && item->matches(letter); });
+    if (i == items.end())
+        return false;
+    selectItem(*i);
+    (*i)->press();
+    return true;
+}
+
+bool WMenu::mouseMove(const Point& position, Widget* origin) {
+    auto* item = dynamic_cast<WMenuItem*>(origin);
+    if (item && item->menu == this && item->canSelect() && item->getRect().contains(position) && item != selected) {
+        if (openMenu && openMenu != item->getSubmenu())
+            closeSubmenu();
+        openSubmenu(item, /*byKey=*/false);
+    }
+    return WLayout::mouseMove(position, origin);
+}
+
+bool WMenu::mouseExit(Widget* origin) {
+    if (!openMenu)
+        selectItem(nullptr);
+    return WLayout::mouseExit(origin);
+}
+
+WRootMenu::WRootMenu(Callback* target) : callback(target) {}
+
+void WRootMenu::show(WRoot* root, const Point& position) {
+    ASSERT(root);
+    hideAll();
+    const Point wanted = sizeOn(root);
+    const Point room = root->screenSize() - wanted;
+    showAt(root, {std::max(0, std::min(position.x, room.x)), std::max(0, std::min(position.y, room.y))},
+           /*grab=*/true);
+}
+
+void WRootMenu::showRightAligned(WRoot* root, const Point& position) {
+    ASSERT(root);
+    show(root, {position.x - sizeOn(root).x, position.y});
+}
+
+void WRootMenu::hidden() {
+    if (callback)
+        callback->menuHidden(this);
+}
+
+} // namespace wvw
