@@ -55,23 +55,22 @@ public:
     /// A four-byte length and that many bytes; throws StringTooLongException above `maxLen` before it reads them.
     /// Memory grows with the bytes that arrive, not with the length that was announced.
     plat::String readString32(size_t maxLen, bool repairUtf8 = true);
-    std::string readStdString8(bool repairUtf8 = true);                 ///< keeps NUL bytes
-    std::string readStdString32(size_t maxLen, bool repairUtf8 = true); ///< keeps NUL bytes
+    std::string readStdString8(bool repairUtf8 = true);                 ///< a NUL stays, or is repaired
+    std::string readStdString32(size_t maxLen, bool repairUtf8 = true);
 
     /// Replaces `out` by the bytes up to a line feed, which is consumed; carriage returns are dropped. A last line may
     /// lack its line feed; with nothing left the end-of-stream exception passes. `maxLen` 0 means 262144 bytes.
     void readLine(plat::DString& out, size_t maxLen = 0, bool repairUtf8 = true);
-    /// The same into a C++ string, which keeps NUL bytes.
+    /// The same into a C++ string, where a NUL stays, or is repaired.
     void readLine(std::string& out, size_t maxLen = 0, bool repairUtf8 = true);
 
     /// An unbiased number below `bound` from a stream of random bytes; bound 0 gives any 32-bit number.
     uint32_t readUniform(uint32_t bound);
 
     /// Makes `itemSize` bytes (at most what the buffer holds) available in one piece, cuts `*nItems` to the whole
-    /// items that are buffered and returns their place, not consumed. Null without `wait` if they aren't there yet.
+    /// items that are buffered in one piece (0 where a frame ends inside one) and returns their place, not consumed. Null
+    /// without `wait` if nothing is there yet.
     const uint8_t* check(size_t itemSize, size_t* nItems, bool wait = true);
-    /// The same for one item, as a plain question: false without `wait` if the bytes aren't there yet.
-    bool ensure(size_t len, bool wait) { return len <= buffered() || overrun(wait, len); }
 
     const uint8_t* window() const { return ptr; } ///< the bytes that can be read without asking for more
     size_t buffered() const { return static_cast<size_t>(end - ptr); }
@@ -93,6 +92,8 @@ protected:
     bool rewindable = true;
 
 private:
+    std::string readText(size_t len, bool repairUtf8);
+
     template <int size>
     uint64_t readBigEndian() {
         uint8_t split[size]; // an item may straddle a frame or the end of the buffer
