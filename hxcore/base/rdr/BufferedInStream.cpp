@@ -26,9 +26,7 @@ BufferedInStream::~BufferedInStream() {
     delete[] start;
 }
 
-uint32_t BufferedInStream::pos() {
-    return offset + static_cast<uint32_t>(ptr - start);
-}
+uint32_t BufferedInStream::pos() { return offset + static_cast<uint32_t>(ptr - start); }
 
 void BufferedInStream::compact() {
     const size_t shift = static_cast<size_t>(checkpointPtr - start);
@@ -58,8 +56,7 @@ bool BufferedInStream::fillBuffer(size_t n) {
 }
 
 BufferedNonBlockableInStream::BufferedNonBlockableInStream(int size, bool isSecure)
-    : BufferedInStream(size, isSecure) {
-}
+    : BufferedInStream(size, isSecure) {}
 
 void BufferedNonBlockableInStream::setNonBlocking(bool on) {
     // What a blocking reader has consumed is done with, and must not come back.

@@ -34,13 +34,15 @@ protected:
     virtual size_t writeData(const void* buf, size_t len, bool needWrite) = 0;
     size_t overrun(size_t itemSize, size_t nItems) override;
 
-    bool needWrite = true; // flush waits
+    void send(bool wait); // until all is sent or nothing goes; moves the window's start
+
+    bool flushWaits = true;
 
 private:
-    void send(bool wait);
+    bool sendOnce(bool wait);
     void grow();
     void compact();
-    void setWindow();
+    void setWindow(size_t itemSize);
 
     size_t bufSize;
     size_t maxSize;

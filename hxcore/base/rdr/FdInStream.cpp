@@ -10,8 +10,7 @@
 namespace rdr {
 
 FdInStream::FdInStream(int fd_, int timeout, int size, bool isSecure)
-    : BufferedNonBlockableInStream(size, isSecure), fd(fd_), timeoutMs(timeout) {
-}
+    : BufferedNonBlockableInStream(size, isSecure), fd(fd_), timeoutMs(timeout) {}
 
 size_t FdInStream::readData(void* buf, size_t len) {
     if (timedOut)

@@ -3,6 +3,8 @@
 
 #include "rdr/BufferedOutStream.h"
 
+#include <sys/types.h>
+
 namespace rdr {
 
 /// Writes to a descriptor. Starts in blocking mode with a timeout of 30000 ms.
@@ -34,10 +36,12 @@ protected:
     size_t writeData(const void* buf, size_t len, bool needWrite) override;
 
 private:
+    ssize_t writeOnce(const void* buf, size_t len);
     size_t writeFailed(int errNo, bool needWrite);
 
     int fd;
     bool ownFd;
+    bool isSocket = true; // until it turns out not to be one
     int timeoutMs = 30000;
     Callback* callback;
 };

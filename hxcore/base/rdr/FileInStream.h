@@ -16,7 +16,6 @@ protected:
 
 private:
     plat::FilePtr file;
-    plat::String path;
 };
 
 } // namespace rdr

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "plat/FilePtr.h"
-#include "plat/String.h"
 #include "rdr/BufferedOutStream.h"
 
 namespace rdr {
@@ -11,16 +10,17 @@ namespace rdr {
 class FileOutStream : public BufferedNBOutStream {
 public:
     /// `mode` and `flags` as for plat::FilePtr.
-    explicit FileOutStream(const char* path, int mode = 1, int flags = 0);
+    explicit FileOutStream(const char* path, int mode = plat::FileWrite, int flags = 0);
     ~FileOutStream() override; ///< writes what is buffered; a failure is logged
 
-    void close(); ///< writes what is buffered and closes; throws if either fails
+    void flush() override; ///< as far as the operating system
+    void close();          ///< writes what is buffered and closes; throws if either fails
 
 protected:
     size_t writeData(const void* buf, size_t len, bool needWrite) override;
 
+private:
     plat::FilePtr file;
-    plat::String path;
 };
 
 } // namespace rdr

@@ -24,9 +24,9 @@ public:
     bool startMsg(bool wait = true);
     /// Closes the message; throws FrameException if bytes of it are left.
     void endMsg();
-    void skipToEndOfMsg();                 ///< drops what is left; may throw BlockException and be called again
-    void copyToEndOfMsg(OutStream& out);   ///< gives what is left to `out`, piece by piece; checkpoints after each
-    bool isInMsg() const { return inMsg; } ///< between startMsg and endMsg
+    void skipToEndOfMsg();               ///< drops what is left; may throw BlockException and be called again
+    void copyToEndOfMsg(OutStream& out); ///< gives what is left to `out`, piece by piece; checkpoints after each
+    bool isInMsg() const { return state.inMsg; } ///< between startMsg and endMsg
 
     // InStream
     uint32_t pos() override;
@@ -40,25 +40,24 @@ protected:
     virtual void readFrameHeader(size_t* size, bool* endOfMsg, bool first) = 0;
     bool fillBuffer(size_t n) override;
 
-    InStream* underlying;
+    InStream* underlying = nullptr;
 
 private:
     struct FrameState {
         bool inMsg = false;
         bool lastFrame = false;
-        size_t frameSize = 0; // bytes left in this frame, as of the last look below
+        size_t frameSize = 0;  // bytes left in this frame, from where the stream below stands
+        uint32_t consumed = 0; // payload bytes up to there, over all messages
     };
 
-    void syncBelow();  // moves the stream below to our ptr
-    void showWindow(); // shows what is buffered below, up to the end of the frame
-    void nextFrame();  // to a frame with payload, or to the end of the message
-    size_t leftInFrame() const { return frameSize - static_cast<size_t>(ptr - shown); }
+    void syncBelow();
+    void showWindow();
+    void readHeader(bool first);
+    bool nextFrame();
 
-    bool inMsg = false;
-    bool lastFrame = false;
-    size_t frameSize = 0;
+    FrameState state;
+    FrameState saved;               // as of the checkpoint
     const uint8_t* shown = nullptr; // where the stream below stands
-    FrameState saved;
 };
 
 } // namespace rdr

@@ -12,7 +12,7 @@ class FramedOutStream : public OutStream {
 public:
     FramedOutStream(OutStream* underlying, size_t frameLimit, size_t headerSize); ///< borrowed, may be null at first
 
-    /// Forgets any open message and writes to another stream.
+    /// Forgets any open message and writes to another stream, or to none.
     void setUnderlying(OutStream* stream);
     OutStream* getUnderlying() const { return underlying; }
 

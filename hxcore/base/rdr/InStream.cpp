@@ -106,9 +106,7 @@ std::string InStream::readText(size_t len, bool repairUtf8) {
     return text;
 }
 
-std::string InStream::readStdString8(bool repairUtf8) {
-    return readText(readU8(), repairUtf8);
-}
+std::string InStream::readStdString8(bool repairUtf8) { return readText(readU8(), repairUtf8); }
 
 std::string InStream::readStdString32(size_t maxLen, bool repairUtf8) {
     const uint32_t len = readU32();

@@ -55,7 +55,7 @@ public:
     /// A four-byte length and that many bytes; throws StringTooLongException above `maxLen` before it reads them.
     /// Memory grows with the bytes that arrive, not with the length that was announced.
     plat::String readString32(size_t maxLen, bool repairUtf8 = true);
-    std::string readStdString8(bool repairUtf8 = true);                 ///< a NUL stays, or is repaired
+    std::string readStdString8(bool repairUtf8 = true); ///< a NUL stays, or is repaired
     std::string readStdString32(size_t maxLen, bool repairUtf8 = true);
 
     /// Replaces `out` by the bytes up to a line feed, which is consumed; carriage returns are dropped. A last line may
@@ -68,8 +68,8 @@ public:
     uint32_t readUniform(uint32_t bound);
 
     /// Makes `itemSize` bytes (at most what the buffer holds) available in one piece, cuts `*nItems` to the whole
-    /// items that are buffered in one piece (0 where a frame ends inside one) and returns their place, not consumed. Null
-    /// without `wait` if nothing is there yet.
+    /// items that are buffered in one piece (0 where a frame ends inside one) and returns their place, not consumed.
+    /// Null without `wait` if nothing is there yet.
     const uint8_t* check(size_t itemSize, size_t* nItems, bool wait = true);
 
     const uint8_t* window() const { return ptr; } ///< the bytes that can be read without asking for more

@@ -18,11 +18,13 @@ public:
     explicit MemOutStream(int size = -1, size_t maxSize = 0);
     ~MemOutStream() override;
 
-    const uint8_t* data() const { return start; } ///< null if nothing was ever allocated
-    size_t size() const { return static_cast<size_t>(ptr - start); }
-    void clear() { ptr = start; }             ///< keeps the memory
-    void getBuffer(plat::MBuf<uint8_t>& out); ///< moves the bytes to `out`, leaving the stream empty
-    plat::String takeString();                ///< the bytes with a NUL, leaving the stream empty
+    const uint8_t* data() const {
+        return reinterpret_cast<const uint8_t*>(start);
+    } ///< null if nothing was ever allocated
+    size_t size() const { return static_cast<size_t>(ptr - data()); }
+    void clear() { ptr = reinterpret_cast<uint8_t*>(start); } ///< keeps the memory
+    void getBuffer(plat::MBuf<uint8_t>& out);                 ///< moves the bytes to `out`, leaving the stream empty
+    plat::String takeString();                                ///< the bytes with a NUL, leaving the stream empty
     uint32_t length() override;
     size_t spaceAvailable() override;
 
@@ -31,8 +33,9 @@ protected:
 
 private:
     void reallocate(size_t newSize);
+    void release();
 
-    uint8_t* start = nullptr; // from malloc
+    char* start = nullptr; // new[], null while empty
     size_t maxSize;
 };
 

@@ -21,9 +21,7 @@ void OutStream::writeBytes(const void* data, size_t len) {
     }
 }
 
-size_t OutStream::spaceAvailable() {
-    return room();
-}
+size_t OutStream::spaceAvailable() { return room(); }
 
 void OutStream::writeSplit(uint64_t value, int size) {
     overrun(static_cast<size_t>(size), 1);

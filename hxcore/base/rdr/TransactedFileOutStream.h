@@ -1,10 +1,8 @@
 // Writing a file all or nothing.
 #pragma once
 
-#include "plat/NonCopyable.h"
-#include "plat/String.h"
 #include "plat/TransactedFile.h"
-#include "rdr/FileOutStream.h"
+#include "rdr/BufferedOutStream.h"
 
 namespace rdr {
 
@@ -21,7 +19,6 @@ protected:
 
 private:
     plat::TransactedFile file;
-    plat::String path;
 };
 
 } // namespace rdr

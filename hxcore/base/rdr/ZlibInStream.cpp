@@ -36,9 +36,7 @@ ZlibInStream::ZlibInStream(int size, Format dataFormat)
         throw plat::Exception("ZlibInStream: inflateInit failed");
 }
 
-ZlibInStream::~ZlibInStream() {
-    inflateEnd(zs.get());
-}
+ZlibInStream::~ZlibInStream() { inflateEnd(zs.get()); }
 
 void ZlibInStream::setRewindable(bool on) {
     if (on && !rewindable)
@@ -56,9 +54,7 @@ void ZlibInStream::reset() {
     checkpointPos = offset;
 }
 
-uint32_t ZlibInStream::pos() {
-    return offset + static_cast<uint32_t>(ptr - start.get());
-}
+uint32_t ZlibInStream::pos() { return offset + static_cast<uint32_t>(ptr - start.get()); }
 
 void ZlibInStream::compact() {
     const size_t shift = static_cast<size_t>(checkpointPtr - start.get());

@@ -28,7 +28,7 @@ public:
     ~ZlibInStream() override;
 
     void setUnderlying(InStream* stream) { underlying = stream; } ///< borrowed; null: reads throw
-    void setRewindable(bool on); ///< default off
+    void setRewindable(bool on);                                  ///< default off
     void reset(); ///< a fresh start of the compressed data, with an empty buffer
 
     uint32_t pos() override;
@@ -51,10 +51,10 @@ private:
     InStream* underlying = nullptr;
     std::unique_ptr<z_stream_s> zs;
     std::unique_ptr<uint8_t[]> start;
-    uint32_t offset = 0;    // position of the buffer's first byte
-    uint32_t crc = 0;       // of all inflated bytes
-    uint32_t inflated = 0;  // their count, modulo 2^32
-    bool wasFull = false;   // inflate may hold output that had no room
+    uint32_t offset = 0;   // position of the buffer's first byte
+    uint32_t crc = 0;      // of all inflated bytes
+    uint32_t inflated = 0; // their count, modulo 2^32
+    bool wasFull = false;  // inflate may hold output that had no room
 };
 
 } // namespace rdr
