@@ -8,8 +8,8 @@ namespace rdr {
 /// The peer closed the stream, the file ended, or a ring was told that nothing more comes.
 class EndOfStream : public plat::Exception {
 public:
-    explicit EndOfStream(const char* text = "End of IO stream", const char* type = "EndOfStream")
-        : plat::Exception(text, type) {}
+    explicit EndOfStream(const char* text_ = "End of IO stream", const char* type_ = "EndOfStream")
+        : plat::Exception(text_, type_) {}
 };
 
 /// Compressed data reached its own end; the stream below may hold more.
@@ -34,7 +34,7 @@ public:
 /// Frames were opened or closed out of order.
 class FrameException : public plat::Exception {
 public:
-    explicit FrameException(const char* text) : plat::Exception(text, "FrameException") {}
+    explicit FrameException(const char* text_) : plat::Exception(text_, "FrameException") {}
 };
 
 /// An announced length is beyond the reader's limit.
