@@ -23,7 +23,7 @@ enum FileFlag : int {
 class FilePtr : private NonCopyable {
 public:
     FilePtr() = default;
-    explicit FilePtr(const char* path, int mode = FileRead, int flags = 0) { open(path, mode, flags); }
+    explicit FilePtr(const char* path_, int mode = FileRead, int flags = 0) { open(path_, mode, flags); }
     FilePtr(FilePtr&& other) noexcept;
     FilePtr& operator=(FilePtr&& other) noexcept;
     ~FilePtr(); ///< closes; a failure is logged at level 0
