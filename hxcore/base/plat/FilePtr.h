@@ -23,14 +23,14 @@ enum FileFlag : int {
 class FilePtr : private NonCopyable {
 public:
     FilePtr() = default;
-    explicit FilePtr(const char* path_, int mode = FileRead, int flags = 0) { open(path_, mode, flags); }
+    explicit FilePtr(const char* name, int mode = FileRead, int flags = 0) { open(name, mode, flags); }
     FilePtr(FilePtr&& other) noexcept;
     FilePtr& operator=(FilePtr&& other) noexcept;
     ~FilePtr(); ///< closes; a failure is logged at level 0
 
     /// Closes what is open. Throws plat::SystemExceptionFmt "Error opening \"%s\"", and plat::Exception "Invalid mode
     /// for stdin/stdout" for mode 2 on "-".
-    void open(const char* path, int mode = FileRead, int flags = 0);
+    void open(const char* name, int mode = FileRead, int flags = 0);
 
     void close(); ///< throws plat::SystemExceptionFmt "Error closing \"%s\""; nothing is open afterwards in any case
     FILE* release();

@@ -14,7 +14,7 @@ namespace plat {
 /// error. Without commit() the old file stays and the temporary one goes.
 class TransactedFile : private NonCopyable {
 public:
-    explicit TransactedFile(const char* path, int flags = 0); ///< throws plat::SystemExceptionFmt
+    explicit TransactedFile(const char* target, int flags = 0); ///< throws plat::SystemExceptionFmt
     ~TransactedFile();
 
     void write(const void* data, size_t len); ///< throws "writing to file failed"

@@ -3,6 +3,7 @@
 
 #include "rfb/Colour.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 

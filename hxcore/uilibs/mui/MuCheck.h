@@ -35,9 +35,9 @@ public:
 
     ~MuCheck() override;
 
-    virtual void setChecked(bool checked); ///< raises no event; not indeterminate any more
+    virtual void setChecked(bool on); ///< raises no event; not indeterminate any more
     bool isChecked() const { return checked; }
-    virtual void setIndeterminate(bool indeterminate);
+    virtual void setIndeterminate(bool on);
     bool isIndeterminate() const { return indeterminate; }
     bool isRadio() const { return group != nullptr; }
     virtual void setLabel(const char* label);

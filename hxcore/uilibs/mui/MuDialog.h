@@ -103,6 +103,7 @@ public:
     unsigned getFlags() const { return dialogFlags; }
     MuDialog* getParentDialog() const { return parentDialog; }
     const char* getTitle() const { return getLabel(); }
+    MuElement* getActionButton(int action) const { return actionButtons[action]; } ///< may be null
 
     virtual void clear(); ///< deletes all panels, the last first
     virtual void setMinSize(const rfb::Point& size) = 0;
@@ -114,7 +115,6 @@ public:
     virtual rfb::Rect getScreenArea() = 0;                ///< what windows may cover
     virtual ui::MenuBar* menuBar() = 0;                   ///< made on first use; null where the toolkit has none
     virtual void moved(const rfb::Point&) {}              ///< the window went to this root position
-    virtual void setDefaultFocus(MuElement* element) = 0; ///< takes the focus once the window is up
 
     // MuContainer
     MuElement* getChild(int index) override;
@@ -125,6 +125,7 @@ public:
     // MuElement
     void setPosition(const rfb::Point& position) override; ///< on the screen; it is not centred any more
     rfb::Point getRootPosition() override { return getPosition(); }
+    void setDefaultFocus(MuElement* element) override = 0; ///< takes the focus once the window is up; null for none
     const char* getType() override { return "dialog"; }
     plat::String getState() override;
     void doLayout() override;
@@ -133,7 +134,7 @@ protected:
     MuDialog(const char* name, const char* title, const rfb::Point& size, unsigned flags, MuDialog* parent);
 
     virtual bool menuBarKey(unsigned keysym, unsigned modifiers); ///< an accelerator of the menu bar, if there is one
-    void forgetElement(MuElement* element); ///< drops borrowed pointers to it and to what lies below it
+    void forgetElement(MuElement* element) override;
 
     struct PanelEntry {
         MuElement* element;

@@ -29,16 +29,16 @@ public:
 /// paths by which any element can be found; an element without a name is passed through.
 class MuElement : public MuObserver, public hxutil::MouseCallback, private plat::NonCopyable {
 public:
-    /// Bits of `flags`; while any is set the widget is inert.
+    /// While any of these is set, the widget is inert.
     enum Flag : unsigned { Disabled = 1, Locked = 2 };
 
     ~MuElement() override; ///< ends the notifications that are running on it
 
     // Names
-    const char* getName() const { return name.c_str(); }
+    const char* getName() const { return name_.c_str(); }
     const char* getLabel() const { return label.get(); } ///< may be null
     plat::String getFullName() const;                    ///< dotted, without the topmost element
-    MuElement* getParent() const { return parent; }      ///< null at the top
+    MuElement* getParent() const { return parent_; }      ///< null at the top
     MuElement* getTop();                                 ///< the topmost ancestor, itself at the top
 
     // Events
@@ -49,9 +49,9 @@ public:
 
     // State
     void setEnabled(bool enabled);
-    bool isEnabled() const { return (flags & Disabled) == 0; }
+    bool isEnabled() const { return (flags_ & Disabled) == 0; }
     void setLocked(bool locked);                ///< inert too; kept apart so that a caller can show why
-    bool isInert() const { return flags != 0; } ///< disabled or locked
+    bool isInert() const { return flags_ != 0; } ///< disabled or locked
     bool isShownFully();                        ///< itself and all above
 
     // Style
@@ -91,6 +91,7 @@ public:
     void mouseEvent(const hxutil::MouseEvent& event) override;             ///< forwards to the mouse callback
     virtual void checkLayout(MuLayoutCheckObserver* observer);
     virtual void stateChanged() {} ///< after a change of the enabled or locked state
+    virtual void setDefaultFocus(MuElement*) {} ///< called on the topmost element; a dialog keeps it for its next show
 
     /// The widget-side half, null for elements without a widget.
     MuCommon* getCommon() const { return common; }
@@ -99,6 +100,9 @@ protected:
     explicit MuElement(const char* name, const char* label = nullptr);
 
     plat::String commonState(); ///< the lines that every state block ends with
+
+    /// Called on the topmost element when one below it dies: drop what points to it.
+    virtual void forgetElement(MuElement*) {}
 
     MuCommon* common = nullptr; // set by the twin
     plat::String label;
@@ -109,10 +113,10 @@ private:
 
     std::list<MuObserver*> observers;
     ActiveNotify* activeNotify = nullptr; // innermost notification running on this element
-    plat::String name;
-    MuElement* parent = nullptr;
-    unsigned flags = 0;
-    std::unique_ptr<MuStyle> style;
+    plat::String name_;
+    MuElement* parent_ = nullptr;
+    unsigned flags_ = 0;
+    std::unique_ptr<MuStyle> style_;
     hxutil::MouseCallback* mouseCallback = nullptr;
 };
 

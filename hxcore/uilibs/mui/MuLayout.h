@@ -15,15 +15,19 @@ enum class Orientation { Vertical = 0, Horizontal = 1 };
 /// Minimum sizes are asked afresh on each pass.
 class MuLayout : public MuContainer {
 public:
-    /// How a child's extent along the main axis is found; the low four bits of its flags.
-    enum Sizing : unsigned {
+    /// Flags of a child. The low four bits say how its extent along the main axis is found, the next four where it
+    /// stands across it.
+    enum ChildFlag : unsigned {
         Natural = 0, ///< its minimum
         Fixed = 1,   ///< `size` in pixels
         Stretch = 2, ///< `size` is its weight among those that stretch
         SizingMask = 0xf,
+        Fill = 0,
+        Start = 0x10,
+        End = 0x20,
+        Centre = 0x30,
+        AlignmentMask = 0xf0,
     };
-    /// Where it stands across the main axis; the next four bits.
-    enum Alignment : unsigned { Fill = 0, Start = 0x10, End = 0x20, Centre = 0x30, AlignmentMask = 0xf0 };
 
     /// Where moveChild puts a child.
     enum class Where { First = 0, Last = 1, Before = 2, After = 3 };

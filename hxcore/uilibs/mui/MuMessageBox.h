@@ -14,7 +14,7 @@ class MuButtonBar;
 class MuText;
 
 /// The dialog "messagebox": tells or asks something and says how it ended.
-class MuMessageBox : private MuObserver, private MuDialog::CloseCallback, private plat::NonCopyable {
+class MuMessageBox : private MuObserver, private plat::NonCopyable {
 public:
     enum class Icon { Info, Warning, Error, Question };
 
@@ -44,8 +44,6 @@ private:
     // MuObserver
     void muActivated(MuElement* element) override;
     void muClosed(MuDialog*) override;
-    // MuDialog::CloseCallback
-    bool closing(MuDialog*) override { return true; }
 
     Callback* callback;
     unsigned result = 0;

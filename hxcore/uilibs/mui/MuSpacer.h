@@ -16,7 +16,7 @@ public:
 
     MuSpacer(const char* name, const rfb::Point& minSize, const rfb::Point& maxSize);
 
-    void setMinSize(const rfb::Point& size) { minSize = size; }
+    void setMinSize(const rfb::Point& newSize) { minSize = newSize; }
     const rfb::Point& getMaxSize() const { return maxSize; }
     void setFixedWidth(bool fixed) { fixedWidth = fixed; }   ///< its width never leaves the minimum
     void setFixedHeight(bool fixed) { fixedHeight = fixed; } ///< its height never leaves the minimum
@@ -25,7 +25,7 @@ public:
     // MuElement
     void setShown(bool shown_) override { shown = shown_; }
     bool isShown() override { return shown; }
-    void setSize(const rfb::Point& size) override;
+    void setSize(const rfb::Point& newSize) override;
     rfb::Point getSize() override { return size; }
     void setPosition(const rfb::Point& position_) override { position = position_; }
     rfb::Point getPosition() override;

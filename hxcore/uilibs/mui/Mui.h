@@ -32,7 +32,7 @@ public:
     Mui();
     virtual ~Mui();
 
-    static void setInstance(Mui* mui); ///< borrowed; once, or null at the end
+    static void setInstance(Mui* mui_); ///< not null, borrowed; it ends with the object
     static Mui* instance();            ///< asserts that there is one
     static bool hasInstance();
 
