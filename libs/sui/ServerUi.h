@@ -1,0 +1,94 @@
+// The centre of the UI process.
+#pragma once
+
+#include "mui/MuDialog.h"
+#include "mui/MuMessageBox.h"
+#include "plat/Markup.h"
+#include "score/ConnectionInfo.h"
+#include "score/StatusDbReader.h"
+#include "score/StatusEvent.h"
+#include "sui/SUiModule.h"
+#include "sui/ServerComms.h"
+#include "sui/ServerUiCallback.h"
+#include "sui/StatusDialog.h"
+
+#include <memory>
+#include <vector>
+
+namespace sui {
+
+/// Owns the link's readers, both databases, the dialogs and all modules, and decides what a message does.
+class ServerUi : public SUiModuleMgr,
+                 public plat::Markup::LinkCallback,
+                 private ServerComms::Callback,
+                 private mui::MuDialog::CloseCallback,
+                 private mui::MuMessageBox::Callback,
+                 private StatusDialog::Callback {
+public:
+    ServerUi(io::MsgIpc* link, ServerUiCallback* platformObject); ///< both borrowed
+    ~ServerUi() override;
+
+    // SUiModuleMgr
+    io::MsgIpc* msgIpc() override { return ipc; }
+    ui::MenuGrouper* serverMenu() override { return nullptr; }
+    StatusDialog* statusDialog() override { return statusDlg.get(); }
+    InformationCenterDialog* infoCenter() override { return nullptr; }
+    ServerComms* comms() override { return &serverComms; }
+    score::StatusDb* statusDb() override { return &infoDb; }
+    score::StatusEventDb* eventDb() override { return &events; }
+    void activate() override;
+
+    // plat::Markup::LinkCallback
+    void linkClicked(const char* href) override { handleLink(href); }
+
+    void handleLink(const char* url); ///< options, then the modules, then the desktop's opener
+    void confirmStop();               ///< asks; on yes the server is stopped
+
+    const CoreStatus& coreStatus() const { return status; }
+    bool isPrivate() const { return privacy; }
+    const std::vector<score::ConnectionInfo>& connections() const { return records; }
+
+    // Names of images; null for none. Pure functions of the state.
+    static const char* iconName(const CoreStatus& status);
+    static const char* overlayName(uint32_t maxSeverity);
+    static const char* statusBadgeName(uint32_t maxSeverity, bool privacy);
+
+private:
+    // sui::ServerComms::Callback
+    void desktopStarted(bool started) override { notifyDesktopStarted(started); }
+    void addRemConn(const score::ConnectionInfo& info, bool add) override;
+    void updateCoreStatus(const CoreStatus& fresh) override;
+    void updatePrivacyStatus(bool on) override;
+    void updateFeatures(const FeatureMap& map) override { setFeatures(map); }
+    void showStatusDialog() override { activate(); }
+    void showOptions(const char* section) override;
+    void setServerExe(const char* path) override;
+    void resolveEvent(const char* id) override;
+
+    // mui::MuDialog::CloseCallback
+    bool closing(mui::MuDialog* dialog) override;
+    // mui::MuMessageBox::Callback
+    void messageBoxClosed(mui::MuMessageBox* box, unsigned button) override;
+    // StatusDialog::Callback
+    uint32_t connectionCount() override { return static_cast<uint32_t>(records.size()); }
+    void statusChanged() override { platform->refreshIcon(); }
+    void openInfoCenter(const char* tab) override;
+    void openMoreMenu(mui::MuElement* below) override;
+
+    void stopConfirmed();
+
+    io::MsgIpc* ipc;
+    ServerUiCallback* platform;
+    ServerComms serverComms;
+    score::StatusDb infoDb;
+    score::StatusEventDb events;
+    std::unique_ptr<score::StatusDbReader> infoReader;
+    std::unique_ptr<score::StatusDbReader> eventReader;
+    std::vector<score::ConnectionInfo> records; // in order of arrival
+    CoreStatus status;
+    std::unique_ptr<StatusDialog> statusDlg;
+    std::unique_ptr<mui::MuMessageBox> stopBox;
+    bool privacy = false;
+};
+
+} // namespace sui
