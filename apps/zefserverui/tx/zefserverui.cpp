@@ -1,0 +1,137 @@
+// The entry of the program: picks a road by the first argument, and runs it.
+#include "io/FdIo.h"
+#include "loc/Localize.h"
+#include "mui/MuiComms.h"
+#include "mui/tx/muFactories.h"
+#include "mui/wvw/MuiWvw.h"
+#include "plat/Configuration.h"
+#include "plat/DString.h"
+#include "plat/Exception.h"
+#include "plat/LogSrc.h"
+#include "product/init.h"
+#include "registerBuiltInResources.h"
+#include "score/Mode.h"
+#include "tx/TX.h"
+#include "tx/TXWindowIcon.h"
+#include "ui/tx/AppLoop.h"
+#include "zefserverui/tx/ServerUiApp.h"
+#include "zefserverui/tx/descriptors.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+plat::LogSrc log("zefserverui");
+
+constexpr const char* displayVersion = "7.18.0 (r14)";
+constexpr const char* dottedVersion = "7.18.0.14";
+constexpr const char* programName = "zefserverui";
+
+/// Prints what can be set, and ends the process.
+class Usage : public plat::Configuration::HelpCallback {
+public:
+    void showHelp(int level) override {
+        plat::Configuration::global().usage(/*all=*/level > 0, /*showDefaults=*/true);
+        exit(0);
+    }
+};
+
+void initProduct(const char* programPath, const plat::String& name) {
+    product::setVersion(displayVersion, dottedVersion);
+    product::InitArgs args{programPath};
+    args.applicationName = name.c_str();
+    args.displayNameKey = "svr_server_app_name_r";
+    args.fileLogging = true;
+    args.readStores = true;
+    product::init(args);
+}
+
+// Writes the caller's real user id where the core looks for the owner of the desktop.
+int runServiceUi() {
+    tx::TXInit();
+    long uid = static_cast<long>(getuid()); // format 32 travels in longs (Xlib, XChangeProperty)
+    const Atom property = XInternAtom(tx::dpy, "ZEF_DESKTOP_UID", False);
+    XChangeProperty(tx::dpy, tx::rootWindow, property, XA_CARDINAL, 32, PropModeReplace,
+                    reinterpret_cast<unsigned char*>(&uid), 1);
+    XCloseDisplay(tx::dpy);
+    return 0;
+}
+
+// The number of the display, of a virtual desktop, that DISPLAY names; 0 if it names none.
+int displayNumber() {
+    const char* colon = strrchr(XDisplayName(nullptr), ':');
+    return colon ? atoi(colon + 1) : 0;
+}
+
+void setupInspection() {
+    const bool isVirtual = score::productMode() == score::ProductMode::Virtual;
+    const plat::String suffix = isVirtual ? plat::strFormat("%d", displayNumber()) : plat::String();
+    mui::MuiComms::initFromParameter(mui::Mui::instance(), suffix.get());
+}
+
+void setupToolkit() {
+    static mui::MuiWvw toolkit;
+    mui::Mui::setInstance(&toolkit);
+    tx::setWindowIcon("zefserver");
+    mui::fillFactories();
+}
+
+int runServerUi(int argc, char** argv) {
+    const bool isGoodCall = argc >= 3 && score::isProductModeName(argv[1]);
+    if (argc >= 2 && score::isProductModeName(argv[1]))
+        score::setProductMode(score::parseProductMode(argv[1]));
+    initProduct(argv[0], plat::strFormat("%s-%s", programName, score::productModeName(score::productMode())));
+    if (!isGoodCall)
+        throw plat::Exception(LOC_TEXT("plat_this_program_not_directly"));
+    Usage usage;
+    plat::Configuration::global().setFromArgsStrict(argv + 3, &usage);
+
+    registerBuiltInResources();
+    ui::AppLoop loop;
+    setupToolkit();
+    setupInspection();
+    const int fd = static_cast<int>(strtol(argv[2], nullptr, 10));
+    ServerUiApp app(new io::FdIo(fd, /*ownFd=*/true));
+    return loop.run();
+}
+
+int unavailableRoad(const char* road) { throw plat::ExceptionFmt("%s is not available in this build", road); }
+
+int runRoad(int argc, char** argv) {
+    const char* road = argc >= 2 ? argv[1] : "";
+    if (strcmp(road, "-setuidhelper") == 0)
+        return unavailableRoad(road);
+    repairStandardDescriptors();
+    if (strcmp(road, "-statusicon") == 0 || strcmp(road, "-QueryConnectApp") == 0)
+        return unavailableRoad(road);
+    if (strcmp(road, "-serviceui") == 0)
+        return runServiceUi();
+    return runServerUi(argc, argv);
+}
+
+void report(const plat::Exception& failure) {
+    const plat::String text = failure.describe();
+    if (product::isLogReady()) {
+        plat::logActivate();
+        log.error("%s", text.c_str());
+        return;
+    }
+    plat::DString wrapped(text.c_str());
+    wrapped.wordWrap(80);
+    fprintf(stderr, "%s\n", wrapped.c_str());
+}
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return runRoad(argc, argv);
+    } catch (const plat::Exception& failure) {
+        report(failure);
+        return 1;
+    }
+}
