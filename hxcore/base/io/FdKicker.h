@@ -2,6 +2,7 @@
 #pragma once
 
 #include "io/FdHandler.h"
+#include "io/Lifeline.h"
 
 #include <cstdint>
 #include <memory>
@@ -19,7 +20,8 @@ class FdKickerCallback {
 public:
     virtual ~FdKickerCallback() = default;
 
-    /// From the loop: there are bytes to read from FdKicker::inStream. What is left unread brings another call.
+    /// From the loop: there are bytes to read from FdKicker::inStream; checkpoint what was read. What is left brings
+    /// another call. The kicker may be destroyed here.
     virtual void kicked(FdKicker*) = 0;
 };
 
@@ -50,6 +52,7 @@ private:
     FdManager* fdMgr;
     int writeFd = -1;
     std::unique_ptr<rdr::FdInStream> in;
+    Lifeline lifeline;
 };
 
 } // namespace io

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "io/FdHandler.h"
+#include "io/Lifeline.h"
 #include "plat/Timer.h"
 
 #include <memory>
@@ -54,10 +55,10 @@ private:
     IoAcceptor* acceptor = nullptr;
     FdManager* fdMgr = nullptr; // since the first acceptor
     plat::Timer restTimer{this};
-    bool* destroyed = nullptr; // set by the destructor while a connection is handed over
     unsigned maxSilent = 0;
     unsigned silentTimeoutMs = 0;
     std::vector<std::unique_ptr<Silent>> silents;
+    Lifeline lifeline;
 };
 
 } // namespace io

@@ -47,6 +47,9 @@ public:
     void unmark(FdHandler* handler);       ///< out of all that waits to be called, in this round too
     void kick();                           ///< the next wait returns at once
 
+    /// Starts a timer on this manager, also while another one is nested in it.
+    void startTimer(plat::Timer& timer, uint32_t ms);
+
     /// Closes the descriptors of all handlers but `except` (null: of all), in a forked child.
     void closeFds(const FdHandler* except);
 

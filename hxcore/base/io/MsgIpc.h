@@ -7,6 +7,7 @@
 #include "rdr/OutStreamV4.h"
 
 #include <map>
+#include <string>
 #include <vector>
 
 namespace io {
@@ -97,6 +98,7 @@ private:
         }
         static bool less(const char* a, const char* b); // null first
     };
+    using StateFn = rdr::StateMachine<MsgIpc>::StateFn;
     using Handlers = std::map<plat::String, Reader*, NameLess>;
 
     // io::Ipc::Callback
@@ -111,13 +113,15 @@ private:
     bool finishMsgState();
 
     void readName();
-    bool noHandler(); // what readNameState gives
-    bool closeGarbage();
-    bool dispatchTo(Reader* reader);
+    bool refuseName(); // gives what readNameState gives
+    [[noreturn]] void throwPeerReport();
     bool isAllowed(const char* name, bool writing);
+    void skipMessage();
     void erase(Handlers::iterator entry);
-    void bindStreams();
+    void attachmentChanged(StateFn newState);
     bool tellStateChanged(); // false if this died meanwhile
+    bool isRegistered(const Reader* reader) const;
+    void runToNextMsg(const Lifeline::Watch& watch);
     void recover(const plat::Exception& failure);
 
     Ipc ipc;
@@ -133,6 +137,7 @@ private:
     bool replyBadMsg = false;
     bool closeOnDestroy = false;
     bool closeOnGarbage = true;
+    unsigned attachment = 0; // counts comings and goings of an Io
     Lifeline lifeline;
 };
 

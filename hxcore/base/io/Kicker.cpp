@@ -1,0 +1,10 @@
+#include "io/Kicker.h"
+
+namespace plat {
+
+void Kicker::kicked(io::FdKicker*) {
+    kicker.drain();
+    kickee->kicked();
+}
+
+} // namespace plat
