@@ -14,10 +14,13 @@ namespace ui {
 /// Serves X events between the waits of the descriptor loop.
 class AppLoopImpl : public os::AppLoopImpl {
 public:
-    AppLoopImpl(); ///< opens the display, unless it is to stay closed; throws plat::Exception
+    /// Opens the display, `displayName` or, if that is null or empty, what DISPLAY says, unless
+    /// ui::setOpenDisplay(false) was called. Throws plat::Exception.
+    explicit AppLoopImpl(const char* displayName = nullptr);
     ~AppLoopImpl() override;
 
-    int run() override;
+    // os::AppLoop::Impl
+    int run(os::AppLoop& loop) override;
 
 private:
     std::unique_ptr<tx::TXDisplayManager> displayManager; // null with no display
@@ -26,13 +29,7 @@ private:
 /// os::AppLoop on an AppLoopImpl.
 class AppLoop : public os::AppLoop {
 public:
-    AppLoop();
-
-    /// Whether loops built from then on open the display; they do by default.
-    static void setOpenDisplay(bool open);
-
-    /// The display that loops built from then on open; null for what DISPLAY says.
-    static void setDisplayName(const char* name);
+    explicit AppLoop(const char* displayName = nullptr);
 };
 
 } // namespace ui
