@@ -16,9 +16,9 @@ public:
 
 /// Catches the errors of the requests made while it lives. Catchers nest as scopes do.
 ///
-/// Errors arrive late: a catcher syncs when it begins, if requests are outstanding, when it is asked, and when it ends
-/// without having been asked last, so that each error falls to the right one. Without any catcher an error is logged,
-/// never fatal.
+/// Errors arrive late: a catcher syncs when it is asked, and when it ends without having been asked last. It takes only
+/// the errors of requests made since it began; those of earlier ones fall to the catcher outside. Without any catcher
+/// an error is logged, never fatal.
 class ErrorCatcher : private plat::NonCopyable {
 public:
     explicit ErrorCatcher(int logLevel = 0); ///< caught errors are logged at this level
@@ -39,8 +39,9 @@ private:
     ErrorCatcher* outer;
     XErrorHandler previousHandler;
     int logLevel;
-    int code = 0;                 // 0: none caught
-    unsigned long syncedUpTo = 0; // number of the next request when last synced
+    int code = 0;             // 0: none caught
+    unsigned long first;      // number of the first request that is ours
+    unsigned long syncedUpTo; // number of the next request when last synced
 };
 
 } // namespace tx

@@ -33,6 +33,7 @@ public:
     /// The user closes the window: hide(false).
     void deleteWindow(TXWindow* window) override;
 
+    using TXWParent::show;
     void show();
     /// Shows the dialog and returns its result once it is hidden. Meanwhile X events and timers started inside run;
     /// other descriptors and older timers wait. Throws plat::SystemException "select".
@@ -43,19 +44,29 @@ public:
     void setParentWindow(TXWindow* window) { parentWindow = window; }
 
     wvw::WCanvas& canvas() { return *canvas_; }
-    bool isShowingModal() const { return modalDepth > 0; }
+    bool isShowingModal() const { return modalRun != nullptr; }
 
 private:
+    struct ModalRun;
+
     std::unique_ptr<wvw::WCanvas> canvas_;
     bool done = false;
     bool result = false;
     bool centred;
-    int modalDepth = 0;
+    ModalRun* modalRun = nullptr; // the innermost showModal under way
     TXWindow* parentWindow;
     Callback* callback = nullptr;
 };
 
-/// Runs X events, and the timers of the current manager, until `*done`. Throws plat::SystemException "select".
-void runModalLoop(const bool* done);
+/// A descriptor that modal loops serve beside X. What isn't such a source waits for the end of the dialog.
+class ModalSource {
+public:
+    virtual ~ModalSource() = default;
+    virtual int modalFd() = 0;        ///< -1 while there is none
+    virtual void modalReadable() = 0; ///< may remove itself and other sources
+};
+
+/// Borrowed.
+void addModalSource(ModalSource* source, bool add);
 
 } // namespace tx

@@ -14,6 +14,7 @@
 
 namespace wvw {
 class Widget;
+class WidgetWatch;
 class WTooltip;
 } // namespace wvw
 
@@ -33,8 +34,9 @@ class TXWParent : public TXWindow,
                   public plat::Timer::Callback,
                   public wvw::WMouseInputHandler {
 public:
-    /// `root` may be null and set later; it is borrowed and gives the window its size.
-    explicit TXWParent(wvw::Widget* root, TXWindow* parent = nullptr, bool overrideRedirect = false);
+    /// `root` may be null and set later; it is borrowed and gives the window its size. `unmanaged` keeps the
+    /// window manager away (override-redirect).
+    explicit TXWParent(wvw::Widget* root, TXWindow* parent = nullptr, bool unmanaged = false);
     ~TXWParent() override;
 
     void setRootWidget(wvw::Widget* widget); ///< null hides the window
@@ -46,12 +48,12 @@ public:
     bool isInputBlocked() const { return inputBlocked; }
     wvw::Widget* rootWidget() const { return root; } ///< may be null
 
-    /// A key that the window got in another way, such as by a popup's grab.
+    /// A key, press or release, for the root widget. Of a release the keysym is that of the press.
     void keyEvent(unsigned keycode, uint32_t keysym, bool down);
 
     // TXWindow
     void resized() override;
-    void mapChanged() override;
+    void moved() override { originKnown = false; }
 
     // TXEventHandler
     bool handleEvent(XEvent* event) override;
@@ -87,33 +89,44 @@ public:
     using wvw::WInputHandler::keyEvent;
     bool detached(wvw::Widget* origin) override;
 
+    /// Starts the repaint timers of all windows that have something to paint, in the current timer manager: a nested
+    /// manager holds back the timers of the outer one, and takes its own along when it ends.
+    static void restartRepaints();
+
 private:
     friend class TXWDragAndDrop;
 
     void syncMapped();
     void attachRoot();
     void detachRoot();
-    void handleKey(XKeyEvent& event);
-    void handleButton(XEvent& event);
-    void handleExpose(XEvent& event);
+    void createImage();
+    void startRepaint();
+    void noteOrigin(const XEvent& event);
+    void handleKeyPress(XKeyEvent* event);
+    void handleBackTab(unsigned keycode, bool shiftInState);
+    void handlePointer(XEvent* event);
+    void handleExpose(XEvent* event);
     void releaseKeys();
     void repaintNow();
     void paintRect(const rfb::Rect& rect);
     void cancelTooltip();
     void showTooltip();
+    bool isShiftDown() const;
 
-    std::unique_ptr<TXImage> image; // only while mapped
+    std::unique_ptr<TXImage> image; // only while mapped; null also when there is no memory for it
     wvw::Widget* root = nullptr;
     std::map<unsigned, uint32_t> pressedKeys; // keycode to the keysym that was reported at the press
     rfb::Region invalidRegion;
-    plat::Timer repaintTimer;
-    plat::Timer tooltipTimer;
+    plat::Timer repaintTimer{this};
+    plat::Timer tooltipTimer{this};
     std::unique_ptr<wvw::WTooltip> tooltip; // made when first needed
     rfb::Point tooltipPosition;
-    wvw::Widget* tooltipWidget = nullptr; // whose tooltip is pending or shown
+    std::unique_ptr<wvw::WidgetWatch> tooltipWidget; // whose tooltip is pending or shown
     bool inputBlocked = false;
-    bool attached_ = false;
-    std::unique_ptr<TXWDragAndDrop> dragAndDrop;
+    bool attachedRoot = false;
+    bool originKnown = false;
+    rfb::Point origin;                           // root position of the window, as the last event told
+    std::unique_ptr<TXWDragAndDrop> dragAndDrop; // while something is dragged
 };
 
 } // namespace tx

@@ -10,6 +10,7 @@
 #include "tx/xlib.h"
 
 #include <map>
+#include <string_view>
 
 namespace tx {
 
@@ -48,9 +49,8 @@ public:
     /// Another client wants our text: writes it to `property` of `requestor`. False if there is none to give.
     virtual bool selectionRequest(Window requestor, Atom selection, Atom target, Atom property);
 
-    /// Does what the event asks of the window, then gives it to the handlers. Called by dispatch; a subclass that
-    /// overrides it calls it.
-    virtual void handleWindowEvent(XEvent* event);
+    /// Does what the event asks of the window, then gives it to the handlers. Called by dispatch.
+    void handleWindowEvent(XEvent* event);
 
     void createWindow(TXWindow* parent, int borderWidth, unsigned long background, unsigned long borderPixel, int depth,
                       Visual* visual);
@@ -102,7 +102,8 @@ public:
     void setCutText(std::size_t len, const char* text, Time time);
     /// The text of a selection, UTF-8; waits up to two seconds for its owner. Empty if there is none.
     plat::String getCutText(Atom selection);
-    /// False if no answer came in time. An answer may still say that there is nothing.
+    /// Asks the owner to convert the selection, and gives what it answers to selectionNotify. False if no answer came
+    /// in time. An answer may still say that there is nothing.
     bool requestSelection(Atom selection, Atom target, int timeoutMs);
     void setSensitive(bool sensitive); ///< the text is a secret: wiped when replaced
 
@@ -119,20 +120,38 @@ public:
     bool isModal() const; ///< in the modal stack, whoever is on top
     bool grabsPointer() const { return grab.pointer; }
     bool grabsKeyboard() const { return grab.keyboard; }
-    bool hasCutText() const { return cutText.size() != 0; }
+    bool hasCutText() const { return !cutText.isEmpty(); }
+    bool ownsSelection(Atom selection) const { return selectionTimes.count(selection) != 0; }
     long getEventMask() const { return eventMask; }
     TXWindow* getTransientFor() const { return transientFor; }
     const XSizeHints& getSizeHints() const { return sizeHints; }
 
 protected:
+    /// Tells whether the window outlived a call. On the stack only; they nest.
+    class EventScope {
+    public:
+        explicit EventScope(TXWindow* target) : window(target), outer(target->scope) { target->scope = this; }
+        ~EventScope() {
+            if (window)
+                window->scope = outer;
+        }
+        EventScope(const EventScope&) = delete;
+        EventScope& operator=(const EventScope&) = delete;
+        bool alive() const { return window != nullptr; }
+
+    private:
+        friend class TXWindow;
+
+        TXWindow* window; // null once it has died
+        EventScope* outer;
+    };
+
     /// Latin-1 to UTF-8 where needed, with a terminating NUL.
-    void storeCutText(const Property& value);
+    void storeCutText(const Property& value); ///< STRING or UTF8_STRING; anything else counts as no text
     void clearCutText();
+    plat::String heldText() const; ///< null for none
 
 private:
-    friend class SelectionWaiter;
-    friend class WindowRegistry;
-
     struct Grab {
         bool pointer = false;
         bool keyboard = false;
@@ -140,20 +159,25 @@ private:
         Cursor cursor = none;
     };
 
+    bool handleOwnEvent(XEvent* event); // false: the event ends here
     void handleFocus(bool in);
-    void handleMap(bool map);
-    bool handleConfigure(XEvent* event);
+    void handleMapped(bool nowMapped);
+    void handleConfigure(XEvent* event);
     void handleProperty(const XPropertyEvent& event);
     void handleSelectionClear(const XSelectionClearEvent& event);
-    void handleSelectionNotify(XSelectionEvent& event);
+    void handleSelectionNotify(XSelectionEvent* event);
     void handleSelectionRequest(const XSelectionRequestEvent& event);
-    Atom answerSelection(const XSelectionRequestEvent& event);
-    bool handleClientMessage(const XClientMessageEvent& event);
-    void setFixedHints();
-    void clearFixedHints();
+    Atom answerSelection(const XSelectionRequestEvent& event, Atom property);
+    bool handleClientMessage(const XClientMessageEvent& event); // false: the event ends here
+    bool drainConfigure(XEvent* last);
+    void selectEvents(long mask);
+    void applyGrabs(const TXWindow* oldPointer, const TXWindow* oldKeyboard);
+    void changeSize(int width, int height);
+    void fixHints(bool fix);
     void writeNormalHints();
     void writeWMHints();
-    void drainConfigure(int* width, int* height);
+    void forgetSelections();
+    void keepText(std::string_view utf8);
 
     Window win_ = none;
     int width_;
@@ -165,17 +189,20 @@ private:
     std::map<Atom, Time> selectionTimes;
     bool wmPropertiesSet = false;
     bool mapped = false;
+    bool everMapped = false;
     bool focused = false;
     bool overrideRedirect;
     bool fixedSize = false;
     bool urgent = false;
     bool inputHint = true;
     int initialState = NormalState;
-    Atom incrProperty = none; // of the large transfer that is being thrown away
+    unsigned long resizeRequest = 0; // number of our last resize: what was reported before is out of date
+    Atom incrProperty = none;        // of the large transfer that is being thrown away
+    int incrPieces = 0;
     TXWindow* transientFor = nullptr;
     plat::MBuf<char> cutText; // UTF-8 with a NUL, or empty
     Grab grab;
-    bool* deleted = nullptr; // of the event call under way: set by the destructor
+    EventScope* scope = nullptr; // the innermost event call under way
 };
 
 } // namespace tx

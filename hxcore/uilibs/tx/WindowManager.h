@@ -31,8 +31,4 @@ public:
     static bool isWMChangeEvent(const XEvent* event);
 };
 
-/// Sets the icon of all windows that get their properties from then on: `imageName` at 16 and at 48 pixels. False, and
-/// no icon, if either can't be loaded.
-bool setWindowIcon(const char* imageName);
-
 } // namespace tx

@@ -1,0 +1,432 @@
+#include "tx/TXWParent.h"
+
+#include "hxutil/DragDropData.h"
+#include "hxutil/metrics.h"
+#include "plat/Exception.h"
+#include "plat/LogSrc.h"
+#include "tx/TX.h"
+#include "tx/TXImage.h"
+#include "tx/TXState.h"
+#include "tx/TXWDragAndDrop.h"
+#include "tx/TXWRoot.h"
+#include "wvw/WTooltip.h"
+#include "wvw/Widget.h"
+#include "wvw/WidgetWatch.h"
+
+#include <X11/keysym.h>
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <vector>
+
+namespace tx {
+namespace {
+
+plat::LogSrc log("TXWParent");
+
+constexpr unsigned repaintDelayMs = 10;
+constexpr unsigned tooltipDelayMs = 500;
+constexpr int tooltipWidthUnits = 320;
+constexpr rfb::Point tooltipOffset{2, 16}; // clear of the pointer
+constexpr unsigned syntheticKeycode = 0;   // the server's begin at 8
+constexpr long inputEvents = KeyPressMask | KeyReleaseMask | ButtonPressMask | ButtonReleaseMask | EnterWindowMask |
+                             LeaveWindowMask | PointerMotionMask | ExposureMask | StructureNotifyMask;
+
+int widthOf(const wvw::Widget* root) { return root ? root->getWidth() : 1; }
+int heightOf(const wvw::Widget* root) { return root ? root->getHeight() : 1; }
+
+/// The buttons held behind the event: the state tells those before it.
+int buttonMask(const XEvent& event) {
+    if (event.type == MotionNotify)
+        return static_cast<int>(event.xmotion.state >> 8 & 31);
+    int mask = static_cast<int>(event.xbutton.state >> 8 & 31);
+    const unsigned button = event.xbutton.button;
+    if (button < 1 || button > 8)
+        return mask;
+    const int bit = 1 << (button - 1);
+    return event.type == ButtonPress ? mask | bit : mask & ~bit;
+}
+
+} // namespace
+
+TXWParent::TXWParent(wvw::Widget* root_, TXWindow* parent, bool unmanaged)
+    : TXWindow(widthOf(root_), heightOf(root_), parent, /*borderWidth=*/0, unmanaged), root(root_) {
+    XSetWindowBackgroundPixmap(dpy, win(), none); // the server would flash a colour before we paint
+    addEventMask(inputEvents);
+    addEventHandler(this, /*add=*/true);
+}
+
+TXWParent::~TXWParent() {
+    if (isMapped())
+        unmap();
+    detachRoot();
+}
+
+void TXWParent::setRootWidget(wvw::Widget* widget) {
+    if (widget == root)
+        return;
+    detachRoot();
+    root = widget;
+    if (!root) {
+        show(false);
+        return;
+    }
+    root->setVisible(true);
+    root->setEnabled(true);
+    syncMapped();
+}
+
+void TXWParent::show(bool shown) {
+    const EventScope under(this);
+    const bool managed = hasWMProperties() && !isOverrideRedirect();
+    if (!shown)
+        unmap();
+    else if (!managed)
+        map();
+    else if (isMapped())
+        raise();
+    else
+        deiconify();
+    if (under.alive())
+        syncMapped();
+}
+
+void TXWParent::setSizeFromRoot() {
+    if (root)
+        resize(root->getWidth(), root->getHeight());
+}
+
+void TXWParent::setInputBlocked(bool blocked) { inputBlocked = blocked; }
+
+void TXWParent::syncMapped() {
+    if (isMapped())
+        attachRoot();
+    else
+        detachRoot();
+}
+
+void TXWParent::attachRoot() {
+    if (attachedRoot || !root)
+        return;
+    attachedRoot = true;
+    const EventScope under(this);
+    const wvw::WidgetWatch watch(root);
+    root->attach(this, this, this);
+    if (under.alive() && watch.alive() && attachedRoot)
+        root->focusChanged(/*backward=*/false, root);
+    if (!under.alive() || !attachedRoot)
+        return;
+    invalidRegion.clear(); // the server asks for all of it
+    createImage();
+}
+
+void TXWParent::detachRoot() {
+    cancelTooltip();
+    dragAndDrop.reset();
+    repaintTimer.cancel();
+    image.reset();
+    pressedKeys.clear();
+    if (!attachedRoot)
+        return;
+    attachedRoot = false;
+    root->detach();
+}
+
+void TXWParent::createImage() {
+    try {
+        image = std::make_unique<TXImage>(width(), height());
+        const rfb::PixelFormat& native = image->nativePF();
+        const bool fullColour = native.trueColour && native.bpp == 32 && native.redMax == 255 &&
+                                native.greenMax == 255 && native.blueMax == 255;
+        if (!fullColour)
+            image->setPF(rfb::pfRGB888()); // blending needs all the bits
+    } catch (const plat::Exception& e) {
+        log.error("window stays blank: %s", e.what());
+        image.reset();
+    } catch (const std::bad_alloc&) {
+        log.error("window of %dx%d stays blank: no memory", width(), height());
+        image.reset();
+    }
+}
+
+void TXWParent::resized() {
+    originKnown = false;
+    const EventScope under(this);
+    if (root && root->getSize() != rfb::Point(width(), height()))
+        root->setSize({width(), height()});
+    if (!under.alive() || !image)
+        return;
+    try {
+        image->resize(width(), height());
+    } catch (const std::exception& e) {
+        log.error("%s", e.what()); // paints on in the old size
+    }
+}
+
+// Painting.
+
+void TXWParent::invalidate(wvw::Widget*, const rfb::Region& region) {
+    if (region.is_empty())
+        return;
+    invalidRegion.assign_union(region);
+    startRepaint();
+}
+
+void TXWParent::startRepaint() {
+    if (image && !repaintTimer.isActive() && !invalidRegion.is_empty())
+        repaintTimer.start(repaintDelayMs);
+}
+
+void TXWParent::restartRepaints() {
+    for (const auto& [id, window] : state().windows) {
+        auto* parent = dynamic_cast<TXWParent*>(window);
+        if (!parent)
+            continue;
+        parent->repaintTimer.cancel();
+        parent->startRepaint();
+    }
+}
+
+void TXWParent::repaintNow() {
+    if (!image || !root || !attachedRoot)
+        return;
+    rfb::Region region = invalidRegion;
+    invalidRegion.clear(); // what a paint invalidates belongs to the next round
+    if (dragAndDrop) {
+        dragAndDrop->paint();
+        return;
+    }
+    region.assign_intersect(rfb::Region(image->getRect()));
+    std::vector<rfb::Rect> rects;
+    region.get_rects(&rects);
+    for (const rfb::Rect& rect : rects)
+        paintRect(rect);
+}
+
+void TXWParent::paintRect(const rfb::Rect& rect) {
+    rfb::FullFramePixelBuffer part(*image, rect, rect.tl);
+    root->paint(part);
+    image->putImage(win(), rect, {0, 0}, getDefaultGC());
+}
+
+void TXWParent::handleExpose(XEvent* event) {
+    rfb::Rect box;
+    XEvent next = *event;
+    do {
+        const XExposeEvent& e = next.xexpose; // GraphicsExpose begins alike
+        box = box.unionBoundary(rfb::Rect::xywh(e.x, e.y, e.width, e.height));
+    } while (XCheckTypedWindowEvent(dpy, win(), Expose, &next) ||
+             XCheckTypedWindowEvent(dpy, win(), GraphicsExpose, &next));
+    if (!image || !root || !attachedRoot)
+        return;
+    box = box.intersect(image->getRect()).intersect(root->getRect());
+    if (box.isEmpty())
+        return;
+    invalidRegion.assign_subtract(rfb::Region(box)); // painted with the rest
+    if (invalidRegion.is_empty())
+        repaintTimer.cancel();
+    paintRect(box);
+}
+
+// Input.
+
+bool TXWParent::handleEvent(XEvent* event) {
+    noteOrigin(*event);
+    if (event->type == MotionNotify) {
+        while (XCheckTypedWindowEvent(dpy, win(), MotionNotify, event))
+            ;
+    }
+    if (dragAndDrop && dragAndDrop->handleEvent(event))
+        return false;
+    switch (event->type) {
+    case KeyPress:
+        handleKeyPress(&event->xkey);
+        break;
+    case KeyRelease:
+        keyEvent(event->xkey.keycode, 0, /*down=*/false);
+        break;
+    case ButtonPress:
+    case ButtonRelease:
+    case MotionNotify:
+        handlePointer(event);
+        break;
+    case LeaveNotify:
+        if (event->xcrossing.mode == NotifyNormal && root && attachedRoot)
+            root->mouseLeft();
+        break;
+    case FocusOut:
+        releaseKeys();
+        break;
+    case Expose:
+    case GraphicsExpose:
+        handleExpose(event);
+        break;
+    case MapNotify:
+    case UnmapNotify:
+        syncMapped();
+        break;
+    case ReparentNotify:
+        originKnown = false;
+        break;
+    default:
+        break;
+    }
+    return false;
+}
+
+void TXWParent::noteOrigin(const XEvent& event) {
+    if (event.type < KeyPress || event.type > LeaveNotify || event.xany.send_event)
+        return;
+    origin = {event.xkey.x_root - event.xkey.x, event.xkey.y_root - event.xkey.y}; // of one layout, all of them
+    originKnown = true;
+}
+
+void TXWParent::handleKeyPress(XKeyEvent* event) {
+    cancelTooltip();
+    if (inputBlocked)
+        return;
+    char text[256];
+    KeySym keysym = NoSymbol;
+    XLookupString(event, text, sizeof(text), &keysym, nullptr);
+    if (keysym == XK_ISO_Left_Tab)
+        handleBackTab(event->keycode, (event->state & ShiftMask) != 0);
+    else if (keysym != NoSymbol)
+        keyEvent(event->keycode, static_cast<uint32_t>(keysym), /*down=*/true);
+}
+
+void TXWParent::handleBackTab(unsigned keycode, bool shiftInState) {
+    // Widgets know the key as Tab with Shift held. Shift may be missing from the state, or have been pressed while
+    // another window had the keyboard: then it is pressed for them.
+    const bool pressShift = !shiftInState || !isShiftDown();
+    const EventScope under(this);
+    if (pressShift)
+        keyEvent(syntheticKeycode, XK_Shift_L, /*down=*/true);
+    if (under.alive())
+        keyEvent(keycode, XK_Tab, /*down=*/true);
+    if (under.alive() && pressShift)
+        keyEvent(syntheticKeycode, 0, /*down=*/false);
+}
+
+void TXWParent::keyEvent(unsigned keycode, uint32_t keysym, bool down) {
+    if (!down) {
+        const auto pressed = pressedKeys.find(keycode);
+        if (pressed == pressedKeys.end())
+            return;
+        keysym = pressed->second; // a modifier that changed meanwhile must not leave the key down
+        pressedKeys.erase(pressed);
+    }
+    log.verbose("keycode %u keysym 0x%x down %d win 0x%lx", keycode, keysym, down, win());
+    if (down)
+        pressedKeys[keycode] = keysym;
+    if (root && attachedRoot)
+        root->handleKey(keysym, down);
+}
+
+void TXWParent::releaseKeys() {
+    const EventScope under(this);
+    while (under.alive() && !pressedKeys.empty())
+        keyEvent(pressedKeys.begin()->first, 0, /*down=*/false);
+}
+
+void TXWParent::handlePointer(XEvent* event) {
+    cancelTooltip();
+    if (inputBlocked || !root || !attachedRoot)
+        return;
+    root->mouseEvent({event->xbutton.x, event->xbutton.y}, buttonMask(*event)); // motion has the same layout
+}
+
+bool TXWParent::isKeyDown(uint32_t keysym) const {
+    return std::any_of(pressedKeys.begin(), pressedKeys.end(),
+                       [keysym](const auto& key) { return key.second == keysym; });
+}
+
+bool TXWParent::isShiftDown() const { return isKeyDown(XK_Shift_L) || isKeyDown(XK_Shift_R); }
+
+// Services.
+
+void TXWParent::bell() { XBell(dpy, 0); }
+
+bool TXWParent::setFocus(wvw::Widget* child) { return !child || child == root; }
+
+bool TXWParent::isFocused(const wvw::Widget* child) const { return child && child == root; }
+
+bool TXWParent::focusNext() { return false; }
+
+bool TXWParent::focusPrev() { return false; }
+
+plat::String TXWParent::getCutText() {
+    const bool nobody = XGetSelectionOwner(dpy, clipboardAtom()) == none;
+    return TXWindow::getCutText(nobody ? XA_PRIMARY : clipboardAtom());
+}
+
+void TXWParent::setCutText(const char* text) {
+    TXWindow::setCutText(static_cast<size_t>(plat::strLen(text)), text, getServerTime());
+}
+
+wvw::WRoot* TXWParent::getRoot(rfb::Point* originOut) {
+    if (originOut) {
+        if (!originKnown)
+            origin = getRootPosition();
+        originKnown = true;
+        *originOut = origin;
+    }
+    return &TXWRoot::instance();
+}
+
+void TXWParent::ensureVisible(wvw::Widget*, const rfb::Rect&) {}
+
+void TXWParent::startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* dragImage) {
+    if (image && attachedRoot)
+        dragAndDrop = std::make_unique<TXWDragAndDrop>(this, std::move(data), dragImage);
+}
+
+// Tooltips.
+
+bool TXWParent::mouseMove(const rfb::Point& position, wvw::Widget* from) {
+    tooltipPosition = position;
+    tooltipWidget = std::make_unique<wvw::WidgetWatch>(from);
+    tooltipTimer.start(tooltipDelayMs);
+    return false;
+}
+
+bool TXWParent::mouseExit(wvw::Widget*) {
+    cancelTooltip();
+    return false;
+}
+
+bool TXWParent::detached(wvw::Widget* from) {
+    if (tooltipWidget && tooltipWidget->get() == from)
+        cancelTooltip();
+    return false;
+}
+
+void TXWParent::cancelTooltip() {
+    tooltipTimer.cancel();
+    tooltipWidget.reset();
+    if (tooltip)
+        tooltip->hide();
+}
+
+void TXWParent::showTooltip() {
+    const wvw::Widget* from = tooltipWidget ? tooltipWidget->get() : nullptr;
+    if (!from || !from->isAttached())
+        return;
+    const char* text = from->getTooltip();
+    if (!text || !*text)
+        return;
+    if (!tooltip)
+        tooltip = std::make_unique<wvw::WTooltip>(hxutil::scaled(tooltipWidthUnits));
+    tooltip->setText(text);
+    tooltip->show(from->getRootPosition(tooltipPosition) + tooltipOffset, from);
+}
+
+bool TXWParent::timerExpired(plat::Timer* timer) {
+    if (timer == &repaintTimer)
+        repaintNow();
+    else if (timer == &tooltipTimer)
+        showTooltip();
+    return false;
+}
+
+} // namespace tx

@@ -1,0 +1,512 @@
+#include "tx/TXWindow.h"
+
+#include "os/AppInfo.h"
+#include "plat/Assert.h"
+#include "plat/LogSrc.h"
+#include "tx/ErrorCatcher.h"
+#include "tx/TX.h"
+#include "tx/TXState.h"
+#include "tx/TXWindowIcon.h"
+#include "tx/latin1.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace tx {
+namespace {
+
+plat::LogSrc log("TXWindow");
+
+constexpr long grabbedPointerEvents = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;
+constexpr int maxSize = 32767; // a window's size is 16 bits on the wire, its coordinates have a sign
+
+void writeText(Window window, Atom property, const char* text) {
+    XChangeProperty(dpy, window, property, utf8String(), 8, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(text), plat::strLen(text));
+}
+
+void writeLongs(Window window, Atom property, Atom type, const long* values, int count) {
+    XChangeProperty(dpy, window, property, type, 32, PropModeReplace, reinterpret_cast<const unsigned char*>(values),
+                    count);
+}
+
+void grabPointer(const TXWindow& window, Cursor cursor) {
+    const int result = XGrabPointer(dpy, window.win(), /*owner_events=*/True, grabbedPointerEvents, GrabModeAsync,
+                                    GrabModeAsync, none, cursor, currentTime);
+    if (result != GrabSuccess)
+        log.error("XGrabPointer failed: %d", result);
+}
+
+void grabKeyboard(const TXWindow& window, bool ownerEvents) {
+    const int result =
+        XGrabKeyboard(dpy, window.win(), ownerEvents ? True : False, GrabModeAsync, GrabModeAsync, currentTime);
+    if (result != GrabSuccess)
+        log.error("XGrabKeyboard failed: %d", result);
+}
+
+} // namespace
+
+TXWindow::TXWindow(int width, int height, TXWindow* parent, int borderWidth, bool overrideRedirect_, bool create)
+    : width_(std::clamp(width, 1, maxSize)), height_(std::clamp(height, 1, maxSize)),
+      overrideRedirect(overrideRedirect_) {
+    sizeHints.flags = 0;
+    cutText.setSecure(true);
+    if (create)
+        createWindow(parent, borderWidth, getSharedPixel(SharedPixel::Background), getSharedPixel(SharedPixel::Black),
+                     CopyFromParent, nullptr);
+}
+
+TXWindow::~TXWindow() {
+    for (EventScope* under = scope; under; under = under->outer)
+        under->window = nullptr;
+    for (const auto& [id, window] : state().windows) {
+        if (window->transientFor == this)
+            window->transientFor = nullptr;
+    }
+    if (!win_)
+        return;
+    setGrab(/*pointer=*/false, /*keyboard=*/false, none, /*ownerEvents=*/true);
+    state().windows.erase(win_);
+    std::erase(state().modalWindows, this);
+    forgetSelections();
+    if (dpy)
+        XDestroyWindow(dpy, win_);
+}
+
+void TXWindow::createWindow(TXWindow* parent, int borderWidth, unsigned long background, unsigned long borderPixel,
+                            int depth, Visual* visual) {
+    ASSERT(!win_);
+    XSetWindowAttributes attributes{};
+    attributes.background_pixel = background;
+    attributes.border_pixel = borderPixel;
+    attributes.override_redirect = overrideRedirect ? True : False;
+    attributes.colormap = colormap;
+    win_ = XCreateWindow(dpy, parent ? parent->win() : rootWindow, 0, 0, static_cast<unsigned>(width_),
+                         static_cast<unsigned>(height_), static_cast<unsigned>(borderWidth), depth, InputOutput, visual,
+                         CWBackPixel | CWBorderPixel | CWOverrideRedirect | CWColormap, &attributes);
+    state().windows[win_] = this;
+    addEventMask(PropertyChangeMask | FocusChangeMask);
+    if (parent)
+        map();
+}
+
+void TXWindow::setName(const char* name) {
+    const std::string latin1 = utf8ToLatin1(name ? name : "");
+    XStoreName(dpy, win_, latin1.c_str());
+    XSetIconName(dpy, win_, latin1.c_str());
+    writeText(win_, netWmName(), name);
+    writeText(win_, netWmIconName(), name);
+}
+
+void TXWindow::setWMProperties(const char* name, TXDeleteWindowCallback* callback, const char* className) {
+    if (overrideRedirect)
+        setOverrideRedirect(false);
+    deleteWindowCallback = callback;
+    wmPropertiesSet = true;
+    const char* program = os::AppInfo::app(/*emptyIfUnset=*/true);
+    plat::String resourceClass = className;
+    if (!className)
+        resourceClass = plat::strFormat("%s-%s", os::AppInfo::group(/*emptyIfUnset=*/true), program);
+    XClassHint classHint{const_cast<char*>(program), resourceClass.get()}; // Xlib only reads them
+    XSetWMProperties(dpy, win_, nullptr, nullptr, nullptr, 0, &sizeHints, nullptr, &classHint);
+    writeWMHints();
+    setName(name);
+    Atom protocols[2] = {wmTakeFocus(), wmDeleteWindow()};
+    XSetWMProtocols(dpy, win_, protocols, callback ? 2 : 1);
+    addEventMask(StructureNotifyMask);
+    const long pid = getpid();
+    writeLongs(win_, netWmPid(), XA_CARDINAL, &pid, 1);
+    const std::vector<long>& icon = getWindowIcon();
+    if (!icon.empty())
+        writeLongs(win_, netWmIcon(), XA_CARDINAL, icon.data(), static_cast<int>(icon.size()));
+}
+
+void TXWindow::setMaxSize(int width, int height) {
+    if (width == 0 || height == 0) {
+        sizeHints.flags &= ~PMaxSize;
+    } else {
+        sizeHints.flags |= PMaxSize;
+        sizeHints.max_width = width;
+        sizeHints.max_height = height;
+    }
+    writeNormalHints();
+}
+
+void TXWindow::setMinSize(int width, int height) {
+    if (width == 0 || height == 0) {
+        sizeHints.flags &= ~PMinSize;
+    } else {
+        sizeHints.flags |= PMinSize;
+        sizeHints.min_width = width;
+        sizeHints.min_height = height;
+    }
+    writeNormalHints();
+}
+
+void TXWindow::setFixedSize(bool fixed) {
+    fixedSize = fixed;
+    fixHints(fixed);
+}
+
+void TXWindow::fixHints(bool fix) {
+    setMinSize(fix ? width_ : 0, height_);
+    setMaxSize(fix ? width_ : 0, height_);
+}
+
+void TXWindow::writeNormalHints() {
+    if (wmPropertiesSet)
+        XSetWMNormalHints(dpy, win_, &sizeHints);
+}
+
+void TXWindow::writeWMHints() {
+    if (!wmPropertiesSet)
+        return;
+    XWMHints hints{};
+    hints.flags = InputHint | StateHint | (urgent ? XUrgencyHint : 0);
+    hints.input = inputHint ? True : False;
+    hints.initial_state = initialState;
+    XSetWMHints(dpy, win_, &hints);
+}
+
+void TXWindow::setTransientFor(TXWindow* window) {
+    if (window == transientFor)
+        return;
+    transientFor = window;
+    if (window)
+        XSetTransientForHint(dpy, win_, window->win());
+    else
+        XDeleteProperty(dpy, win_, XA_WM_TRANSIENT_FOR);
+}
+
+void TXWindow::setOverrideRedirect(bool on) {
+    overrideRedirect = on;
+    XSetWindowAttributes attributes{};
+    attributes.override_redirect = on ? True : False;
+    XChangeWindowAttributes(dpy, win_, CWOverrideRedirect, &attributes);
+}
+
+void TXWindow::setUrgent(bool on) {
+    urgent = on;
+    writeWMHints();
+}
+
+void TXWindow::setInitialIconic(bool iconic) {
+    initialState = iconic ? IconicState : NormalState;
+    writeWMHints();
+}
+
+void TXWindow::setInputHint(bool input) {
+    inputHint = input;
+    writeWMHints();
+}
+
+void TXWindow::setPosition(int x, int y, bool move) {
+    sizeHints.flags |= PPosition;
+    sizeHints.x = x; // obsolete fields, which some managers still read (ICCCM 4.1.2.3)
+    sizeHints.y = y;
+    writeNormalHints();
+    if (move)
+        XMoveWindow(dpy, win_, x, y);
+}
+
+void TXWindow::centreOnScreen() {
+    const rfb::Point screen = getScreenSize();
+    setPosition((screen.x - width_ - 10) / 2, (screen.y - height_ - 30) / 2);
+}
+
+void TXWindow::resize(int width, int height) {
+    width = std::clamp(width, 1, maxSize);
+    height = std::clamp(height, 1, maxSize);
+    if (mapped) {
+        // The manager may have answered already: its word comes first, or the old size would come back as new.
+        XSync(dpy, False);
+        XEvent last;
+        if (drainConfigure(&last)) {
+            width_ = last.xconfigure.width;
+            height_ = last.xconfigure.height;
+        }
+    }
+    if (width == width_ && height == height_)
+        return;
+    const EventScope under(this);
+    const bool fixed = fixedSize;
+    if (fixed)
+        fixHints(false);
+    resizeRequest = NextRequest(dpy);
+    XResizeWindow(dpy, win_, static_cast<unsigned>(width), static_cast<unsigned>(height));
+    changeSize(width, height);
+    if (fixed && under.alive())
+        fixHints(true);
+}
+
+void TXWindow::changeSize(int width, int height) {
+    width_ = width;
+    height_ = height;
+    resized();
+}
+
+void TXWindow::setGeometry(const char* geometry, const rfb::Rect& defaultRect) {
+    const plat::String byDefault =
+        plat::strFormat("%dx%d+%d+%d", defaultRect.width(), defaultRect.height(), defaultRect.tl.x, defaultRect.tl.y);
+    const bool given = geometry && *geometry;
+    int x = 0;
+    int y = 0;
+    int w = 0;
+    int h = 0;
+    int gravity = 0;
+    XWMGeometry(dpy, DefaultScreen(dpy), given ? geometry : nullptr, byDefault.c_str(), /*border=*/0, &sizeHints, &x,
+                &y, &w, &h, &gravity);
+    sizeHints.flags |= PWinGravity;
+    sizeHints.win_gravity = gravity;
+    setPosition(x, y);
+    resize(w, h);
+}
+
+void TXWindow::setBorderWidth(int width) { XSetWindowBorderWidth(dpy, win_, static_cast<unsigned>(width)); }
+
+rfb::Point TXWindow::getRootPosition() const {
+    int x = 0;
+    int y = 0;
+    Window child = none;
+    XTranslateCoordinates(dpy, win_, rootWindow, 0, 0, &x, &y, &child);
+    return {x, y};
+}
+
+void TXWindow::map() {
+    everMapped = true;
+    XMapWindow(dpy, win_);
+}
+
+void TXWindow::unmap() {
+    const EventScope under(this);
+    XUnmapWindow(dpy, win_);
+    std::erase(state().modalWindows, this);
+    if (wmPropertiesSet && !overrideRedirect) {
+        // So that the manager withdraws an icon as well (ICCCM 4.1.4).
+        XEvent event{};
+        event.xunmap.type = UnmapNotify;
+        event.xunmap.event = rootWindow;
+        event.xunmap.window = win_;
+        XSendEvent(dpy, rootWindow, False, SubstructureRedirectMask | SubstructureNotifyMask, &event);
+    }
+    XSync(dpy, False);
+    handleMapped(false);
+}
+
+void TXWindow::iconify() {
+    if (mapped) {
+        sendRootClientMessage(win_, wmChangeState(), IconicState);
+        return;
+    }
+    setInitialIconic(true);
+    map();
+}
+
+void TXWindow::deiconify() {
+    const EventScope under(this);
+    if (everMapped)
+        unmap();
+    if (!under.alive())
+        return;
+    setInitialIconic(false);
+    map();
+}
+
+void TXWindow::raise() {
+    XRaiseWindow(dpy, win_);
+    activeWindow();
+}
+
+void TXWindow::activeWindow() {
+    constexpr long fromApplication = 1; // source indication of EWMH
+    sendRootClientMessage(win_, netActiveWindow(), fromApplication);
+}
+
+void TXWindow::setFocus(Time time) {
+    if (!mapped)
+        return;
+    const ErrorCatcher catcher(100); // it may be unmapped by the manager at this moment
+    XSetInputFocus(dpy, win_, RevertToParent, time);
+}
+
+void TXWindow::selectEvents(long mask) {
+    eventMask = mask;
+    XSelectInput(dpy, win_, eventMask);
+}
+
+void TXWindow::addEventMask(long mask) {
+    if ((eventMask | mask) != eventMask)
+        selectEvents(eventMask | mask);
+}
+
+void TXWindow::removeEventMask(long mask) {
+    if (eventMask & mask)
+        selectEvents(eventMask & ~mask);
+}
+
+void TXWindow::addEventHandler(TXEventHandler* handler, bool add) {
+    if (add)
+        eventHandlers.add(handler);
+    else
+        eventHandlers.remove(handler);
+}
+
+void TXWindow::setGrab(bool pointer, bool keyboard, Cursor cursor, bool ownerEvents) {
+    TXWindow* const oldPointer = pointerGrabber();
+    TXWindow* const oldKeyboard = keyboardGrabber();
+    std::erase(state().grabWindows, this);
+    grab = {pointer, keyboard, ownerEvents, cursor};
+    if (pointer || keyboard)
+        state().grabWindows.push_back(this);
+    applyGrabs(oldPointer, oldKeyboard);
+}
+
+void TXWindow::applyGrabs(const TXWindow* oldPointer, const TXWindow* oldKeyboard) {
+    const TXWindow* const newPointer = pointerGrabber();
+    const TXWindow* const newKeyboard = keyboardGrabber();
+    if (newPointer != oldPointer) {
+        if (oldPointer)
+            XUngrabPointer(dpy, currentTime);
+        if (newPointer && !isGrabSuppressed())
+            grabPointer(*newPointer, newPointer->grab.cursor);
+    }
+    if (newKeyboard != oldKeyboard) {
+        if (oldKeyboard)
+            XUngrabKeyboard(dpy, currentTime);
+        if (newKeyboard && !isGrabSuppressed())
+            grabKeyboard(*newKeyboard, newKeyboard->grab.ownerEvents);
+    }
+}
+
+void TXWindow::pushModal() {
+    std::erase(state().modalWindows, this);
+    state().modalWindows.push_back(this);
+}
+
+bool TXWindow::isModal() const {
+    const auto& list = state().modalWindows;
+    return std::find(list.begin(), list.end(), this) != list.end();
+}
+
+void TXWindow::drawBevel(GC gc, int x, int y, int w, int h, int bevel, unsigned long face, unsigned long light,
+                         unsigned long dark) {
+    XSetForeground(dpy, gc, face);
+    XFillRectangle(dpy, win_, gc, x + bevel, y + bevel, static_cast<unsigned>(std::max(w - 2 * bevel, 0)),
+                   static_cast<unsigned>(std::max(h - 2 * bevel, 0)));
+    for (int i = 0; i < bevel; i++) {
+        const int right = x + w - 1 - i;
+        const int bottom = y + h - 1 - i;
+        XSetForeground(dpy, gc, light);
+        XDrawLine(dpy, win_, gc, x + i, y + i, right, y + i);
+        XDrawLine(dpy, win_, gc, x + i, y + i, x + i, bottom);
+        XSetForeground(dpy, gc, dark);
+        XDrawLine(dpy, win_, gc, x + i, bottom, right, bottom);
+        XDrawLine(dpy, win_, gc, right, y + i, right, bottom);
+    }
+    XSetForeground(dpy, gc, getSharedPixel(SharedPixel::Black)); // the default GC is shared
+}
+
+// Events.
+
+void TXWindow::handleWindowEvent(XEvent* event) {
+    const EventScope under(this);
+    if (handleOwnEvent(event) && under.alive())
+        eventHandlers.dispatch(event, /*stopAtTrue=*/true);
+}
+
+bool TXWindow::handleOwnEvent(XEvent* event) {
+    switch (event->type) {
+    case FocusIn:
+    case FocusOut:
+        handleFocus(event->type == FocusIn);
+        break;
+    case MapNotify:
+    case UnmapNotify:
+        if (event->xmap.window == win_)
+            handleMapped(event->type == MapNotify);
+        break;
+    case ConfigureNotify:
+        if (event->xconfigure.window == win_)
+            handleConfigure(event);
+        break;
+    case PropertyNotify:
+        handleProperty(event->xproperty);
+        break;
+    case SelectionClear:
+        handleSelectionClear(event->xselectionclear);
+        break;
+    case SelectionRequest:
+        handleSelectionRequest(event->xselectionrequest);
+        break;
+    case SelectionNotify:
+        handleSelectionNotify(&event->xselection);
+        break;
+    case ClientMessage:
+        return handleClientMessage(event->xclient);
+    default:
+        break;
+    }
+    return true;
+}
+
+void TXWindow::handleFocus(bool in) {
+    focused = in;
+    focusChanged();
+}
+
+void TXWindow::handleMapped(bool nowMapped) {
+    if (mapped == nowMapped)
+        return;
+    TXWindow* const oldPointer = pointerGrabber();
+    TXWindow* const oldKeyboard = keyboardGrabber();
+    mapped = nowMapped;
+    applyGrabs(oldPointer, oldKeyboard); // only a mapped window has its grab
+    mapChanged();
+}
+
+bool TXWindow::drainConfigure(XEvent* last) {
+    bool any = false;
+    XEvent event;
+    while (XCheckTypedWindowEvent(dpy, win_, ConfigureNotify, &event)) {
+        const XConfigureEvent& e = event.xconfigure;
+        if (e.window != win_)
+            continue; // of a child
+        *last = event;
+        any = true;
+    }
+    return any;
+}
+
+void TXWindow::handleConfigure(XEvent* event) {
+    drainConfigure(event);
+    const XConfigureEvent& e = event->xconfigure;
+    const bool outOfDate = resizeRequest && static_cast<long>(e.serial - resizeRequest) < 0;
+    const bool possible = e.width >= 1 && e.height >= 1 && e.width <= maxSize && e.height <= maxSize;
+    const bool changed = !outOfDate && possible && (e.width != width_ || e.height != height_);
+    const EventScope under(this);
+    if (changed) {
+        width_ = e.width;
+        height_ = e.height;
+    }
+    moved();
+    if (changed && under.alive())
+        resized();
+}
+
+bool TXWindow::handleClientMessage(const XClientMessageEvent& event) {
+    if (event.message_type != wmProtocols() || event.format != 32)
+        return true;
+    const Atom protocol = static_cast<Atom>(event.data.l[0]);
+    if (protocol == wmDeleteWindow() && deleteWindowCallback) {
+        deleteWindowCallback->deleteWindow(this);
+        return false;
+    }
+    if (protocol == wmTakeFocus() && mapped)
+        takeFocus(static_cast<Time>(event.data.l[1]));
+    return true;
+}
+
+} // namespace tx
