@@ -121,9 +121,9 @@ void LogDestIpc::enqueue(int msgLevel, const char* srcName, const char* text) {
         return;
     }
     const std::string source = process.empty() ? strOrEmpty(srcName) : process + ": " + strOrEmpty(srcName);
-    const int len = std::min(strLen(text), static_cast<int>(maxTextBytes));
-    queue.push_back(
-        {level, source, std::string(strOrEmpty(text), static_cast<size_t>(utf8::cutPartial(strOrEmpty(text), len)))});
+    const char* safe = strOrEmpty(text);
+    const int len = utf8::cutPartial(safe, std::min(strLen(safe), static_cast<int>(maxTextBytes)));
+    queue.push_back({msgLevel, source, std::string(safe, static_cast<size_t>(len))});
 }
 
 void LogDestIpc::send(const std::vector<Entry>& entries) {
