@@ -142,25 +142,27 @@ public:
 
 private:
     struct Piece { // of the line that is being filled
-        int run;
+        size_t run;
         int start;
-        int lenBytes;
+        int end;
         int width;
-        bool blank;
     };
+    enum class Break { Soft, Hard, BlockEnd };
 
-    void addRun(const Style& style, const char* text);
-    void layRun(int runIndex);
-    void layBlanks(int runIndex, int start, int lenBytes);
-    void layWord(int runIndex, int start, int lenBytes);
-    int fittingChars(int runIndex, int start, int lenBytes, int room);
-    void pushPiece(int runIndex, int start, int lenBytes, int width, bool blank);
-    void breakBeforeWord();
-    void finishLine(bool last, const Style& emptyStyle);
-    void emitLine(bool last, int height);
-    int measure(int runIndex, int start, int lenBytes);
-    int room() const;
-    bool wraps() const { return wrapWidth > 0; }
+    void layRun(size_t run);
+    void laySegment(size_t run, int start, int end);
+    int layPart(size_t run, int start, int end);
+    bool fits(size_t run, int start, int end);
+    int fitting(size_t run, int start, int end, bool words);
+    bool breakAtLastBlank();
+    void push(size_t run, int start, int end);
+    void finishLine(Break kind, const Style& emptyStyle);
+    void trimLine();
+    void emit(const Piece& piece, int lineHeight, int fullWidth, int& x);
+    void emitJustified(int lineHeight);
+    int measure(size_t run, int start, int end);
+    int available() const;
+    const char* textOf(size_t run) const { return runs[run].text.c_str(); }
 
     Callback* callback;
     int wrapWidth;
@@ -174,7 +176,7 @@ private:
     int padRight = 0;
     std::vector<Run> runs;
     std::vector<Piece> pieces;
-    int lineWidth = 0;
+    int lineWidth = 0; // of the pieces
 };
 
 } // namespace plat
