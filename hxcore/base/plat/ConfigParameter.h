@@ -102,6 +102,7 @@ protected:
     void valueSet(int priority); ///< logs and tells the callbacks; the parameter may be gone afterwards
     void valueUnset(int priority, bool notify);
     std::string flagList() const; ///< the flags joined by ","
+    ParamText copyText() const;   ///< both texts, for a clone
 
 private:
     friend class Configuration;
@@ -117,8 +118,8 @@ private:
     bool advanced;
     bool copied = false;
     std::set<std::string> flags;
-    std::vector<ParameterChangedCallback*> callbacks; // null where one was removed while telling
-    Notification* notification = nullptr;             // the innermost under way
+    std::vector<ParameterChangedCallback*> callbacks;
+    Notification* notification = nullptr; // the innermost under way
     String ownedName, ownedDesc, ownedLocDesc;
 };
 
@@ -225,6 +226,7 @@ public:
     StringParameter(const char* paramName, ParamText text, const char* defaultValue, bool isAdvanced = false,
                     Configuration* owner = nullptr, const char* flagList = nullptr);
     const char* c_str() const { return value().c_str(); }
+    bool setValue(const String& newValue, int priority = PriorityPreference) override; ///< throws BadUtf8
 
     // ConfigParameter; throws BadUtf8
     bool setParam(const char* text, int priority = PriorityPreference) override;
@@ -242,6 +244,7 @@ public:
                  Configuration* owner = nullptr, const char* flagList = nullptr);
     int64_t getValue() const;
     bool setS64(int64_t number, int priority = PriorityPreference);
+    bool setValue(const String& newValue, int priority = PriorityPreference) override;
 
     // ConfigParameter
     bool setParam(const char* text, int priority = PriorityPreference) override;
