@@ -28,7 +28,7 @@ public:
     static void list(FILE* stream);         ///< one name a line, indented by two
 
     const char* getName() const { return name; }
-    int getLevel() const { return level; }
+    int getLevel() const { return maxLevel; }
     void setLevel(int levelLimit); ///< messages above it are not taken; updates all sources
 
 protected:
@@ -39,7 +39,7 @@ private:
 
     const char* name;
     LogDest* next = nullptr;
-    int level;
+    int maxLevel;
 };
 
 } // namespace plat

@@ -1,6 +1,7 @@
 // Log messages to a stream, or to a file that is rotated each time it is opened.
 #pragma once
 
+#include "plat/ConfigParameter.h"
 #include "plat/LogDest.h"
 #include "plat/String.h"
 
@@ -13,7 +14,7 @@ namespace plat {
 /// Nothing here fails its caller: what goes wrong is told on stderr, and messages stay in memory. The log file is
 /// always a fresh one: an older one is renamed, and whatever else stands in its place (a link, a FIFO) is left
 /// untouched.
-class LogDestFile : public LogDest {
+class LogDestFile : public LogDest, private ParameterChangedCallback {
 public:
     class Callback {
     public:
@@ -47,16 +48,21 @@ public:
     bool isActive() override;
 
 private:
+    // ParameterChangedCallback, of LogDir and LogFile
+    void parameterChanged(ConfigParameter*, int priority) override;
+
+    void writeHeader();
     void writeLine(int level, const char* srcName, const char* text);
+    void print(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void checkSize();
     bool ensureOpen();
     bool openWithFallback();
-    void openFile(const char* path);
-    void reportClose();
+    bool openDefault(const char* firstError);
+    void openFile(const String& path);
 
-    FILE* stream = nullptr;
-    bool ownsFile = false; // the stream is the log file; false for stderr
-    bool enabled = true;
+    FILE* stream;
+    const bool isLogFile; // else the stream is borrowed and stays open
+    bool enabled;
     bool failed = false; // both the set and the default file: wait for a change of the parameters
     bool ended = false;
     bool headerWritten = false;

@@ -13,12 +13,12 @@ class LogDestMem : public LogDest {
 public:
     LogDestMem();
 
-    /// Hands all messages of a level up to `maxLevel` to `dest`, between two lines that say so.
-    void replay(LogDest& dest, int maxLevel);
+    /// Hands all messages of a level up to `highest` to `dest`, between two lines that say so.
+    void replay(LogDest& dest, int highest);
 
-    void forget(int maxLevel); ///< drops all messages of a level up to `maxLevel`
+    void forget(int highest); ///< drops all messages of a level up to `highest`
     void clear();
-    bool holds(int maxLevel); ///< whether there is a message of a level up to `maxLevel`
+    bool holds(int highest); ///< whether there is a message of a level up to `highest`
 
     // LogDest
     void write(int level, const char* srcName, const char* text) override;
