@@ -32,6 +32,9 @@ public:
     /// for stdin/stdout" for mode 2 on "-".
     void open(const char* name, int mode = FileRead, int flags = 0);
 
+    /// Takes a descriptor, closing it if this fails; `stdioMode` as for fopen. Throws as open() does.
+    void adopt(int fd, const char* name, const char* stdioMode);
+
     void close(); ///< throws plat::SystemExceptionFmt "Error closing \"%s\""; nothing is open afterwards in any case
     FILE* release();
 

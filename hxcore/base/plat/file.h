@@ -33,7 +33,7 @@ bool fileTryLock(int fd, bool exclusive = true); ///< false if another holds it
 void fileUnlock(int fd);
 bool fileIsSameAsFd(const char* path, int fd); ///< false also if nothing is there; a link is not followed
 
-void fileMakePrivate(const char* path); ///< mode 0600, owner the effective user
+void fileMakePrivate(const char* path); ///< mode 0600, owner the effective user; a link is refused
 void fileMakePrivate(int fd);
 void fileMakeSticky(const char* path); ///< adds the sticky bit
 void fileTruncate(int fd, int64_t size);

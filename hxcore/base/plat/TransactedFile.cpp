@@ -1,0 +1,98 @@
+#include "plat/TransactedFile.h"
+
+#include "plat/Assert.h"
+#include "plat/Exception.h"
+#include "plat/LogSrc.h"
+#include "plat/file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace plat {
+namespace {
+LogSrc log("TransactedFile");
+
+void openNew(FilePtr& file, const char* path, int flags) {
+    // Whatever has the name goes: a file left by a process that was killed, a link, a FIFO.
+    if (unlink(path) != 0 && errno != ENOENT)
+        throw SystemExceptionFmt(errno, "Error opening \"%s\"", path);
+    const mode_t mode = flags & FilePrivate ? 0600 : 0664;
+    int fd = -1;
+    try {
+        fd = fileOpenFd(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
+    } catch (const SystemException& e) {
+        throw SystemExceptionFmt(e.errNo, "Error opening \"%s\"", path);
+    }
+    file.adopt(fd, path, "w");
+}
+
+} // namespace
+
+TransactedFile::TransactedFile(const char* target, int flags) : path(target), tmpPath(strFormat("%s.tmp", target)) {
+    openNew(file, tmpPath.c_str(), flags);
+    try {
+        copyPerms(flags);
+    } catch (const Exception&) {
+        removeTmp();
+        throw;
+    }
+}
+
+TransactedFile::~TransactedFile() {
+    if (file.isOpen())
+        removeTmp();
+}
+
+void TransactedFile::write(const void* data, size_t len) {
+    ASSERT(file.isOpen());
+    if (std::fwrite(data, 1, len, file.get()) != len) {
+        failed = true;
+        throw SystemExceptionFmt(errno, "writing to file failed");
+    }
+}
+
+void TransactedFile::commit() {
+    ASSERT(file.isOpen());
+    try {
+        if (failed || std::ferror(file.get()) || std::fflush(file.get()) != 0)
+            throw SystemExceptionFmt(failed ? EIO : errno, "writing to file failed");
+        // Another writer may have taken the name, and be half way through.
+        if (!fileIsSameAsFd(tmpPath.c_str(), file.fd()))
+            throw SystemExceptionFmt(EBUSY, "fileRename(%s,%s)", tmpPath.c_str(), path.c_str());
+        file.close(); // a full disk may show only here
+        fileRename(tmpPath.c_str(), path.c_str());
+    } catch (const Exception&) {
+        removeTmp();
+        throw;
+    }
+}
+
+void TransactedFile::copyPerms(int flags) {
+    struct stat old;
+    if (lstat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode)) {
+        try {
+            fileCopyPerms(path.c_str(), file.fd());
+        } catch (const Exception& e) {
+            log.error("%s", e.what());
+        }
+    }
+    if (flags & FilePrivate)
+        fileMakePrivate(file.fd());
+}
+
+void TransactedFile::removeTmp() {
+    try {
+        // Once closed the file can't be told from another writer's; the check was moments ago.
+        if (!file.isOpen() || fileIsSameAsFd(tmpPath.c_str(), file.fd()))
+            fileRemove(tmpPath.c_str(), /*mayBeMissing=*/true);
+    } catch (const Exception& e) {
+        log.error("%s", e.what());
+    }
+    if (file.isOpen())
+        std::fclose(file.release()); // what was buffered is of no use, and a failure to write it no news
+}
+
+} // namespace plat
