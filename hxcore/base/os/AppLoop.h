@@ -18,7 +18,7 @@ public:
     public:
         virtual ~Impl() = default;
         virtual int run(AppLoop& loop) = 0; ///< until stop; gives AppLoop::exitCode
-        virtual void stop() = 0;            ///< run returns after its round, also if it is yet to start
+        virtual void stop() = 0;            ///< run returns after its round
     };
 
     explicit AppLoop(

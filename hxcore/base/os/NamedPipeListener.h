@@ -8,6 +8,8 @@
 
 namespace os {
 
+class SocketDir;
+
 /// Listens at a path in a private directory and makes os::UnixIo objects of the connections.
 ///
 /// While it lives it looks after its file: it touches it now and then, and binds anew when it has gone. A directory
@@ -35,6 +37,7 @@ private:
     bool timerExpired(plat::Timer* timer) override;
 
     int bindAnew(bool askFirst);
+    bool isOurs(const SocketDir& dir, const char* file) const;
     void startRefresh();
     void refresh();
 

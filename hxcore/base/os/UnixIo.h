@@ -33,8 +33,11 @@ private:
 /// The effective user of a connected local socket's peer; false, with errno set, if it can't be told.
 bool peerEuid(int fd, uid_t* uid);
 
-/// A connected socket for `path`, close-on-exec; -1 with errno set.
+/// A connected socket for `path`, close-on-exec; -1 with errno set. Waits 10 seconds for a busy listener.
 int connectUnixSocket(const char* path);
+
+/// Whether a connection to `path` would be taken, tried without waiting.
+bool somebodyListens(const char* path);
 
 /// Wraps an inherited descriptor by its kind: a local socket becomes a UnixIo, anything else an io::FdIo.
 ///

@@ -1,0 +1,60 @@
+#include "os/AppLoop.h"
+
+#include "io/FdSelectManager.h"
+#include "plat/Assert.h"
+#include "plat/LogSrc.h"
+
+namespace os {
+namespace {
+
+struct Running {
+    explicit Running(bool& flag_) : flag(flag_) { flag = true; }
+    ~Running() { flag = false; }
+    bool& flag;
+};
+
+} // namespace
+
+AppLoop* AppLoop::inst = nullptr;
+
+AppLoop::AppLoop(std::unique_ptr<Impl> ownImpl) {
+    ASSERT(!inst);
+    impl = ownImpl ? std::move(ownImpl) : std::make_unique<AppLoopImpl>();
+    inst = this;
+}
+
+AppLoop::~AppLoop() { inst = nullptr; }
+
+int AppLoop::run() {
+    plat::logActivate();
+    ASSERT(!isRunning);
+    const Running running(isRunning);
+    return impl->run(*this);
+}
+
+void AppLoop::exit(int code) {
+    ASSERT(inst && inst->isRunning);
+    inst->code = code;
+    inst->impl->stop();
+}
+
+AppLoopImpl::AppLoopImpl() : fdMgr(processManager()) {}
+
+int AppLoopImpl::run(AppLoop& loop) {
+    stopping = false;
+    while (!stopping)
+        fdMgr.poll(-1);
+    return loop.exitCode();
+}
+
+void AppLoopImpl::stop() {
+    stopping = true;
+    fdMgr.kick();
+}
+
+io::FdSelectManager& AppLoopImpl::processManager() {
+    static io::FdSelectManager manager(/*nested=*/io::FdManager::current() != nullptr);
+    return manager;
+}
+
+} // namespace os
