@@ -66,7 +66,8 @@ public:
     FullFramePixelBuffer(const PixelFormat& pf, const Rect& r, uint8_t* pixels, int strideInPixels,
                          const ColourMap* map = nullptr);
 
-    /// A view that shares the pixels of `part` of `whole` (cut to what it has), seen with its top left at `newTl`.
+    /// A view that shares the pixels of `part` of `whole`. What is part.tl there is `newTl` here; the view covers as
+    /// much of `part` as the whole has, so its own corner may lie further in.
     FullFramePixelBuffer(FullFramePixelBuffer& whole, const Rect& part, Point newTl);
 
     // PixelBuffer, WritablePixelBuffer
@@ -118,7 +119,7 @@ private:
 /// A read-only view of a rectangle of another buffer of any kind, seen with another top left. Holds no pixels.
 class SubPixelBuffer : public PixelBuffer {
 public:
-    SubPixelBuffer(const PixelBuffer& source, const Rect& part, Point newTl); ///< part is cut to what source has
+    SubPixelBuffer(const PixelBuffer& source, const Rect& part, Point newTl); ///< as the view of a FullFramePixelBuffer
 
     // PixelBuffer
     const uint8_t* getPixelsR(const Rect& r, int* stride) const override;

@@ -1,0 +1,217 @@
+#include "rfb/Region.h"
+
+#include "plat/Assert.h"
+
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+// The boxes of a region are reachable only through this header of libX11.
+#include <X11/Xregion.h>
+
+#include <algorithm>
+#include <climits>
+#include <new>
+#include <utility>
+
+namespace rfb {
+namespace {
+
+int16_t clamp16(int v) { return static_cast<int16_t>(std::clamp(v, SHRT_MIN, SHRT_MAX)); }
+
+_XRegion* newRegion() {
+    _XRegion* made = XCreateRegion();
+    if (!made)
+        throw std::bad_alloc();
+    return made;
+}
+
+int floorTo(int v, int multipleOf) {
+    ASSERT(multipleOf > 0);
+    const int rest = v % multipleOf;
+    return v - (rest < 0 ? rest + multipleOf : rest);
+}
+
+int ceilTo(int v, int multipleOf) { return -floorTo(-v, multipleOf); }
+
+Rect boxRect(const BOX& box) { return {box.x1, box.y1, box.x2, box.y2}; }
+
+void appendPieces(std::vector<Rect>* out, const Rect& r, int maxArea, bool topToBottom) {
+    const int rows = maxArea > 0 ? std::max(1, maxArea / r.width()) : r.height();
+    const size_t first = out->size();
+    for (int y = r.tl.y; y < r.br.y; y += rows)
+        out->emplace_back(r.tl.x, y, r.br.x, std::min(y + rows, r.br.y));
+    if (!topToBottom)
+        std::reverse(out->begin() + static_cast<std::ptrdiff_t>(first), out->end());
+}
+
+} // namespace
+
+RgnRect::RgnRect(const Rect& r) : x1(clamp16(r.tl.x)), y1(clamp16(r.tl.y)), x2(clamp16(r.br.x)), y2(clamp16(r.br.y)) {}
+
+Region::Region() : rgn(nullptr) {}
+
+Region::Region(const Rect& r) : rgn(nullptr) { reset(r); }
+
+Region::Region(const Region& other) : rgn(nullptr) { assign_union(other); }
+
+Region::Region(Region&& other) noexcept : rgn(std::exchange(other.rgn, nullptr)) {}
+
+Region& Region::operator=(const Region& other) {
+    if (this != &other) {
+        clear();
+        assign_union(other);
+    }
+    return *this;
+}
+
+Region& Region::operator=(Region&& other) noexcept {
+    std::swap(rgn, other.rgn);
+    return *this;
+}
+
+Region::~Region() { clear(); }
+
+void Region::clear() {
+    if (rgn)
+        XDestroyRegion(rgn);
+    rgn = nullptr;
+}
+
+void Region::reset(const Rect& r) {
+    clear();
+    const RgnRect box(r);
+    if (Rect(box).isEmpty())
+        return;
+    XRectangle xr;
+    xr.x = box.x1;
+    xr.y = box.y1;
+    xr.width = static_cast<unsigned short>(box.x2 - box.x1);
+    xr.height = static_cast<unsigned short>(box.y2 - box.y1);
+    rgn = newRegion();
+    XUnionRectWithRegion(&xr, rgn, rgn);
+}
+
+void Region::translate(Point by) {
+    if (is_empty())
+        return;
+    const Rect moved = get_bounding_rect().translate(by);
+    if (Rect(RgnRect(moved)) == moved) {
+        XOffsetRegion(rgn, by.x, by.y);
+        return;
+    }
+    // libX11 adds in 16 bits and would wrap.
+    std::vector<Rect> rects;
+    get_rects(&rects);
+    for (Rect& r : rects)
+        r = r.translate(by);
+    setFromRects(rects.data(), rects.data() + rects.size());
+}
+
+void Region::assign_intersect(const Region& other) {
+    if (is_empty() || other.is_empty())
+        clear();
+    else
+        XIntersectRegion(rgn, other.rgn, rgn);
+}
+
+void Region::assign_union(const Region& other) {
+    if (other.is_empty())
+        return;
+    if (!rgn)
+        rgn = newRegion();
+    XUnionRegion(rgn, other.rgn, rgn);
+}
+
+void Region::assign_subtract(const Region& other) {
+    if (!is_empty() && !other.is_empty())
+        XSubtractRegion(rgn, other.rgn, rgn);
+}
+
+Region Region::intersect(const Region& other) const {
+    Region result(*this);
+    result.assign_intersect(other);
+    return result;
+}
+
+Region Region::union_(const Region& other) const {
+    Region result(*this);
+    result.assign_union(other);
+    return result;
+}
+
+Region Region::subtract(const Region& other) const {
+    Region result(*this);
+    result.assign_subtract(other);
+    return result;
+}
+
+void Region::setFromRects(const Rect* first, const Rect* last) {
+    if (last - first < 2) {
+        if (first == last)
+            clear();
+        else
+            reset(*first);
+        return;
+    }
+    const Rect* middle = first + (last - first) / 2;
+    Region second;
+    second.setFromRects(middle, last);
+    setFromRects(first, middle);
+    assign_union(second);
+}
+
+void Region::roundToGrid(int width, int height, Point origin) {
+    std::vector<Rect> rects;
+    get_rects(&rects);
+    for (Rect& r : rects) {
+        r = r.translate(-origin);
+        r = Rect(floorTo(r.tl.x, width), floorTo(r.tl.y, height), ceilTo(r.br.x, width), ceilTo(r.br.y, height));
+        r = r.translate(origin);
+    }
+    setFromRects(rects.data(), rects.data() + rects.size());
+}
+
+bool Region::equals(const Region& other) const {
+    if (is_empty() || other.is_empty())
+        return is_empty() == other.is_empty();
+    return XEqualRegion(rgn, other.rgn);
+}
+
+bool Region::is_empty() const { return !rgn || XEmptyRegion(rgn); }
+
+Rect Region::get_bounding_rect() const { return is_empty() ? Rect() : boxRect(rgn->extents); }
+
+int Region::numRects() const { return rgn ? static_cast<int>(rgn->numRects) : 0; }
+
+bool Region::get_rects(std::vector<Rect>* out, bool leftToRight, bool topToBottom, int maxArea) const {
+    const int count = numRects();
+    // Boxes lie in bands of equal top and bottom, sorted from the top, within a band from the left.
+    for (int done = 0; done < count;) {
+        int start = topToBottom ? done : count - 1 - done;
+        int end = start;
+        const short bandTop = rgn->rects[start].y1;
+        if (topToBottom)
+            while (end < count && rgn->rects[end].y1 == bandTop)
+                ++end;
+        else
+            for (++end; start > 0 && rgn->rects[start - 1].y1 == bandTop;)
+                --start;
+        for (int i = 0; i < end - start; ++i)
+            appendPieces(out, boxRect(rgn->rects[leftToRight ? start + i : end - 1 - i]), maxArea, topToBottom);
+        done += end - start;
+    }
+    return count > 0;
+}
+
+void Region::debug_print(const char* prefix, FILE* out) const {
+    const auto text = [](const Rect& r, char(&buffer)[64]) {
+        std::snprintf(buffer, sizeof buffer, "%d,%d to %d,%d", r.tl.x, r.tl.y, r.br.x, r.br.y);
+        return buffer;
+    };
+    char buffer[64];
+    std::fprintf(out, "%s", prefix);
+    std::fprintf(out, "num rects %3d extents %s\n", numRects(), text(get_bounding_rect(), buffer));
+    for (int i = 0; i < numRects(); ++i)
+        std::fprintf(out, "    rect %s\n", text(boxRect(rgn->rects[i]), buffer));
+}
+
+} // namespace rfb
