@@ -33,6 +33,8 @@ public:
     LogDestMem& memory() { return store; }
 
 private:
+    friend struct LogRegistryTest;
+
     struct Element { // of a specification: <log>:<target>:<level>
         std::string pattern;
         std::string target;
