@@ -52,10 +52,10 @@ int placeBefore(const char* text, int start, int pos, int end, bool words) {
     return pos;
 }
 
-/// The first place behind `pos` where a line may end, at most `end`.
-int placeBehind(const char* text, int pos, int end, bool words) {
+/// The first place behind `pos` where a line may end; `limit` if there is none before it.
+int placeBehind(const char* text, int pos, int limit, int end, bool words) {
     pos = nextChar(text, pos, end);
-    while (words && pos < end && !isWordEnd(text, pos, end))
+    while (words && pos < limit && !isWordEnd(text, pos, end))
         ++pos;
     return pos;
 }
@@ -171,14 +171,14 @@ int Markup::Layout::fitting(size_t run, int start, int end, bool words) {
     for (int round = 0; good < tooFar; ++round) {
         int place = placeBefore(text, start, guess, end, words);
         if (place <= good)
-            place = placeBehind(text, good, end, words);
+            place = placeBehind(text, good, tooFar, end, words);
         if (place >= tooFar)
             break;
         const bool placeFits = measure(run, start, place) <= room;
         (placeFits ? good : tooFar) = place;
         // The guess is mostly off by little: look right beside it before halving what is left.
         if (round == 0)
-            guess = placeFits ? placeBehind(text, place, end, words) : place - 1;
+            guess = placeFits ? placeBehind(text, place, tooFar, end, words) : place - 1;
         else
             guess = good + (tooFar - good) / 2;
     }

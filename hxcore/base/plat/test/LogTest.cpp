@@ -274,7 +274,7 @@ TEST(Log, ListsBreakBetweenNames) {
         char* text = nullptr;
         size_t size = 0;
         FILE* const out = open_memstream(&text, &size);
-        logListSources(27, out);
+        logListSources(24, out);
         fclose(out);
         EXPECT_EQ(std::string(text).substr(0, 42), "LastOfTheThree, B,\n  LongNameOfASource,\n  ");
         std::free(text);
