@@ -1,0 +1,318 @@
+#include "plat/file.h"
+
+#include "CapturedLog.h"
+#include "TempDir.h"
+#include "plat/Exception.h"
+#include "plat/FilePtr.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+
+namespace plat {
+namespace {
+
+class FileTest : public testing::Test {
+protected:
+    std::string path(const std::string& name) const { return dir / name; }
+
+    mode_t modeOf(const std::string& name) const {
+        struct stat info {};
+        EXPECT_EQ(lstat(path(name).c_str(), &info), 0) << name;
+        return info.st_mode & 07777;
+    }
+
+    TempDir dir;
+};
+
+/// Sets the umask for a scope.
+class UmaskScope {
+public:
+    explicit UmaskScope(mode_t mask) : old(umask(mask)) {}
+    ~UmaskScope() { umask(old); }
+
+private:
+    mode_t old;
+};
+
+template <class Call>
+int thrownErrno(Call call) {
+    try {
+        call();
+    } catch (const SystemException& e) {
+        return e.errNo;
+    }
+    return 0;
+}
+
+template <class Call>
+std::string thrownText(Call call) {
+    try {
+        call();
+    } catch (const Exception& e) {
+        return e.what();
+    }
+    return "nothing thrown";
+}
+
+TEST_F(FileTest, FailuresNameTheFunctionAndThePath) {
+    const std::string none = path("none");
+    const std::string tail = ": No such file or directory (2)";
+    const char* p = none.c_str();
+    EXPECT_EQ(thrownText([&] { fileGetSize(p); }), "fileGetSize(" + none + ")" + tail);
+    EXPECT_EQ(thrownText([&] { fileGetTime(p); }), "fileGetTime(" + none + ")" + tail);
+    EXPECT_EQ(thrownText([&] { fileSetTime(p, Time::now()); }), "fileSetTime(" + none + ")" + tail);
+    EXPECT_EQ(thrownText([&] { fileRemove(p); }), "fileRemove(" + none + ")" + tail);
+    EXPECT_EQ(thrownText([&] { fileRename(p, "x"); }), "fileRename(" + none + ",x)" + tail);
+    EXPECT_EQ(thrownText([&] { fileOpenFd(p, O_RDONLY); }), "fileOpenFd(" + none + ")" + tail);
+    EXPECT_EQ(thrownText([&] { fileMakePrivate(p); }), "fileOpenFd(" + none + ")" + tail);
+    EXPECT_EQ(thrownText([&] { fileMakeSticky(p); }), "fileMakeSticky(" + none + ")" + tail);
+    EXPECT_EQ(thrownText([&] { fileCopyPerms(p, 0); }), "fileCopyPerms(" + none + ")" + tail);
+    EXPECT_EQ(thrownText([&] { mkDir((none + "/a").c_str()); }), "mkDir(" + none + "/a)" + tail);
+    EXPECT_EQ(thrownText([&] { rmDir(p); }), "rmDir(" + none + ")" + tail);
+    EXPECT_EQ(thrownText([&] { rmDir(p, /*recursive=*/true); }), "rmDir(" + none + ")" + tail);
+    EXPECT_EQ(thrownText([&] { fileTruncate(-1, 0); }), "fileTruncate(-1): Bad file descriptor (9)");
+    EXPECT_EQ(thrownErrno([&] { fileTell(-1); }), EBADF);
+    EXPECT_EQ(thrownErrno([&] { fileSeek(-1, 0); }), EBADF);
+    EXPECT_EQ(thrownErrno([&] { fileLock(-1); }), EBADF);
+    EXPECT_EQ(thrownErrno([&] { fileTryLock(-1); }), EBADF);
+    EXPECT_EQ(thrownErrno([&] { fileUnlock(-1); }), EBADF);
+    EXPECT_FALSE(fileRemove(p, /*mayBeMissing=*/true));
+    EXPECT_FALSE(fileExists(p));
+    EXPECT_FALSE(fileExists(nullptr));
+    EXPECT_EQ(thrownErrno([&] { fileExists(std::string(5000, 'x').c_str()); }), ENAMETOOLONG);
+}
+
+TEST_F(FileTest, TimesSizesAndNames) {
+    const std::string a = path("a");
+    writeTextFile(a, "hello");
+    EXPECT_EQ(fileGetSize(a.c_str()), 5);
+    for (const Time t : {Time::fromUnix(1709208000) + 1234567, Time::fromUnix(-1) + 5}) {
+        fileSetTime(a.c_str(), t);
+        EXPECT_EQ(fileGetTime(a.c_str()), t);
+    }
+    fileRename(a.c_str(), path("b").c_str());
+    EXPECT_FALSE(fileExists(a.c_str()));
+    EXPECT_FALSE(fileExists((path("b") + "/below").c_str()));
+    EXPECT_EQ(fileReadAll(path("b").c_str()), "hello");
+    EXPECT_EQ(fileReadAll(path("b").c_str(), 5), "hello");
+    EXPECT_EQ(thrownErrno([&] { fileReadAll(path("b").c_str(), 4); }), EFBIG);
+    EXPECT_EQ(thrownErrno([&] { fileReadAll(dir.root.c_str()); }), EISDIR);
+    EXPECT_TRUE(fileRemove(path("b").c_str()));
+}
+
+TEST_F(FileTest, DescriptorsCloseOnExecAndSeek) {
+    const int fd = fileOpenFd(path("f").c_str(), O_RDWR | O_CREAT);
+    EXPECT_TRUE(fcntl(fd, F_GETFD) & FD_CLOEXEC);
+    fileTruncate(fd, 100);
+    fileSeek(fd, 42);
+    EXPECT_EQ(fileTell(fd), 42);
+    EXPECT_EQ(fileGetSize(path("f").c_str()), 100);
+    EXPECT_TRUE(fileIsSameAsFd(path("f").c_str(), fd));
+    symlink(path("f").c_str(), path("link").c_str());
+    EXPECT_FALSE(fileIsSameAsFd(path("link").c_str(), fd));
+    fileRename(path("f").c_str(), path("g").c_str());
+    EXPECT_FALSE(fileIsSameAsFd(path("f").c_str(), fd));
+    EXPECT_EQ(thrownErrno([&] { fileIsSameAsFd(std::string(5000, 'x').c_str(), fd); }), ENAMETOOLONG);
+    close(fd);
+}
+
+TEST_F(FileTest, LocksExcludeOtherDescriptors) {
+    const std::string f = path("lock");
+    const int first = fileOpenFd(f.c_str(), O_RDWR | O_CREAT);
+    const int second = fileOpenFd(f.c_str(), O_RDWR);
+    fileLock(first);
+    EXPECT_FALSE(fileTryLock(second));
+    fileUnlock(first);
+    EXPECT_TRUE(fileTryLock(second, /*exclusive=*/false));
+    EXPECT_TRUE(fileTryLock(first, /*exclusive=*/false));
+    EXPECT_FALSE(fileTryLock(first));
+    close(first);
+    close(second);
+}
+
+TEST_F(FileTest, OwnFilesAreNoLinksPipesOrDirectories) {
+    const std::string f = path("own");
+    const int fd = fileOpenOwnFd(f.c_str(), O_WRONLY | O_CREAT | O_APPEND);
+    EXPECT_EQ(modeOf("own"), 0600u);
+    EXPECT_EQ(fcntl(fd, F_GETFL) & (O_APPEND | O_NONBLOCK), O_APPEND);
+    close(fd);
+    writeTextFile(f, "text");
+    symlink(f.c_str(), path("link").c_str());
+    EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(path("link").c_str(), O_WRONLY | O_TRUNC); }), ELOOP);
+    EXPECT_EQ(readTextFile(f), "text");
+    close(fileOpenOwnFd(f.c_str(), O_WRONLY | O_TRUNC));
+    EXPECT_EQ(readTextFile(f), "");
+    ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
+    EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(path("fifo").c_str(), O_RDONLY); }), EPERM);
+    EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(path("fifo").c_str(), O_WRONLY); }), ENXIO); // and doesn't wait
+    EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(dir.root.c_str(), O_RDONLY); }), EPERM);
+    EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd("/dev/null", O_RDONLY); }), EPERM);
+}
+
+TEST_F(FileTest, PermissionsAreCopiedAndNarrowed) {
+    const std::string from = path("from");
+    writeTextFile(from, "");
+    chmod(from.c_str(), 04751);
+    const int fd = fileOpenFd(path("to").c_str(), O_RDWR | O_CREAT);
+    fileCopyPerms(from.c_str(), fd);
+    EXPECT_EQ(modeOf("to"), 0751u);
+    fileMakePrivate(fd);
+    EXPECT_EQ(modeOf("to"), 0600u);
+    close(fd);
+    fileMakePrivate(from.c_str());
+    EXPECT_EQ(modeOf("from"), 0600u);
+    symlink(from.c_str(), path("link").c_str());
+    EXPECT_EQ(thrownErrno([&] { fileMakePrivate(path("link").c_str()); }), ELOOP);
+    EXPECT_EQ(thrownErrno([&] { fileCopyPerms(path("link").c_str(), 0); }), EINVAL);
+    mkDir(path("d").c_str());
+    chmod(path("d").c_str(), 0755);
+    fileMakeSticky(path("d").c_str());
+    EXPECT_EQ(modeOf("d"), 01755u);
+}
+
+TEST_F(FileTest, PrivateDirectoriesAreSoWhateverTheUmask) {
+    {
+        UmaskScope mask(0777);
+        mkDir(path("private").c_str(), /*isPrivate=*/true);
+    }
+    EXPECT_EQ(modeOf("private"), 0700u);
+    UmaskScope mask(022);
+    mkDir(path("plain").c_str());
+    EXPECT_EQ(modeOf("plain"), 0755u);
+    mkDir(path("plain").c_str(), /*isPrivate=*/true); // exists: no error, and left alone
+    EXPECT_EQ(modeOf("plain"), 0755u);
+    mkDir(path("plain").c_str(), /*isPrivate=*/true, /*fixPerms=*/true);
+    EXPECT_EQ(modeOf("plain"), 0700u);
+    symlink(path("plain").c_str(), path("link").c_str());
+    mkDir(path("link").c_str());
+    EXPECT_EQ(thrownErrno([&] { mkDir(path("link").c_str(), /*isPrivate=*/true, /*fixPerms=*/true); }), EPERM);
+    writeTextFile(path("file"), "");
+    EXPECT_EQ(thrownErrno([&] { mkDir(path("file").c_str()); }), EEXIST);
+}
+
+TEST_F(FileTest, ParentsAreMadeAndMatched) {
+    UmaskScope mask(022);
+    mkDirs(path("a/b//c/").c_str(), /*isPrivate=*/true);
+    EXPECT_EQ(modeOf("a"), 0755u);
+    EXPECT_EQ(modeOf("a/b/c"), 0700u);
+    mkDirs(path("a/b/c").c_str());
+    chmod(path("a/b").c_str(), 0711);
+    mkDirMatchParent(path("a/b/d").c_str());
+    EXPECT_EQ(modeOf("a/b/d"), 0711u);
+    chmod(path("a/b/d").c_str(), 0700);
+    mkDirMatchParent(path("a/b/d").c_str());
+    EXPECT_EQ(modeOf("a/b/d"), 0700u);
+    EXPECT_EQ(thrownErrno([&] { mkDirMatchParent(path("x/y").c_str()); }), ENOENT);
+    std::string deep = "/";
+    for (int i = 0; i < 100000; ++i)
+        deep += "a/";
+    EXPECT_EQ(thrownErrno([&] { mkDirs(deep.c_str()); }), ENAMETOOLONG);
+}
+
+TEST_F(FileTest, RecursiveRemovalDoesNotFollowLinks) {
+    mkDirs(path("tree/a/b").c_str());
+    mkDirs(path("outside").c_str());
+    writeTextFile(path("outside/kept"), "kept");
+    writeTextFile(path("tree/a/file"), "");
+    symlink(path("outside").c_str(), path("tree/a/link").c_str());
+    EXPECT_EQ(thrownErrno([&] { rmDir(path("tree").c_str()); }), ENOTEMPTY);
+    rmDir(path("tree").c_str(), /*recursive=*/true);
+    EXPECT_FALSE(fileExists(path("tree").c_str()));
+    EXPECT_EQ(readTextFile(path("outside/kept")), "kept");
+    symlink(path("outside").c_str(), path("root").c_str());
+    EXPECT_NE(thrownErrno([&] { rmDir(path("root").c_str(), /*recursive=*/true); }), 0);
+    EXPECT_EQ(readTextFile(path("outside/kept")), "kept");
+}
+
+TEST_F(FileTest, UniqueNamesCountBeforeTheExtension) {
+    const auto next = [&](const char* name) { return std::string(fileUniqueName(dir.root.c_str(), name).c_str()); };
+    EXPECT_EQ(next("a.tar.gz"), path("a.tar.gz"));
+    writeTextFile(path("a.tar.gz"), "");
+    EXPECT_EQ(next("a.tar.gz"), path("a.tar (1).gz"));
+    symlink("/nowhere", path("a.tar (1).gz").c_str());
+    EXPECT_EQ(next("a.tar.gz"), path("a.tar (2).gz"));
+    writeTextFile(path(".profile"), "");
+    EXPECT_EQ(next(".profile"), path(".profile (1)"));
+    EXPECT_EQ(thrownText([&] { fileUniqueName(dir.root.c_str(), "a.tar.gz", " (", ")", 1); }),
+              "Too many files with same name");
+    EXPECT_EQ(std::string(fileUniqueName(dir.root.c_str(), "a.tar.gz", "-", "").c_str()), path("a.tar-1.gz"));
+    EXPECT_EQ(thrownErrno([&] { fileUniqueName(path(".profile").c_str(), "x"); }), ENOTDIR);
+}
+
+TEST_F(FileTest, FilePtrModes) {
+    UmaskScope mask(0);
+    const std::string f = path("f");
+    const char* p = f.c_str();
+    EXPECT_EQ(thrownText([&] { FilePtr file(p); }), "Error opening \"" + f + "\": No such file or directory (2)");
+    EXPECT_FALSE(FilePtr(p, FileRead, FileOptional).isOpen());
+    EXPECT_EQ(thrownErrno([&] { FilePtr file(p, FileReadWrite); }), ENOENT);
+    {
+        FilePtr file(p, FileWrite);
+        EXPECT_TRUE(fcntl(file.fd(), F_GETFD) & FD_CLOEXEC);
+        std::fputs("one", file.get());
+        file.close();
+        EXPECT_EQ(file.fd(), -1);
+    }
+    EXPECT_EQ(modeOf("f"), 0664u);
+    {
+        FilePtr file(p, FileWrite, FileAppend);
+        std::fputs(" two", file.get());
+    }
+    EXPECT_EQ(readTextFile(f), "one two");
+    {
+        FilePtr file(p, FileReadWrite);
+        std::fputs("ONE", file.get());
+        FilePtr moved = std::move(file);
+        EXPECT_FALSE(file); // NOLINT(bugprone-use-after-move)
+        EXPECT_STREQ(moved.getPath(), p);
+    }
+    EXPECT_EQ(readTextFile(f), "ONE two");
+    FilePtr(p, FileReadWrite, FileTruncate).close();
+    EXPECT_EQ(readTextFile(f), "");
+    FilePtr(path("new").c_str(), FileReadWrite, FileCreate | FilePrivate).close();
+    EXPECT_EQ(modeOf("new"), 0600u);
+    FilePtr appender(p, FileReadWrite, FileAppend);
+    std::fputs("x", appender.get());
+    appender.close();
+    EXPECT_EQ(readTextFile(f), "x");
+    symlink(p, path("link").c_str());
+    EXPECT_EQ(thrownErrno([&] { FilePtr file(path("link").c_str(), FileRead, FileOwn); }), ELOOP);
+    FilePtr own(p, FileRead, FileOwn);
+    std::FILE* released = own.release();
+    EXPECT_FALSE(own.isOpen());
+    std::fclose(released);
+}
+
+TEST_F(FileTest, DashIsTheStandardStreamAndStaysOpen) {
+    {
+        FilePtr in("-");
+        EXPECT_EQ(in.get(), stdin);
+        FilePtr out("-", FileWrite);
+        EXPECT_EQ(out.get(), stdout);
+    }
+    EXPECT_GE(fcntl(fileno(stdout), F_GETFD), 0);
+    EXPECT_EQ(thrownText([] { FilePtr both("-", FileReadWrite); }), "Invalid mode for stdin/stdout");
+}
+
+TEST_F(FileTest, FullDiskShowsAtCloseAndIsLoggedByTheDestructor) {
+    FilePtr file("/dev/full", FileWrite);
+    std::fputs("x", file.get());
+    EXPECT_EQ(thrownErrno([&] { file.close(); }), ENOSPC);
+    EXPECT_FALSE(file.isOpen());
+    CapturedLog log;
+    {
+        FilePtr again("/dev/full", FileWrite);
+        std::fputs("x", again.get());
+    }
+    EXPECT_TRUE(log.has("0 FilePtr: Error closing \"/dev/full\": No space left on device (28)"));
+    EXPECT_EQ(thrownErrno([&] { file.adopt(-1, "none", "r"); }), EBADF);
+}
+
+} // namespace
+} // namespace plat
