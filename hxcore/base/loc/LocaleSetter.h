@@ -1,18 +1,17 @@
 // A scope in the user's locale, or in another language.
 #pragma once
 
+#include "loc/osLocale.h"
 #include "plat/NonCopyable.h"
-#include "plat/String.h"
 
 #include <locale.h>
+
 #include <memory>
 #include <string>
 
 namespace loc {
 
 class TransMap;
-
-enum class Charset { Unknown, Utf8, Iso8859_1, Ascii };
 
 /// Puts the thread into the user's locale while it lives; the process stays in the C locale otherwise.
 ///
@@ -22,22 +21,22 @@ public:
     explicit LocaleSetter(const char* localeList = nullptr); ///< null or empty: the locale in force
     ~LocaleSetter();
 
-    static LocaleSetter* current();                              ///< the thread's innermost, may be null
-    static const LocaleSetter* currentWithList();                ///< the innermost that has a list, may be null
-    const char* getOsLocale() const { return osLocale.c_str(); } ///< "C" if nothing better works
-    Charset getCharset() const { return charset; }
+    static const LocaleSetter* current();         ///< the thread's innermost, or null
+    static const LocaleSetter* currentWithList(); ///< the innermost that has a list, or null
+
+    const char* getOsLocale() const { return osLocale.name.c_str(); }
+    Charset getCharset() const { return osLocale.charset; }
     const char* getLocaleList() const { return localeList.c_str(); } ///< "" if it chose no new one
 
 private:
     void chooseLanguage(const char* list);
 
-    std::string osLocale = "C";
-    Charset charset = Charset::Ascii;
+    OsLocale osLocale;
     std::string localeList;
     LocaleSetter* previous;
     std::unique_ptr<TransMap> transMap; // null unless a list was given
-    locale_t formerLocale = nullptr;    // null: newlocale failed, and the scope stays in the former one
-    locale_t ownLocale = nullptr;
+    locale_t ownLocale;                 // null: there is none, and the scope stays in the former one
+    locale_t formerLocale = nullptr;
 };
 
 } // namespace loc

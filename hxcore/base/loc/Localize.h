@@ -5,6 +5,7 @@
 #include "plat/ConfigParameter.h"
 #include "plat/String.h"
 
+#include <cstdint>
 #include <map>
 #include <mutex>
 #include <set>
@@ -20,9 +21,9 @@ namespace loc {
 
 /// All catalogs, and the list of locales that the process speaks.
 ///
-/// Texts compiled into the libraries are there from static start-up; lookups before init report missing text. A
-/// pointer that was handed out stays valid to the end of the process, unless a text file replaces the entry. One key is
-/// used either raw (to be formatted) or plain all through the program; mixing the two is a failed assertion.
+/// Texts compiled into the libraries are there from static start-up; lookups before init report missing text. A text
+/// that was handed out stays as it is to the end of the process. One key is used either raw (to be formatted) or plain
+/// all through the program; mixing the two is a failed assertion.
 class Localize : public plat::ParameterChangedCallback {
 public:
     static Localize& instance(); ///< kept to the end of the process
@@ -47,7 +48,7 @@ public:
 
     /// Adds a text that stays valid to the end of the process; sorted runs of one language need no search. The first
     /// text of a key stays.
-    void addString(const char* language, const char* key, const char* text);
+    void addString(const char* language, const char* key, const char* str);
     /// Adds or replaces a text; it is copied.
     void addTranslation(const char* language, const char* key, const char* text);
     /// Reads a text file of `locale`; lines that are wrong are logged and skipped. `name` is for messages.
@@ -65,21 +66,24 @@ private:
 
     Localize();
     void takeCompiledTexts();
-    Catalog* findCatalog(std::string_view locale);
-    const char* hand(std::string_view key, Translation& translation, bool raw);
-    void loadLocale(const std::string& locale);
-    void loadResource(const std::string& locale);
-    void loadFile(const std::string& dir, const std::string& locale);
+    Catalog* findCatalog(std::string_view locale); // null if there is none
+    const char* hand(const char* key, Translation& translation, bool raw);
+    void addSystemLocales();
+    void exportLanguage() const;
+    bool loadLocale(const std::string& locale);
     void rebuild(TransMap& map);
 
     mutable std::recursive_mutex mutex;
     Catalogs catalogs;
+    uint64_t version = 1; // grows with each change of the catalogs
     std::vector<std::string> locales;
     std::vector<std::string> searchDirs;
-    std::set<std::string> loadedLocales;
+    std::set<std::string> loadedLocales; // looked for, found or not
     std::string lastLogged;
-    Catalogs::iterator lastCatalog; // of addString, end() at first
-    Catalog::iterator lastPlace;    // where addString inserted
+    bool initialised = false;
+    Catalog* lastCatalog = nullptr; // where addString was, null at first
+    std::string_view lastLanguage;
+    Catalog::iterator lastPlace;
 };
 
 /// Makes missing or bad text end the process: for tests of the catalogs.

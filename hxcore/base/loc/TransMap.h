@@ -3,6 +3,7 @@
 
 #include "plat/NonCopyable.h"
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
@@ -10,29 +11,30 @@
 
 namespace loc {
 
-enum class TransState {
-    Unused,    ///< not asked for yet
-    Raw,       ///< handed out raw: the caller fills in the arguments
-    Formatted, ///< handed out as plain text: "%%" has been reduced to "%"
+enum TransState {
+    TR_UNUSED,    ///< not asked for yet
+    TR_RAW,       ///< handed out raw: the caller fills in the arguments
+    TR_FORMATTED, ///< handed out as plain text: "%%" has been reduced to "%"
 };
 
 /// One text of a catalog, its own copy or borrowed for good.
-class Translation {
+///
+/// A text that is replaced stays in memory: someone may have been handed it.
+class Translation : private plat::NonCopyable {
 public:
     Translation() = default;
-    ~Translation() { release(); }
-    Translation(const Translation&) = delete;
-    Translation& operator=(const Translation&) = delete;
+    ~Translation();
 
     void borrow(const char* newText); ///< stays valid to the end of the process
-    void copy(const char* newText);   ///< also forgets how it was handed out
-    void reduce(const char* newText); ///< a copy that keeps the state
+    void copy(const char* newText);   ///< also forgets how the text was handed out
+    void reduce();                    ///< to plain text, "%%" to "%"; keeps the state
     const char* getText() const { return text; }
+    bool isOwned() const { return owned; }
 
-    TransState state = TransState::Unused;
+    TransState state = TR_UNUSED;
 
 private:
-    void release();
+    void adopt(char* newText);
 
     const char* text = "";
     bool owned = false;
@@ -49,12 +51,13 @@ public:
     static TransMap& current(); ///< the thread's top one, or the process's
 
     TransMap() = default;
-    ~TransMap(); ///< if pushed, it is the thread's top one
+    ~TransMap(); ///< if pushed, it must be the thread's top one
 
     void push(); ///< onto the thread's stack
 
     std::map<std::string_view, Translation*> entries; // keys and texts lie in the catalogs
     std::vector<std::string> locales;                 // the expanded list
+    uint64_t version = 0;                             // of the catalogs that the entries show
 
 private:
     TransMap* previous = nullptr;
