@@ -6,6 +6,7 @@
 #include "loc/localeNames.h"
 #include "loc/osLocale.h"
 #include "plat/Assert.h"
+#include "plat/Exception.h"
 #include "plat/LogSrc.h"
 #include "plat/builtInResource.h"
 #include "plat/catalogTable.h"
@@ -16,7 +17,9 @@
 #include "rdr/MemInStream.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
+#include <iterator>
 
 namespace loc {
 

@@ -1,6 +1,7 @@
 #include "loc/datePattern.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <langinfo.h>
 #include <string_view>
 #include <vector>
