@@ -1,0 +1,204 @@
+#include "wvw/test/FakeParent.h"
+
+#include "wvw/WMenu.h"
+
+#include "rfb/keySymbols.h"
+
+#include <memory>
+
+namespace wvw {
+namespace {
+
+namespace key = rfb::key;
+using rfb::Point;
+
+struct MenuTest : testing::Test, WRootMenu::Callback, WInputHandler {
+    Box box;
+    FakeParent window{&box};
+    WMenuItem open{"&Open"};
+    WMenuItem line{nullptr};
+    WMenuItem off{"O&ff"};
+    WMenuItem more{"&More"};
+    WMenuItem quit{"&Quit"};
+    WMenuItem inner{"I&nner"};
+    WMenu submenu;
+    WRootMenu menu{this};
+    int hidden = 0;
+    std::vector<Widget*> chosen;
+
+    void SetUp() override {
+        for (WMenuItem* item : {&open, &line, &off, &more, &quit})
+            menu.add(item);
+        submenu.add(&inner);
+        more.setSubmenu(&submenu);
+        off.setEnabled(false);
+        menu.setHandler(this);
+        inner.setHandler(this);
+    }
+    FakeParent& popup() { return *window.popupOf(&menu); }
+    void show() { menu.show(&window, {10, 10}); }
+
+    // WRootMenu::Callback, WInputHandler
+    void menuHidden(WRootMenu*) override { ++hidden; }
+    bool activated(Widget* origin) override {
+        EXPECT_FALSE(menu.isShown()); // it goes before the choice acts
+        chosen.push_back(origin);
+        return true;
+    }
+};
+
+TEST_F(MenuTest, ArrowsSkipWhatCannotBeChosenAndWrap) {
+    show();
+    EXPECT_TRUE(popup().grabbed);
+    std::vector<WMenuItem*> seen;
+    for (int i = 0; i < 4; ++i) {
+        popup().key(key::Down);
+        seen.push_back(menu.getSelected());
+    }
+    EXPECT_EQ(seen, (std::vector<WMenuItem*>{&open, &more, &quit, &open}));
+    popup().key(key::Up);
+    EXPECT_EQ(menu.getSelected(), &quit);
+    popup().key(key::Return);
+    EXPECT_EQ(chosen, (std::vector<Widget*>{&quit}));
+    EXPECT_EQ(hidden, 1);
+    EXPECT_EQ(window.popupOf(&menu), nullptr);
+}
+
+TEST_F(MenuTest, LettersChooseCapitalsIncludedButNotWhatIsOff) {
+    show();
+    EXPECT_FALSE(popup().key('f'));
+    EXPECT_FALSE(popup().key('x'));
+    EXPECT_TRUE(menu.isShown());
+    popup().key('O');
+    EXPECT_EQ(chosen, (std::vector<Widget*>{&open}));
+}
+
+TEST_F(MenuTest, KeysReachTheDeepestMenuThroughTheGrabOfTheFirst) {
+    show();
+    popup().key(key::Down);
+    popup().key(key::Down);
+    popup().key(key::Right);
+    ASSERT_TRUE(window.popupOf(&submenu));
+    EXPECT_FALSE(window.popupOf(&submenu)->grabbed);
+    EXPECT_EQ(submenu.getSelected(), &inner);
+    EXPECT_GE(window.popupOf(&submenu)->position.x, 10 + menu.getWidth() - 4);
+    popup().key(key::Left);
+    EXPECT_FALSE(submenu.isShown());
+    EXPECT_TRUE(menu.isShown());
+    popup().key(key::Right);
+    popup().key('n');
+    EXPECT_EQ(chosen, (std::vector<Widget*>{&inner}));
+    EXPECT_FALSE(submenu.isShown());
+    EXPECT_EQ(hidden, 1);
+
+    show();
+    popup().key('m');
+    ASSERT_TRUE(submenu.isShown());
+    popup().key(key::Escape); // closes all
+    EXPECT_EQ(window.anyPopup(), nullptr);
+    EXPECT_EQ(chosen.size(), 1u);
+}
+
+TEST_F(MenuTest, ThePointerSelectsAndAClickChooses) {
+    show();
+    const Point at = menu.getChildPosition(&open) + Point(5, 5);
+    popup().move(at.x, at.y);
+    EXPECT_EQ(menu.getSelected(), &open);
+    const Point dead = menu.getChildPosition(&off) + Point(5, 5);
+    popup().click(dead.x, dead.y);
+    EXPECT_TRUE(menu.isShown());
+    const Point on = menu.getChildPosition(&more) + Point(5, 5);
+    popup().move(on.x, on.y);
+    EXPECT_TRUE(submenu.isShown());
+    popup().move(at.x, at.y);
+    EXPECT_FALSE(submenu.isShown());
+    popup().click(at.x, at.y);
+    EXPECT_EQ(chosen, (std::vector<Widget*>{&open}));
+}
+
+TEST_F(MenuTest, AWindowTakenAwayFromOutsideCountsAsHidden) {
+    show();
+    popup().key('m');
+    window.showPopup(&menu, /*show=*/false, /*grab=*/false, {});
+    EXPECT_EQ(window.anyPopup(), nullptr);
+    EXPECT_EQ(hidden, 1);
+    EXPECT_FALSE(menu.isShown());
+    show();
+    EXPECT_EQ(menu.getSelected(), nullptr);
+    menu.dismiss();
+    EXPECT_EQ(hidden, 2);
+}
+
+TEST_F(MenuTest, ItStaysOnTheScreenAndHiddenItemsTakeNoRoom) {
+    const Point whole = menu.getPreferredSize();
+    quit.setVisible(false);
+    EXPECT_LT(menu.getPreferredSize().y, whole.y);
+    quit.setVisible(true);
+    menu.show(&window, {990, 795});
+    EXPECT_EQ(popup().position, Point(1000 - whole.x, 800 - whole.y));
+    menu.showRightAligned(&window, {500, 20});
+    EXPECT_EQ(popup().position, Point(500 - whole.x, 20));
+    popup().key('m'); // the submenu fits on the right
+    EXPECT_EQ(window.popupOf(&submenu)->position.x, 500 - 4);
+    menu.dismiss();
+    menu.show(&window, {1000, 20});
+    popup().key('m'); // and here only on the left
+    EXPECT_EQ(window.popupOf(&submenu)->position.x, 1000 - whole.x - submenu.getWidth());
+}
+
+TEST_F(MenuTest, TooHighAMenuContinuesInColumns) {
+    const Point whole = menu.getPreferredSize();
+    menu.setMaxHeight(whole.y - 1);
+    const Point split = menu.getPreferredSize();
+    EXPECT_GT(split.x, whole.x);
+    EXPECT_LT(split.y, whole.y);
+    EXPECT_GT(menu.getChildPosition(&quit).x, menu.getChildPosition(&open).x);
+    EXPECT_EQ(menu.getChildPosition(&quit).y, menu.getChildPosition(&open).y);
+}
+
+TEST_F(MenuTest, AnItemMayDieWhileItIsShown) {
+    auto extra = std::make_unique<WMenuItem>("E&xtra");
+    menu.add(extra.get(), &open);
+    show();
+    popup().key(key::Down);
+    EXPECT_EQ(menu.getSelected(), extra.get());
+    extra.reset();
+    EXPECT_EQ(menu.getSelected(), nullptr);
+    EXPECT_EQ(menu.itemCount(), 5u);
+    popup().key(key::Down);
+    EXPECT_EQ(menu.getSelected(), &open);
+}
+
+/// Deletes the menu with what was chosen in it.
+class MenuKiller : public WInputHandler {
+public:
+    bool activated(Widget*) override {
+        item.reset();
+        menu.reset();
+        return true;
+    }
+    std::unique_ptr<WMenuItem> item = std::make_unique<WMenuItem>("&Die");
+    std::unique_ptr<WRootMenu> menu = std::make_unique<WRootMenu>();
+};
+
+TEST_F(MenuTest, AChoiceMayDeleteTheMenu) {
+    for (const bool byKey : {true, false}) {
+        MenuKiller killer;
+        killer.menu->add(killer.item.get());
+        killer.item->setHandler(&killer);
+        killer.menu->show(&window, {10, 10});
+        FakeParent* shown = window.popupOf(killer.menu.get());
+        ASSERT_TRUE(shown);
+        if (byKey) {
+            shown->key('d');
+        } else {
+            const Point at = killer.menu->getChildPosition(killer.item.get()) + Point(5, 5);
+            shown->click(at.x, at.y);
+        }
+        EXPECT_EQ(killer.menu, nullptr);
+        EXPECT_EQ(window.anyPopup(), nullptr);
+    }
+}
+
+} // namespace
+} // namespace wvw

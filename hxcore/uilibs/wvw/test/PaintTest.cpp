@@ -1,0 +1,177 @@
+#include "wvw/test/FakeParent.h"
+
+#include "wvw/WCanvas.h"
+
+#include <climits>
+
+namespace wvw {
+namespace {
+
+using rfb::Point;
+using rfb::Rect;
+
+struct PaintTest : testing::Test {
+    WCanvas root;
+    WLayout inner{&root};
+    Box box{&inner};
+    FakeParent window{&root};
+
+    void SetUp() override {
+        root.setChildRect(&inner, {20, 10, 80, 60});
+        inner.setChildRect(&box, {5, 5, 25, 15});
+        window.paintAll();
+        box.takeLog();
+    }
+};
+
+TEST_F(PaintTest, AChildPaintsInItsOwnCoordinatesAndNotBeyondItsRect) {
+    EXPECT_EQ(window.pixelAt(25, 15), 0x0a141eu);
+    EXPECT_EQ(window.pixelAt(44, 24), 0x0a141eu);
+    EXPECT_EQ(window.pixelAt(24, 15), 0xd8d8d8u);
+    EXPECT_EQ(window.pixelAt(45, 24), 0xd8d8d8u);
+    EXPECT_EQ(window.countPixels({0, 0, 200, 100}, 0x0a141e), 20 * 10);
+    EXPECT_EQ(box.painted, Rect(0, 0, 20, 10));
+}
+
+TEST_F(PaintTest, OnlyWhatIsInvalidIsPainted) {
+    box.colour = {200, 0, 0};
+    box.invalidate(rfb::Region(Rect(2, 2, 4, 5)));
+    EXPECT_EQ(window.invalidArea(), Rect(27, 17, 29, 20));
+    window.paint();
+    EXPECT_EQ(box.painted, Rect(2, 2, 4, 5));
+    EXPECT_EQ(window.countPixels({0, 0, 200, 100}, 0xc80000), 2 * 3);
+
+    box.paints = 0;
+    root.invalidate(rfb::Region(Rect(100, 50, 120, 60))); // beside it
+    window.paint();
+    EXPECT_EQ(box.paints, 0);
+}
+
+TEST_F(PaintTest, AChildThatReachesOutsideIsCutOff) {
+    inner.setChildRect(&box, {-5, -5, 200, 200});
+    window.paint();
+    EXPECT_EQ(window.countPixels({0, 0, 200, 100}, 0x0a141e), 60 * 50);
+    EXPECT_EQ(box.painted.tl, Point(5, 5));
+}
+
+TEST_F(PaintTest, MovingInvalidatesTheOldAndTheNewPlace) {
+    inner.moveChild(&box, {5, 5});
+    EXPECT_TRUE(window.invalidArea().isEmpty());
+    inner.moveChild(&box, {30, 35});
+    EXPECT_EQ(window.invalidArea(), Rect(25, 15, 70, 55));
+    window.paint();
+    EXPECT_EQ(window.pixelAt(25, 15), 0xd8d8d8u);
+    EXPECT_EQ(window.pixelAt(50, 45), 0x0a141eu);
+}
+
+TEST_F(PaintTest, ANewSizeInvalidatesTheLargerOfBothOnce) {
+    box.setSize({20, 10});
+    EXPECT_TRUE(window.invalidArea().isEmpty());
+    EXPECT_EQ(box.takeLog(), "");
+    box.setSize({10, 30});
+    EXPECT_EQ(window.invalidArea(), Rect(25, 15, 45, 45));
+    EXPECT_EQ(box.takeLog(), "size");
+}
+
+TEST_F(PaintTest, HidingAndRemovingPaintWhatWasBelow) {
+    box.setVisible(false);
+    EXPECT_EQ(window.invalidArea(), Rect(25, 15, 45, 25));
+    window.paint();
+    EXPECT_EQ(window.pixelAt(30, 20), 0xd8d8d8u);
+    box.repaint();
+    EXPECT_TRUE(window.invalidArea().isEmpty()); // what is hidden stays silent
+
+    box.setVisible(true);
+    window.paint();
+    EXPECT_EQ(window.pixelAt(30, 20), 0x0a141eu);
+    inner.removeChild(&box);
+    window.paint();
+    EXPECT_EQ(window.pixelAt(30, 20), 0xd8d8d8u);
+    EXPECT_FALSE(box.isAttached());
+}
+
+TEST_F(PaintTest, LaterChildrenLieOnTop) {
+    Box below;
+    below.colour = {0, 0, 200};
+    inner.addChildRect(&below, {0, 0, 60, 50}, &box);
+    window.paint();
+    EXPECT_EQ(window.pixelAt(30, 20), 0x0a141eu);
+    EXPECT_EQ(window.pixelAt(21, 11), 0x0000c8u);
+    window.move(30, 20); // and the topmost gets the mouse
+    EXPECT_EQ(box.takeLog(), "move5,5");
+}
+
+TEST_F(PaintTest, HugeSizesAreClampedToWhatRegionsHold) {
+    box.setSize({INT_MAX / 2, 10});
+    EXPECT_EQ(window.invalidArea(), Rect(25, 15, 32767, 25));
+}
+
+TEST_F(PaintTest, PreferredSizeCountsHiddenChildrenButNotEmptyOnes) {
+    Box empty(&inner);
+    inner.moveChild(&empty, {500, 500});
+    box.setVisible(false);
+    inner.setPadding({3, 4});
+    EXPECT_EQ(inner.getPreferredSize(), Point(28, 19));
+}
+
+TEST_F(PaintTest, BevelsAreTwoWholeFramesWithSoftCorners) {
+    struct Painter : Widget {
+        using Widget::Widget;
+        void paint(rfb::FullFramePixelBuffer& pb) override {
+            drawBevel(pb, getRect(), sunken, thin);
+            if (dots)
+                drawFocus(pb, getRect(), /*dotted=*/true);
+        }
+        bool sunken = false, thin = false, dots = false;
+    } painter(&root);
+    root.setChildRect(&painter, {100, 10, 112, 18});
+    window.paintAll();
+    EXPECT_EQ(window.pixelAt(100, 10), 0xd8d8d8u); // the corner stays unpainted
+    EXPECT_EQ(window.pixelAt(101, 10), 0xa5a5a5u);
+    EXPECT_EQ(window.pixelAt(111, 16), 0xa5a5a5u);
+    EXPECT_EQ(window.pixelAt(101, 11), 0xeeeeeeu);
+    EXPECT_EQ(window.pixelAt(110, 16), 0xeeeeeeu);
+    EXPECT_EQ(window.countPixels({100, 10, 112, 18}, 0xd8d8d8), 8 * 4 + 4);
+
+    painter.sunken = true;
+    window.paintAll();
+    EXPECT_EQ(window.pixelAt(101, 10), 0xeeeeeeu);
+    EXPECT_EQ(window.pixelAt(101, 11), 0xa5a5a5u);
+
+    painter.sunken = false;
+    painter.thin = painter.dots = true;
+    window.paintAll();
+    // Dots: focus colour, gap, white, gap, and so on round the frame.
+    const uint32_t expected[] = {0x000000, 0xa5a5a5, 0xffffff, 0xa5a5a5, 0x000000, 0xa5a5a5};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(window.pixelAt(100 + i, 10), expected[i]) << i;
+    EXPECT_EQ(window.countPixels({100, 10, 112, 18}, 0xffffff), 9);
+    EXPECT_EQ(window.countPixels({100, 10, 112, 18}, 0), 9);
+}
+
+TEST_F(PaintTest, AStyleReachesDownToTheNextOwnOne) {
+    WStyle red = defaultStyle();
+    red.canvas = {200, 0, 0};
+    WCanvas child(&inner);
+    child.setSize({2, 2});
+    root.setStyle(&red);
+    EXPECT_EQ(child.getStyle().canvas, red.canvas);
+    WStyle own = defaultStyle();
+    inner.setStyle(&own);
+    EXPECT_EQ(child.getStyle().canvas, own.canvas);
+    inner.setStyle(nullptr);
+    window.paint();
+    EXPECT_EQ(window.pixelAt(20, 10), 0xc80000u);
+}
+
+TEST(LayoutDeath, AddingTwiceOrNamingStrangersIsAProgrammingError) {
+    WLayout layout;
+    Box box(&layout);
+    Box stranger;
+    EXPECT_DEATH(layout.moveChild(&stranger, {1, 1}), "i != ws.end\\(\\)");
+    EXPECT_DEATH(layout.addChild(&box), "parentLayout");
+    EXPECT_DEATH(stranger.getPosition(), "parentLayout");
+}
+
+} // namespace
+} // namespace wvw
