@@ -54,10 +54,9 @@ void WButton::detach() {
     WLayout::detach();
 }
 
-bool WButton::keyEvent(uint32_t keysym, bool down, Widget* origin) {
-    const bool presses = keysym == rfb::key::Return || keysym == rfb::key::Space;
-    if (origin != this || !down || !presses || !isEnabled())
-        return WLayout::keyEvent(keysym, down, origin);
+bool WButton::ownKey(uint32_t keysym) {
+    if ((keysym != rfb::key::Return && keysym != rfb::key::Space) || !isEnabled())
+        return false;
     press();
     return true;
 }

@@ -23,7 +23,6 @@ public:
     void setVisible(bool on) override;
     void detach() override;
     bool acceptsFocus() override { return focusable && isEnabled() && isVisible(); }
-    bool keyEvent(uint32_t keysym, bool down, Widget* origin) override;
     bool focusChanged(bool backward, Widget* origin) override;
     bool mouseMove(const rfb::Point& position, Widget* origin) override;
     bool mouseDown(int button, Widget* origin) override;
@@ -31,6 +30,9 @@ public:
     bool mouseExit(Widget* origin) override;
 
 protected:
+    // Widget
+    bool ownKey(uint32_t keysym) override;
+
     /// Called before activated(this). Default: nothing.
     virtual void pressedByUser() {}
 

@@ -188,12 +188,11 @@ bool WLabel::focusChanged(bool backward, Widget* origin) {
     return Widget::focusChanged(backward, origin);
 }
 
-bool WLabel::keyEvent(uint32_t keysym, bool down, Widget* origin) {
-    if (origin == this && down && selectable && (keysym == 'a' || keysym == 'A') && ctrlDown()) {
-        setSelection(0, shownText().size());
-        return true;
-    }
-    return Widget::keyEvent(keysym, down, origin);
+bool WLabel::ownKey(uint32_t keysym) {
+    if (!selectable || (keysym != 'a' && keysym != 'A') || !ctrlDown())
+        return false;
+    setSelection(0, shownText().size());
+    return true;
 }
 
 bool WLabel::mouseMove(const Point& position, Widget* origin) {

@@ -41,7 +41,6 @@ public:
     bool sizeChanged(Widget* origin) override;
     bool copy(Widget* origin) override;
     bool focusChanged(bool backward, Widget* origin) override;
-    bool keyEvent(uint32_t keysym, bool down, Widget* origin) override;
     bool mouseMove(const rfb::Point& position, Widget* origin) override;
     bool mouseDown(int button, Widget* origin) override;
     bool mouseUp(int button, Widget* origin) override;
@@ -55,6 +54,9 @@ protected:
         size_t lenBytes;
         int width; // pixels
     };
+
+    // Widget
+    bool ownKey(uint32_t keysym) override; ///< Ctrl+A
 
     /// Splits the text anew for the current width and style, and repaints.
     virtual void layoutText();

@@ -157,12 +157,11 @@ void WRichText::travel(bool backward) {
     parent->ensureVisible(this, runs->getRuns()[static_cast<size_t>(next)].rect);
 }
 
-bool WRichText::keyEvent(uint32_t keysym, bool down, Widget* origin) {
-    if (origin == this && down && keysym == rfb::key::Return && focusRun >= 0 && isEnabled()) {
-        followLink(focusRun);
-        return true;
-    }
-    return WLabel::keyEvent(keysym, down, origin);
+bool WRichText::ownKey(uint32_t keysym) {
+    if (keysym != rfb::key::Return || focusRun < 0 || !isEnabled())
+        return WLabel::ownKey(keysym);
+    followLink(focusRun);
+    return true;
 }
 
 void WRichText::followLink(int run) {

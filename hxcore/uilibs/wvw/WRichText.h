@@ -32,7 +32,6 @@ public:
     int getPreferredHeight(int width) override;
     bool sizeChanged(Widget* origin) override;
     bool acceptsFocus() override;
-    bool keyEvent(uint32_t keysym, bool down, Widget* origin) override;
     bool focusChanged(bool backward, Widget* origin) override;
     bool mouseMove(const rfb::Point& position, Widget* origin) override;
     bool mouseDown(int button, Widget* origin) override;
@@ -41,6 +40,7 @@ public:
 
 protected:
     // Widget
+    bool ownKey(uint32_t keysym) override;
     void travel(bool backward) override; ///< to the next link, if there is one
     bool pressTakesFocus() override;
 

@@ -294,11 +294,19 @@ bool Widget::timerExpired(plat::Timer* timer) {
 bool Widget::isKeyDown(uint32_t keysym) const { return parent && parent->isKeyDown(keysym); }
 
 bool Widget::keyEvent(uint32_t keysym, bool down, Widget* origin) {
-    if (bubble(this, origin, handler, parentHandler,
-               [&](WInputHandler& h) { return h.keyEvent(keysym, down, origin); }))
+    const WidgetWatch self(this);
+    const WidgetWatch originWatch(origin);
+    const bool own = origin == this && down;
+    if (handler && handler->keyEvent(keysym, down, origin))
         return true;
-    return origin == this && down && parent && defaultKey(keysym);
+    if (!self.alive() || !originWatch.alive() || (own && ownKey(keysym)))
+        return true;
+    if (parentHandler && parentHandler->keyEvent(keysym, down, origin))
+        return true;
+    return !self.alive() || (own && parent && defaultKey(keysym));
 }
+
+bool Widget::ownKey(uint32_t) { return false; }
 
 bool Widget::defaultKey(uint32_t keysym) {
     const WidgetWatch self(this);

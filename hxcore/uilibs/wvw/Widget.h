@@ -163,6 +163,8 @@ public:
     void drawFace(rfb::FullFramePixelBuffer& pb, const rfb::Rect& rect, FaceState state) const;
 
 protected:
+    /// A key went down here: called after the own handler and before those above. True if it was used. Default: false.
+    virtual bool ownKey(uint32_t keysym);
     /// Called for Tab, Up and Down that nobody used, while attached. Default: the parent moves the focus.
     virtual void travel(bool backward);
     /// Asked when the left button goes down here. Default: what accepts focus takes it.

@@ -1,11 +1,10 @@
 #include "wvw/test/FakeParent.h"
 
-#include "plat/builtInResource.h"
 #include "plat/monoTime.h"
+#include "registerBuiltInResources.h"
 #include "rfb/renderOps.h"
 
-#include <fstream>
-#include <iterator>
+#include <utility>
 
 namespace wvw {
 namespace {
@@ -14,23 +13,9 @@ int64_t fakeTicks = 0;
 
 int64_t readFakeClock(int64_t, bool*) { return fakeTicks; }
 
-/// Enters a file of the assets as the application would do.
-void enterAsset(const char* folder, const std::string& name) {
-    std::ifstream file(std::string(ZEF_ASSETS) + folder + name, std::ios::binary);
-    auto* bytes = new std::vector<char>(std::istreambuf_iterator<char>(file), {}); // for the life of the process
-    auto* keptName = new std::string(name);
-    ASSERT_FALSE(bytes->empty()) << name;
-    plat::addBuiltInResource(keptName->c_str(), bytes->size(), bytes->data());
-}
-
 class Assets : public testing::Environment {
 public:
-    void SetUp() override {
-        for (const char* font : {"helv15.gz", "helvB15.gz", "helv16.gz", "helvB16.gz", "helv21.gz"})
-            enterAsset("/fonts/", font);
-        for (const char* image : {"WCheck_check@2x.png", "WCheck_dot@2x.png", "sdOkay@2x.png"})
-            enterAsset("/png/", image);
-    }
+    void SetUp() override { registerBuiltInResources(); }
 };
 
 [[maybe_unused]] const auto* assets = testing::AddGlobalTestEnvironment(new Assets);

@@ -1,0 +1,449 @@
+#include "wvw/WEdit.h"
+
+#include "wvw/WParent.h"
+#include "wvw/WidgetWatch.h"
+
+#include "hxutil/Font.h"
+#include "hxutil/drawText.h"
+#include "plat/LogSrc.h"
+#include "plat/numbers.h"
+#include "plat/utf8.h"
+#include "rfb/PixelBuffer.h"
+#include "rfb/keySymbols.h"
+#include "rfb/renderOps.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+namespace wvw {
+namespace {
+
+namespace key = rfb::key;
+using rfb::Point;
+using rfb::Rect;
+
+plat::LogSrc log("WEdit");
+constexpr int padX = 6;
+constexpr int padY = 4;
+constexpr unsigned doublePressMs = 500;
+
+int lengthOf(const std::string& s) { return static_cast<int>(s.size()); }
+
+/// At most `maxLength` bytes of whole characters.
+void cutTo(std::string& s, int maxLength) {
+    if (lengthOf(s) > maxLength)
+        s.resize(static_cast<size_t>(plat::utf8::cutPartial(s.c_str(), std::max(0, maxLength))));
+}
+
+void wipe(std::string& s) {
+    explicit_bzero(s.data(), s.size());
+    s.clear();
+}
+
+bool isWordByte(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte > 127 || isalnum(byte);
+}
+
+} // namespace
+
+WEdit::WEdit(WLayout* layout, int maxLengthBytes)
+    : Widget(layout), maxLength(std::max(0, maxLengthBytes)), pressTimer(this) {}
+
+WEdit::~WEdit() {
+    if (password)
+        wipe(text);
+}
+
+void WEdit::storeText(std::string newText) {
+    if (password)
+        wipe(text);
+    text = newText;
+    if (password)
+        wipe(newText);
+}
+
+void WEdit::changed() {
+    keepCursorInside();
+    repaint();
+    valueChanged(this);
+}
+
+void WEdit::setText(const char* newText, bool cursorToEnd) {
+    std::string wanted = plat::repairUtf8(newText).c_str();
+    cutTo(wanted, maxLength);
+    storeText(std::move(wanted));
+    cursor = cursorToEnd ? lengthOf(text) : 0;
+    selection = 0;
+    deadKeys.reset();
+    changed();
+}
+
+void WEdit::setMaxLength(int bytes) {
+    maxLength = std::max(0, bytes);
+    if (lengthOf(text) <= maxLength)
+        return;
+    cutTo(text, maxLength);
+    setSelection(std::min(cursor, lengthOf(text)), std::min(insertionPoint(), lengthOf(text)));
+    repaint();
+}
+
+void WEdit::setSelection(int start, int end) {
+    cursor = std::clamp(start, 0, lengthOf(text));
+    selection = std::clamp(end, 0, lengthOf(text)) - cursor;
+    keepCursorInside();
+    repaint();
+}
+
+void WEdit::selectAll() { setSelection(0, lengthOf(text)); }
+
+plat::String WEdit::getSelectedText() const {
+    const auto from = static_cast<size_t>(std::min(cursor, insertionPoint()));
+    return plat::String(std::string_view(text).substr(from, static_cast<size_t>(std::abs(selection))));
+}
+
+bool WEdit::replaceSelection(const char* newText, uint32_t character) {
+    const int from = std::min(cursor, insertionPoint());
+    std::string wanted = text.substr(0, static_cast<size_t>(from)) + newText +
+                         text.substr(static_cast<size_t>(from + std::abs(selection)));
+    cutTo(wanted, maxLength);
+    const WidgetWatch self(this);
+    if (filter && !filter->accept(this, wanted.c_str(), character))
+        return false;
+    if (!self.alive())
+        return true;
+    storeText(std::move(wanted));
+    cursor = std::min(from + static_cast<int>(strlen(newText)), lengthOf(text));
+    selection = 0;
+    changed();
+    return true;
+}
+
+void WEdit::setPassword(bool on) {
+    password = on;
+    setSelection(cursor, insertionPoint());
+}
+
+void WEdit::setPlaceholder(const char* hint) {
+    placeholder = hint;
+    repaint();
+}
+
+void WEdit::setAlign(int newHAlign, int newVAlign) {
+    hAlign = newHAlign;
+    vAlign = newVAlign;
+    repaint();
+}
+
+int WEdit::step(int position, bool forward) const {
+    const char* start = text.c_str();
+    const char* end = start + text.size();
+    const char* p = start + position;
+    if (forward && p < end) {
+        uint32_t ignored = 0;
+        plat::utf8::decode(&p, end, &ignored);
+    } else if (!forward && p > start) {
+        plat::utf8::stepBack(&p, start);
+    }
+    return static_cast<int>(p - start);
+}
+
+int WEdit::stepWord(int position, bool forward) const {
+    const auto isWord = [this](int at) { return isWordByte(text[static_cast<size_t>(at)]); };
+    if (forward) {
+        while (position < lengthOf(text) && !isWord(position))
+            ++position;
+        while (position < lengthOf(text) && isWord(position))
+            ++position;
+        return position;
+    }
+    while (position > 0 && !isWord(position - 1))
+        --position;
+    while (position > 0 && isWord(position - 1))
+        --position;
+    return position;
+}
+
+void WEdit::place(int position, bool extend) {
+    if (extend)
+        setSelection(cursor, position);
+    else
+        setSelection(position, position);
+}
+
+bool WEdit::moveByKey(uint32_t keysym) {
+    int to = insertionPoint();
+    switch (keysym) {
+    case key::Home:
+        to = 0;
+        break;
+    case key::End:
+        to = lengthOf(text);
+        break;
+    case key::Left:
+    case key::Right:
+        // What a password is made of is not shown by the steps through it.
+        if (ctrlDown())
+            to = password ? (keysym == key::Right ? lengthOf(text) : 0) : stepWord(to, keysym == key::Right);
+        else
+            to = step(to, keysym == key::Right);
+        break;
+    default:
+        return false;
+    }
+    place(to, shiftDown());
+    return true;
+}
+
+bool WEdit::eraseByKey(uint32_t keysym) {
+    if (keysym != key::Delete && keysym != key::BackSpace)
+        return false;
+    if (selection == 0) {
+        const int other = step(cursor, keysym == key::Delete);
+        if (other == cursor)
+            return true;
+        const int before = cursor;
+        selection = other - cursor;
+        if (!replaceSelection(""))
+            setSelection(before, before);
+    } else {
+        replaceSelection("");
+    }
+    return true;
+}
+
+bool WEdit::typeKey(uint32_t keysym) {
+    const std::vector<uint32_t> composed = deadKeys.compose(keysym, /*down=*/true);
+    bool used = composed.empty();
+    const WidgetWatch self(this);
+    for (uint32_t one : composed) {
+        const uint32_t codepoint = rfb::unicodeFromKeysym(one);
+        if (codepoint < 32 || codepoint == 127)
+            continue;
+        char bytes[5] = {};
+        char* end = bytes;
+        plat::encodeUtf8(codepoint, &end);
+        if (!replaceSelection(bytes, codepoint) && self.alive())
+            bell();
+        used = true;
+        if (!self.alive())
+            break;
+    }
+    return used;
+}
+
+bool WEdit::ownKey(uint32_t keysym) {
+    if (!isEnabled())
+        return false;
+    if (moveByKey(keysym) || eraseByKey(keysym))
+        return true;
+    if (ctrlDown() && (keysym == 'a' || keysym == 'A')) {
+        selectAll();
+        return true;
+    }
+    return !ctrlDown() && !altDown() && typeKey(keysym);
+}
+
+bool WEdit::copy(Widget* origin) {
+    if (origin != this || selection == 0 || password || !parent)
+        return Widget::copy(origin);
+    const plat::String selected = getSelectedText();
+    log.debug("set cut text length %d", selected.len());
+    parent->setCutText(selected.c_str());
+    return true;
+}
+
+bool WEdit::paste(Widget* origin) {
+    if (origin != this || !parent || !isEnabled())
+        return Widget::paste(origin);
+    const WidgetWatch self(this);
+    const plat::String pasted = parent->getCutText();
+    if (!self.alive() || pasted.isEmpty() || !plat::utf8::isValid(pasted.c_str()))
+        return true;
+    std::string plain;
+    for (const char* p = pasted.c_str(); *p; ++p) {
+        if (static_cast<unsigned char>(*p) >= 32 && *p != 127)
+            plain += *p;
+    }
+    log.debug("paste length %d", lengthOf(plain));
+    if (!replaceSelection(plain.c_str()) && self.alive())
+        bell();
+    return true;
+}
+
+void WEdit::editMenuChosen(int choice) {
+    switch (choice) {
+    case WEditMenu::Copy:
+        if (!copy(this))
+            bell();
+        break;
+    case WEditMenu::Paste:
+        paste(this);
+        break;
+    default:
+        takeFocus();
+        selectAll();
+    }
+}
+
+bool WEdit::focusChanged(bool backward, Widget* origin) {
+    if (origin == this) {
+        deadKeys.reset();
+        if (hasFocus() && isKeyDown(key::Tab))
+            selectAll();
+        repaint();
+    }
+    return Widget::focusChanged(backward, origin);
+}
+
+void WEdit::detach() {
+    dragging = false;
+    pressTimer.cancel();
+    Widget::detach();
+}
+
+bool WEdit::timerExpired(plat::Timer* timer) { return timer != &pressTimer && Widget::timerExpired(timer); }
+
+bool WEdit::mouseMove(const Point& position, Widget* origin) {
+    if (origin == this && dragging)
+        place(positionAt(position.x), /*extend=*/true);
+    return Widget::mouseMove(position, origin);
+}
+
+bool WEdit::mouseDown(int button, Widget* origin) {
+    if (origin != this || button != 0 || !isEnabled() || !parent)
+        return Widget::mouseDown(button, origin);
+    const WidgetWatch self(this);
+    const bool used = Widget::mouseDown(button, origin);
+    if (!self.alive() || !parent)
+        return used;
+    const Point here = getRootPosition(mousePos);
+    if (pressTimer.isActive() && here == lastPress) {
+        pressTimer.cancel();
+        selectAll();
+        return true;
+    }
+    lastPress = here;
+    pressTimer.start(doublePressMs);
+    dragging = true;
+    place(positionAt(mousePos.x), shiftDown());
+    return true;
+}
+
+bool WEdit::mouseUp(int button, Widget* origin) {
+    if (origin == this && button == 0)
+        dragging = false;
+    const WidgetWatch self(this);
+    const bool used = Widget::mouseUp(button, origin);
+    if (!self.alive() || origin != this || button != 2 || !contextMenu || !isEnabled() || !parent)
+        return used;
+    if (!menu)
+        menu = std::make_unique<WEditMenu>(this, WEditMenu::Copy | WEditMenu::Paste | WEditMenu::SelectAll);
+    menu->show(this, mousePos);
+    return true;
+}
+
+std::string WEdit::shown() const {
+    if (!password)
+        return text;
+    return std::string(static_cast<size_t>(plat::utf8::countChars(text.c_str())), '*');
+}
+
+int WEdit::widthTo(int position) const {
+    const hxutil::Font& font = *getStyle().font;
+    const char* start = text.c_str();
+    if (password)
+        return plat::utf8::countChars(start, start + position) * font.charWidth('*');
+    return font.stringWidth(start, start + position);
+}
+
+int WEdit::positionAt(int x) const {
+    const hxutil::Font& font = *getStyle().font;
+    const int px = x - textOrigin().x;
+    const char* start = text.c_str();
+    if (!password)
+        return static_cast<int>(font.nearestBoundary(px, start) - start);
+    const int advance = std::max(1, font.charWidth('*'));
+    int position = 0;
+    for (int chars = std::max(0, (px + advance / 2) / advance); chars > 0; --chars)
+        position = step(position, /*forward=*/true);
+    return position;
+}
+
+Rect WEdit::textArea() const {
+    return {padX, padY, std::max(padX, getWidth() - padX), std::max(padY, getHeight() - padY)};
+}
+
+Point WEdit::textOrigin() const {
+    const Rect area = textArea();
+    const int free = area.width() - widthTo(lengthOf(text));
+    const int fontHeight = getStyle().font->height;
+    return {free > 0 ? area.tl.x + free * hAlign / 2 : area.tl.x - scroll,
+            area.tl.y + (area.height() - fontHeight) * vAlign / 2};
+}
+
+void WEdit::keepCursorInside() {
+    const int room = textArea().width();
+    const int whole = widthTo(lengthOf(text));
+    const int at = widthTo(insertionPoint());
+    scroll = std::clamp(scroll, at - room, at);
+    scroll = std::clamp(scroll, 0, std::max(0, whole - room));
+}
+
+bool WEdit::sizeChanged(Widget* origin) {
+    if (origin == this)
+        keepCursorInside();
+    return Widget::sizeChanged(origin);
+}
+
+Point WEdit::getPreferredSize() { return {widthTo(lengthOf(text)) + 2 * padX, getStyle().font->height + 2 * padY}; }
+
+void WEdit::paint(rfb::FullFramePixelBuffer& pb) {
+    const WStyle& look = getStyle();
+    fill(pb, getRect().expandBy(-1), isEnabled() ? look.contentBg : look.canvas);
+    drawBevel(pb, getRect(), /*sunken=*/true, /*thin=*/false);
+    if (hasFocus())
+        rfb::frameRect(pb, getRect().expandBy(-1), pixel(pb, themeColour("customBigBtnBg", look.selectionBg)));
+    // The text may touch the frame, and nothing beyond.
+    const Rect inner = getRect().expandBy(-2).intersect(pb.getRect());
+    if (inner.isEmpty())
+        return;
+    rfb::FullFramePixelBuffer view(pb, inner, inner.tl);
+    paintText(view);
+}
+
+void WEdit::paintText(rfb::FullFramePixelBuffer& pb) {
+    const WStyle& look = getStyle();
+    const hxutil::Font& font = *look.font;
+    const Point origin = textOrigin();
+    if (text.empty() && !placeholder.isEmpty()) {
+        hxutil::drawAligned(font, pb, placeholder.c_str(), textArea(), pixel(pb, look.disabled), hAlign, vAlign);
+    } else {
+        const std::string glyphs = shown();
+        font.drawString(pb, glyphs.c_str(), origin, pixel(pb, isEnabled() ? look.text : look.disabled));
+    }
+    const int from = origin.x + widthTo(std::min(cursor, insertionPoint()));
+    const int to = origin.x + widthTo(std::max(cursor, insertionPoint()));
+    if (from < to) {
+        const Rect range = Rect::xywh(from, origin.y, to - from, font.height);
+        fill(pb, range, look.selectionBg);
+        const Rect part = range.intersect(pb.getRect());
+        if (part.isEmpty())
+            return;
+        rfb::FullFramePixelBuffer view(pb, part, part.tl);
+        const std::string glyphs = shown();
+        font.drawString(view, glyphs.c_str(), origin, pixel(pb, look.selectionText));
+    } else if (hasFocus()) {
+        fill(pb, Rect::xywh(from, origin.y, 1, font.height), look.text);
+    }
+}
+
+bool WEditUnsignedNumberFilter::accept(WEdit*, const char* newText, uint32_t) {
+    int value = 0;
+    return !*newText || plat::parseIntInRange(newText, 0, std::numeric_limits<int>::max(), value);
+}
+
+} // namespace wvw

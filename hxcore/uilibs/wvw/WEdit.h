@@ -1,0 +1,112 @@
+// A one-line editor.
+#pragma once
+
+#include "wvw/DeadKeyUtil.h"
+#include "wvw/WEditMenu.h"
+#include "wvw/Widget.h"
+
+#include <string>
+
+namespace wvw {
+
+/// One line of text that the user edits. Each change, also by setText, runs valueChanged(this).
+///
+/// Positions are bytes, and always lie between characters. The text of a password field is wiped before it is freed.
+class WEdit : public Widget, public WEditMenu::Callback {
+public:
+    class Filter {
+    public:
+        virtual ~Filter() = default;
+
+        /// Asked before the user's change, with the text already cut to the limit. `character` is the key's code
+        /// point, 0 for a paste or a removal. False keeps the old text.
+        virtual bool accept(WEdit* edit, const char* newText, uint32_t character) = 0;
+    };
+
+    explicit WEdit(WLayout* layout = nullptr, int maxLengthBytes = 1024);
+    ~WEdit() override;
+
+    void setText(const char* newText, bool cursorToEnd = true);
+    const char* getText() const { return text.c_str(); }
+    void setMaxLength(int bytes);
+    int getMaxLength() const { return maxLength; }
+
+    void setSelection(int start, int end); ///< bytes; `end` is where it may be extended
+    void selectAll();
+    int getCursor() const { return cursor; }       ///< where the selection began
+    int getSelection() const { return selection; } ///< its length from the cursor, negative to the left
+    plat::String getSelectedText() const;
+    bool replaceSelection(const char* newText, uint32_t character = 0); ///< false if the filter refused
+
+    void setFilter(Filter* newFilter) { filter = newFilter; } ///< borrowed, may be null
+    void setPassword(bool on);
+    void setPlaceholder(const char* hint);
+    void setFocusable(bool on) { focusable = on; }
+    void setContextMenu(bool on) { contextMenu = on; } ///< true at first
+    void setAlign(int newHAlign, int newVAlign);       ///< 0 start, 1 centre, 2 end
+
+    // Widget
+    void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Point getPreferredSize() override;
+    bool acceptsFocus() override { return focusable && isEnabled() && isVisible(); }
+    bool sizeChanged(Widget* origin) override;
+    void detach() override;
+    bool focusChanged(bool backward, Widget* origin) override;
+    bool mouseMove(const rfb::Point& position, Widget* origin) override;
+    bool mouseDown(int button, Widget* origin) override;
+    bool mouseUp(int button, Widget* origin) override;
+    bool timerExpired(plat::Timer* timer) override;
+    bool copy(Widget* origin) override;
+    bool paste(Widget* origin) override;
+
+    // WEditMenu::Callback
+    void editMenuChosen(int choice) override;
+
+protected:
+    // Widget
+    bool ownKey(uint32_t keysym) override;
+
+private:
+    int insertionPoint() const { return cursor + selection; }
+    void place(int position, bool extend);
+    bool moveByKey(uint32_t keysym);
+    bool eraseByKey(uint32_t keysym);
+    bool typeKey(uint32_t keysym);
+    int step(int position, bool forward) const;
+    int stepWord(int position, bool forward) const;
+    void storeText(std::string newText);
+    void changed();
+    int positionAt(int x) const;
+    int widthTo(int position) const; ///< pixels from the start of the shown text
+    std::string shown() const;
+    void keepCursorInside();
+    rfb::Rect textArea() const;
+    rfb::Point textOrigin() const;
+    void paintText(rfb::FullFramePixelBuffer& pb);
+
+    std::string text;
+    plat::String placeholder;
+    rfb::DeadKeyUtil deadKeys;
+    int maxLength;
+    int scroll = 0; // pixels
+    int cursor = 0;
+    int selection = 0;
+    bool password = false;
+    bool focusable = true;
+    bool dragging = false;
+    bool contextMenu = true;
+    Filter* filter = nullptr;
+    int hAlign = 0;
+    int vAlign = 1;
+    std::unique_ptr<WEditMenu> menu; // made on first use
+    plat::Timer pressTimer;          // runs while a second press selects all
+    rfb::Point lastPress;            // root position
+};
+
+/// Accepts nothing but whole numbers from 0 up, and the empty text.
+class WEditUnsignedNumberFilter : public WEdit::Filter {
+public:
+    bool accept(WEdit* edit, const char* newText, uint32_t character) override;
+};
+
+} // namespace wvw
