@@ -1,0 +1,350 @@
+#include "wvw/WTable.h"
+
+#include "wvw/WidgetWatch.h"
+
+#include "hxutil/Font.h"
+#include "hxutil/drawText.h"
+#include "plat/ConfigParameter.h"
+#include "rfb/PixelBuffer.h"
+#include "rfb/keySymbols.h"
+#include "rfb/renderOps.h"
+
+#include <algorithm>
+#include <climits>
+
+namespace wvw {
+namespace {
+
+namespace key = rfb::key;
+using rfb::Point;
+using rfb::Rect;
+
+plat::IntParameter doubleClickTime("DoubleClickTime",
+                                   "Maximum time in milliseconds between two mouse button clicks to count as a double "
+                                   "click",
+                                   500, /*isAdvanced=*/false, /*minValue=*/0, INT_MAX);
+
+constexpr int border = 2;
+constexpr int cellPad = 4;
+constexpr int imagePad = 2;
+constexpr int defaultImage = 16;
+
+} // namespace
+
+WImage::Image WTable::Callback::getCellImage(WTable*, int, int) { return {}; }
+
+bool WTable::Callback::isRowSelectable(WTable*, int) { return true; }
+
+int WTable::Callback::getCellWidth(WTable*, int, int) { return 0; }
+
+void WTable::Callback::getCellStyle(WTable*, int, int, WStyle&) {}
+void WTable::Callback::rowActivated(WTable*, int, int) {}
+
+WTable::WTable(WLayout* layout, Callback* target, bool showHeading_, bool keepSelection_)
+    : WLayout(layout, /*routeMouse=*/true, /*propagateEnable=*/true), callback(target), showHeading(showHeading_),
+      keepSelection(keepSelection_), scrollbar(nullptr, /*vertical=*/true), clickWindow(this) {
+    scrollbar.setVisible(false);
+    addChild(&scrollbar);
+}
+
+void WTable::addColumn(int id, int type, const char* heading, int width, const Point& imageSize, int align, int extra) {
+    const Point image = imageSize == Point() ? Point(defaultImage, defaultImage) : imageSize;
+    columns.push_back({id, type, heading, width, image, align, extra});
+    arrange();
+}
+
+void WTable::removeColumn(int id) {
+    std::erase_if(columns, [id](const Column& column) { return column.id == id; });
+    if (selectedColumn == id)
+        selectedColumn = -1;
+    arrange();
+}
+
+void WTable::setRowCount(int count) {
+    rowCount = std::max(0, count);
+    const bool lost = selectedRow >= rowCount;
+    if (lost)
+        selectedRow = selectedColumn = -1;
+    arrange();
+    if (lost)
+        valueChanged(this);
+}
+
+void WTable::setEmptyText(const char* sentence) {
+    emptyText = sentence;
+    repaint();
+}
+
+int WTable::getRowHeight() const {
+    int height = getStyle().font->height + 2 * cellPad;
+    for (const Column& column : columns) {
+        if (column.type == Image)
+            height = std::max(height, column.imageSize.y + 2 * imagePad);
+    }
+    return height;
+}
+
+int WTable::visibleRows() const { return std::max(0, (getHeight() - 2 * border - headingHeight()) / getRowHeight()); }
+
+Rect WTable::contentRect() const {
+    const int bar = scrollbar.isVisible() ? WScrollbar::thickness : 0;
+    const int left = border;
+    const int top = border + headingHeight();
+    return {left, top, std::max(left, getWidth() - border - bar), std::max(top, getHeight() - border)};
+}
+
+void WTable::arrange() {
+    const int shown = visibleRows();
+    scrollbar.setVisible(rowCount > shown && getHeight() > 0);
+    scrollbar.setRange(std::max(0, rowCount - shown));
+    scrollbar.setPage(std::max(1, shown));
+    setChildRect(&scrollbar, Rect::xywh(getWidth() - border - WScrollbar::thickness, border, WScrollbar::thickness,
+                                        std::max(0, getHeight() - 2 * border)));
+    repaint();
+}
+
+std::vector<int> WTable::columnWidths() const {
+    std::vector<int> widths;
+    int left = contentRect().width();
+    int stretches = 0;
+    for (const Column& column : columns) {
+        const bool stretch = column.width < 0 && column.type == Text;
+        const int automatic = column.type == Image ? column.imageSize.x + 2 * imagePad : 0;
+        widths.push_back(stretch ? -1 : column.width < 0 ? automatic : column.width);
+        stretches += stretch;
+        left -= std::max(0, widths.back());
+    }
+    for (int& width : widths) {
+        if (width >= 0)
+            continue;
+        width = std::max(0, left / stretches);
+        left -= width;
+        --stretches;
+    }
+    return widths;
+}
+
+bool WTable::hitTest(const Point& position, int& row, int& column) const {
+    const Rect content = contentRect();
+    if (!content.contains(position))
+        return false;
+    row = (position.y - content.tl.y) / getRowHeight() + firstVisibleRow();
+    if (row >= rowCount)
+        row = -1;
+    column = -1;
+    int x = content.tl.x;
+    const std::vector<int> widths = columnWidths();
+    for (size_t i = 0; i < columns.size(); ++i) {
+        x += widths[i];
+        if (position.x < x) {
+            column = columns[i].id;
+            break;
+        }
+    }
+    return true;
+}
+
+void WTable::ensureRowVisible(int row) {
+    const int first = firstVisibleRow();
+    const int shown = std::max(1, visibleRows());
+    if (row < first)
+        scrollbar.setValue(row);
+    else if (row >= first + shown)
+        scrollbar.setValue(row - shown + 1);
+    repaint();
+}
+
+void WTable::select(int row, int column) {
+    const bool possible = row >= 0 && row < rowCount && callback->isRowSelectable(this, row);
+    selectedRow = possible ? row : -1;
+    selectedColumn = possible ? column : -1;
+    if (possible)
+        ensureRowVisible(row);
+    repaint();
+    valueChanged(this);
+}
+
+bool WTable::moveBy(int direction) {
+    // With nothing selected the first step down leads to the first row, and a step up to nothing.
+    for (int row = selectedRow + direction; row >= 0 && row < rowCount; row += direction) {
+        if (callback->isRowSelectable(this, row)) {
+            select(row, selectedColumn);
+            return true;
+        }
+    }
+    if (direction < 0 && scrollbar.setValue(0))
+        repaint();
+    return true;
+}
+
+bool WTable::ownKey(uint32_t keysym) {
+    if (!isEnabled())
+        return false;
+    switch (keysym) {
+    case key::Up:
+        return moveBy(-1);
+    case key::Down:
+        return moveBy(1);
+    default:
+        return false;
+    }
+}
+
+bool WTable::valueChanged(Widget* origin) {
+    if (origin != &scrollbar)
+        return WLayout::valueChanged(origin);
+    repaint();
+    return true;
+}
+
+bool WTable::focusChanged(bool backward, Widget* origin) {
+    if (origin == this)
+        repaint();
+    return WLayout::focusChanged(backward, origin);
+}
+
+bool WTable::mouseDown(int button, Widget* origin) {
+    const WidgetWatch self(this);
+    if (isEnabled() && (button == 3 || button == 4))
+        return moveBy(button == 3 ? -1 : 1);
+    const bool used = WLayout::mouseDown(button, origin);
+    int row = -1;
+    int column = -1;
+    if (!self.alive() || origin != this || button != 0 || !isEnabled() || !hitTest(getPointer(), row, column))
+        return used;
+    if (row >= 0 && callback->isRowSelectable(this, row))
+        select(row, column);
+    else if (!keepSelection)
+        select(-1);
+    return true;
+}
+
+bool WTable::mouseUp(int button, Widget* origin) {
+    const WidgetWatch self(this);
+    const bool used = WLayout::mouseUp(button, origin);
+    int row = -1;
+    int column = -1;
+    if (!self.alive() || origin != this || button != 0 || !isEnabled() || !hitTest(getPointer(), row, column) ||
+        row < 0)
+        return used;
+    const bool second = clickWindow.isActive() && row == clickedRow && column == clickedColumn;
+    clickWindow.cancel();
+    if (second) {
+        callback->rowActivated(this, row, column);
+        return true;
+    }
+    clickedRow = row;
+    clickedColumn = column;
+    if (isAttached())
+        clickWindow.start(static_cast<uint32_t>(doubleClickTime.value()));
+    activated(this);
+    return true;
+}
+
+bool WTable::timerExpired(plat::Timer* timer) { return timer != &clickWindow && WLayout::timerExpired(timer); }
+
+void WTable::detach() {
+    clickWindow.cancel();
+    WLayout::detach();
+}
+
+void WTable::styleChanged() {
+    WLayout::styleChanged();
+    arrange();
+}
+
+bool WTable::sizeChanged(Widget* origin) {
+    if (origin == this)
+        arrange();
+    return WLayout::sizeChanged(origin);
+}
+
+Point WTable::getPreferredSize() {
+    int width = 2 * border;
+    for (size_t i = 0; i < columns.size(); ++i)
+        width += std::max(columns[i].width, columns[i].type == Image ? columns[i].imageSize.x + 2 * imagePad : 0);
+    return {width, 2 * border + headingHeight() + rowCount * getRowHeight()};
+}
+
+void WTable::paint(rfb::FullFramePixelBuffer& pb) {
+    const WStyle& look = getStyle();
+    fill(pb, getRect().expandBy(-1), look.contentBg);
+    const Rect inner = getRect().expandBy(-border).intersect(pb.getRect());
+    if (!inner.isEmpty()) {
+        rfb::FullFramePixelBuffer view(pb, inner, inner.tl);
+        const std::vector<int> widths = columnWidths();
+        const Rect content = contentRect();
+        const int end = std::min(rowCount, firstVisibleRow() + content.height() / getRowHeight() + 1);
+        for (int row = firstVisibleRow(); row < end; ++row)
+            paintRow(view, row, widths);
+        if (showHeading)
+            paintHeading(view, widths);
+        if (rowCount == 0)
+            hxutil::drawWrapped(*look.font, view, emptyText.c_str(), content, pixel(pb, look.disabled), 1, 1);
+    }
+    paintChildren(pb);
+    drawBevel(pb, getRect(), /*sunken=*/true, /*thin=*/false);
+}
+
+void WTable::paintHeading(rfb::FullFramePixelBuffer& pb, const std::vector<int>& widths) {
+    const WStyle& look = getStyle();
+    const int height = headingHeight();
+    const Rect bar = Rect::xywh(border, border, contentRect().width(), height);
+    const uint32_t ink = pixel(pb, isEnabled() ? themeColour("buttonText", look.text) : look.disabled);
+    fill(pb, bar, themeColour("buttonBg", look.buttonFace));
+    int x = border;
+    for (size_t i = 0; i < columns.size(); ++i) {
+        const Rect cell = Rect::xywh(x + cellPad, border, std::max(0, widths[i] - 2 * cellPad), height);
+        hxutil::drawAligned(*look.font, pb, columns[i].heading.c_str(), cell, ink, columns[i].align, 1);
+        if (i > 0) {
+            fill(pb, {x, border + 3, x + 1, border + height - 3}, look.bevelDark);
+            fill(pb, {x + 1, border + 3, x + 2, border + height - 3}, look.bevelLight);
+        }
+        x += widths[i];
+    }
+    fill(pb, {bar.tl.x, bar.br.y - 1, bar.br.x, bar.br.y}, look.bevelDark);
+}
+
+void WTable::paintRow(rfb::FullFramePixelBuffer& pb, int row, const std::vector<int>& widths) {
+    const Rect content = contentRect();
+    const int height = getRowHeight();
+    const int top = content.tl.y + (row - firstVisibleRow()) * height;
+    const Rect line = Rect(content.tl.x, top, content.br.x, top + height);
+    const Rect part = line.intersect(pb.getRect());
+    if (part.isEmpty())
+        return;
+    rfb::FullFramePixelBuffer view(pb, part, part.tl);
+    if (row == selectedRow)
+        fill(view, line, getStyle().selectionBg);
+    int x = line.tl.x;
+    for (size_t i = 0; i < columns.size(); ++i) {
+        paintCell(view, row, columns[i], Rect::xywh(x, top, widths[i], height));
+        x += widths[i];
+    }
+    if (row == selectedRow && hasFocus())
+        drawFocus(view, line.expandBy(-1), /*dotted=*/true);
+}
+
+void WTable::paintCell(rfb::FullFramePixelBuffer& pb, int row, const Column& column, const Rect& cell) {
+    const Rect part = cell.intersect(pb.getRect());
+    if (part.isEmpty())
+        return;
+    rfb::FullFramePixelBuffer view(pb, part, part.tl);
+    if (column.type == Image) {
+        const WImage::Image image = callback->getCellImage(this, row, column.id);
+        if (!image)
+            return;
+        const Point room = cell.size() - image->size();
+        rfb::compose(view, cell.tl + Point(room.x / 2, room.y / 2), *image, image->getRect(),
+                     isEnabled() ? rfb::overOp : rfb::ghostOp);
+        return;
+    }
+    WStyle look = getStyle();
+    callback->getCellStyle(this, row, column.id, look);
+    const rfb::Colour ink = !isEnabled() ? look.disabled : row == selectedRow ? look.selectionText : look.text;
+    const Rect room(cell.tl.x + cellPad, cell.tl.y, std::max(cell.tl.x + cellPad, cell.br.x - cellPad), cell.br.y);
+    hxutil::drawAligned(*look.font, view, callback->getCellText(this, row, column.id).c_str(), room, pixel(pb, ink),
+                        column.align, 1);
+}
+
+} // namespace wvw

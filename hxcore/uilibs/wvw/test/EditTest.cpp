@@ -1,0 +1,267 @@
+#include "wvw/test/FakeParent.h"
+
+#include "wvw/WCanvas.h"
+#include "wvw/WEdit.h"
+#include "wvw/WMenu.h"
+
+#include "hxutil/Font.h"
+#include "rfb/keySymbols.h"
+
+namespace wvw {
+namespace {
+
+namespace key = rfb::key;
+using rfb::Rect;
+
+struct EditTest : testing::Test {
+    FakeClock clock;
+    WCanvas root;
+    WEdit edit{&root, 32};
+    FakeParent window{&root};
+    const hxutil::Font& font = *defaultStyle().font;
+
+    void SetUp() override {
+        root.setChildRect(&edit, {0, 0, 112, font.height + 8});
+        edit.takeFocus();
+    }
+    void type(const char* text) {
+        for (const char* p = text; *p; ++p)
+            window.key(static_cast<unsigned char>(*p));
+    }
+    void withHeld(uint32_t modifier, std::initializer_list<uint32_t> keys) {
+        window.hold(modifier);
+        for (uint32_t one : keys)
+            window.key(one);
+        window.letGo(modifier);
+    }
+    int xOf(const char* prefix) const { return 6 + font.stringWidth(prefix); }
+};
+
+TEST_F(EditTest, TheLimitCountsBytesAndCutsNoCharacter) {
+    edit.setMaxLength(3);
+    edit.setText("a\xc3\xa4\xe2\x82\xac");
+    EXPECT_STREQ(edit.getText(), "a\xc3\xa4");
+    edit.setText("\xe2\x82\xac");
+    EXPECT_STREQ(edit.getText(), "\xe2\x82\xac");
+    edit.setMaxLength(2);
+    EXPECT_STREQ(edit.getText(), "");
+    EXPECT_EQ(edit.getCursor(), 0);
+}
+
+TEST_F(EditTest, TypingGoesToTheCursorAndSaysSo) {
+    type("ac");
+    window.key(key::Left);
+    type("b");
+    EXPECT_STREQ(edit.getText(), "abc");
+    EXPECT_EQ(edit.getCursor(), 2);
+    window.key(0x010020ac); // the euro sign as a Unicode keysym
+    window.key(key::Home);
+    window.key(0xe4);
+    EXPECT_STREQ(edit.getText(), "\xc3\xa4"
+                                 "ab\xe2\x82\xac"
+                                 "c");
+    EXPECT_EQ(window.changes.size(), 5u);
+    EXPECT_TRUE(window.unusedKeys.empty());
+    window.key(key::Return); // for the dialog
+    EXPECT_EQ(window.unusedKeys, std::vector<uint32_t>{key::Return});
+}
+
+TEST_F(EditTest, SelectionsToTheLeftHaveNegativeLengthAndGoAllTheSame) {
+    edit.setText("hello");
+    withHeld(key::ShiftL, {key::Left, key::Left});
+    EXPECT_EQ(edit.getCursor(), 5);
+    EXPECT_EQ(edit.getSelection(), -2);
+    EXPECT_STREQ(edit.getSelectedText().c_str(), "lo");
+    window.key(key::Delete);
+    EXPECT_STREQ(edit.getText(), "hel");
+    EXPECT_EQ(edit.getCursor(), 3);
+
+    window.key(key::Home);
+    withHeld(key::ShiftR, {key::End});
+    type("x");
+    EXPECT_STREQ(edit.getText(), "x");
+}
+
+TEST_F(EditTest, ErasingTakesWholeCharactersAndStopsAtTheEnds) {
+    edit.setText("a\xe2\x82\xac"
+                 "b");
+    window.key(key::Delete);
+    EXPECT_STREQ(edit.getText(), "a\xe2\x82\xac"
+                                 "b");
+    window.key(key::Left);
+    window.key(key::BackSpace);
+    EXPECT_STREQ(edit.getText(), "ab");
+    window.key(key::Home);
+    window.key(key::BackSpace);
+    EXPECT_STREQ(edit.getText(), "ab");
+    window.key(key::Delete);
+    EXPECT_STREQ(edit.getText(), "b");
+}
+
+TEST_F(EditTest, ControlMovesByWords) {
+    edit.setText("one  tw\xc3\xb6-three");
+    const auto cursorAfter = [this](uint32_t keysym) {
+        withHeld(key::ControlL, {keysym});
+        return edit.getCursor();
+    };
+    EXPECT_EQ(cursorAfter(key::Left), 10);
+    EXPECT_EQ(cursorAfter(key::Left), 5);
+    EXPECT_EQ(cursorAfter(key::Left), 0);
+    EXPECT_EQ(cursorAfter(key::Right), 3);
+    EXPECT_EQ(cursorAfter(key::Right), 9);
+    EXPECT_EQ(cursorAfter(key::Right), 15);
+}
+
+/// Refuses one character, and keeps what it was asked.
+class Picky : public WEdit::Filter {
+public:
+    bool accept(WEdit*, const char* newText, uint32_t character) override {
+        seen = newText;
+        return character != 'x';
+    }
+    std::string seen;
+};
+
+TEST_F(EditTest, AFilterSeesTheCutTextAndARefusalChangesNothing) {
+    Picky filter;
+    edit.setFilter(&filter);
+    edit.setMaxLength(3);
+    type("abcd");
+    EXPECT_EQ(filter.seen, "abc");
+    edit.setSelection(0, 2);
+    window.changes.clear();
+    type("x");
+    EXPECT_STREQ(edit.getText(), "abc");
+    EXPECT_EQ(edit.getSelection(), 2);
+    EXPECT_EQ(window.bells, 1);
+    EXPECT_TRUE(window.changes.empty());
+}
+
+TEST(NumberFilter, OnlyWholeNumbersFromZeroUp) {
+    WEditUnsignedNumberFilter filter;
+    for (const char* good : {"", "0", "65535", "007"})
+        EXPECT_TRUE(filter.accept(nullptr, good, 0)) << good;
+    for (const char* bad : {"-1", "1x", "x", "1.5", "99999999999"})
+        EXPECT_FALSE(filter.accept(nullptr, bad, 0)) << bad;
+}
+
+TEST_F(EditTest, PasteDropsControlsAndRefusesBadText) {
+    edit.setText("[]");
+    window.key(key::Left);
+    window.clipboard = "a\tb\r\nc\x7f";
+    withHeld(key::ControlL, {'v'});
+    EXPECT_STREQ(edit.getText(), "[abc]");
+    window.clipboard = "bad \xff";
+    withHeld(key::ControlL, {'v'});
+    EXPECT_STREQ(edit.getText(), "[abc]");
+    withHeld(key::ControlL, {'a', 'c'});
+    EXPECT_STREQ(window.clipboard.c_str(), "[abc]");
+}
+
+TEST_F(EditTest, APasswordIsDrawnMeasuredAndGuardedAsStars) {
+    edit.setText("iiii");
+    edit.setPassword(true);
+    EXPECT_EQ(edit.getPreferredSize().x, 4 * font.charWidth('*') + 12);
+    window.click(6 + 2 * font.charWidth('*') + 1, 10);
+    EXPECT_EQ(edit.getCursor(), 2);
+    withHeld(key::ControlL, {'a', 'c'});
+    EXPECT_TRUE(window.clipboard.isEmpty());
+    EXPECT_EQ(window.bells, 1);
+    withHeld(key::ControlL, {key::Left});
+    EXPECT_EQ(edit.getCursor(), 0); // words do not show
+}
+
+TEST_F(EditTest, ThePointerPlacesAndDragsAndASecondPressTakesAll) {
+    edit.setText("abcdef");
+    window.move(xOf("ab") + font.charWidth('c') / 2 - 1, 10);
+    window.press();
+    EXPECT_EQ(edit.getCursor(), 2);
+    window.move(xOf("abcd"), 10);
+    window.move(-50, 10);
+    EXPECT_EQ(edit.getSelection(), -2);
+    window.release();
+    window.move(90, 10);
+    EXPECT_EQ(edit.getSelection(), -2);
+
+    clock.advance(1000);
+    window.click(xOf("ab"), 10);
+    clock.advance(499);
+    window.click(xOf("ab"), 10);
+    EXPECT_EQ(edit.getSelection(), 6);
+    clock.advance(1);
+    window.click(xOf("ab"), 10);
+    EXPECT_EQ(edit.getSelection(), 0);
+    clock.advance(500);
+    EXPECT_FALSE(clock.timersLeft());
+}
+
+TEST_F(EditTest, LongTextScrollsToTheCursorAndNoFurther) {
+    edit.setMaxLength(1000);
+    edit.setText(std::string(60, 'w').c_str());
+    window.paintAll();
+    const Rect inner(2, 2, 110, font.height + 6);
+    const auto caretX = [&] {
+        for (int x = 2; x < 110; ++x) {
+            if (window.countPixels(Rect::xywh(x, 4, 1, font.height), 0) == font.height)
+                return x;
+        }
+        return -1;
+    };
+    EXPECT_GT(caretX(), 100); // at the right end
+    window.key(key::Home);
+    window.paint();
+    EXPECT_EQ(caretX(), 6);
+    EXPECT_EQ(window.countPixels({112, 0, 200, 100}, 0), 0); // nothing beyond the frame
+}
+
+TEST_F(EditTest, TabSelectsAllAndTheStateShows) {
+    Box other(&root, "other", true);
+    edit.setText("abc");
+    EXPECT_EQ(edit.getSelection(), 0);
+    window.key(key::Tab);
+    EXPECT_FALSE(edit.hasFocus());
+    window.key(key::Tab);
+    EXPECT_EQ(edit.getSelection(), 3);
+    window.paintAll();
+    EXPECT_GT(window.countPixels({0, 0, 112, 30}, 0x3838c8), 50);
+    EXPECT_GT(window.countPixels({0, 0, 112, 30}, 0x1976d2), 200); // the inner frame
+    edit.setEnabled(false);
+    type("x");
+    EXPECT_STREQ(edit.getText(), "abc");
+    window.paint();
+    EXPECT_EQ(window.countPixels({0, 0, 112, 30}, 0x1976d2), 0);
+    EXPECT_EQ(window.pixelAt(100, 10), 0xd8d8d8u);
+}
+
+TEST_F(EditTest, APlaceholderStandsInForNoText) {
+    edit.setPlaceholder("hint");
+    window.paintAll();
+    EXPECT_GT(window.countPixels({2, 2, 110, 20}, 0x808080), 10);
+    type("x");
+    window.paint();
+    EXPECT_EQ(window.countPixels({2, 2, 110, 20}, 0x808080), 0);
+}
+
+TEST_F(EditTest, MultiKeyWithoutATableLetsKeysPass) {
+    EXPECT_TRUE(window.key(key::MultiKey));
+    type("a");
+    EXPECT_STREQ(edit.getText(), "a");
+    EXPECT_TRUE(window.key(0xfe51)); // a dead accent waits for its letter
+    type("e");
+    EXPECT_STREQ(edit.getText(), "ae");
+}
+
+TEST_F(EditTest, TheMenuPastes) {
+    window.clipboard = "pasted";
+    window.click(20, 10, /*button=*/2);
+    auto* menu = dynamic_cast<WMenu*>(window.anyPopup());
+    ASSERT_TRUE(menu);
+    EXPECT_EQ(menu->itemCount(), 3u);
+    window.popupOf(menu)->key(key::Down);
+    window.popupOf(menu)->key(key::Down);
+    window.popupOf(menu)->key(key::Return);
+    EXPECT_STREQ(edit.getText(), "pasted");
+}
+
+} // namespace
+} // namespace wvw

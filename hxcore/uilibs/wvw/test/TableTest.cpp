@@ -1,0 +1,169 @@
+#include "wvw/test/FakeParent.h"
+
+#include "wvw/WCanvas.h"
+#include "wvw/WTable.h"
+
+#include "hxutil/Font.h"
+#include "rfb/keySymbols.h"
+
+#include <set>
+
+namespace wvw {
+namespace {
+
+namespace key = rfb::key;
+using rfb::Point;
+
+/// Rows of two columns; some may be refused, and all that is asked is noted.
+class Rows : public WTable::Callback {
+public:
+    plat::String getCellText(WTable*, int row, int column) override {
+        asked.insert(row);
+        return plat::strFormat("%d.%d", row, column);
+    }
+    bool isRowSelectable(WTable*, int row) override { return !refused.count(row); }
+    void rowActivated(WTable*, int row, int column) override { opened.push_back({row, column}); }
+
+    std::set<int> asked;
+    std::set<int> refused;
+    std::vector<std::pair<int, int>> opened;
+};
+
+struct TableTest : testing::Test {
+    FakeClock clock;
+    WCanvas root;
+    Rows rows;
+    WTable table{&root, &rows, /*showHeading=*/true};
+    FakeParent window{&root, {200, 200}};
+    int rowHeight = 0;
+
+    void SetUp() override {
+        table.addColumn(7, WTable::Text, "First");
+        table.addColumn(8, WTable::Text, "Second", 60);
+        rowHeight = defaultStyle().font->height + 8;
+        root.setChildRect(&table, rfb::Rect::xywh(0, 0, 200, 4 + 5 * rowHeight)); // the heading and four rows
+        table.setRowCount(10);
+    }
+    Point inRow(int shown, int x = 10) const { return {x, 2 + rowHeight * (1 + shown) + 5}; }
+    void click(const Point& at) { window.click(at.x, at.y); }
+};
+
+TEST_F(TableTest, OnlyVisibleRowsAreAskedFor) {
+    window.paintAll();
+    EXPECT_EQ(rows.asked, (std::set<int>{0, 1, 2, 3}));
+    rows.asked.clear();
+    table.ensureRowVisible(8);
+    window.paint();
+    EXPECT_EQ(rows.asked, (std::set<int>{5, 6, 7, 8}));
+}
+
+TEST_F(TableTest, TheStretchColumnTakesWhatTheOthersAndTheBarLeave) {
+    int row = 0;
+    int column = 0;
+    EXPECT_TRUE(table.hitTest({200 - 2 - 16 - 60 - 1, 2 + rowHeight}, row, column));
+    EXPECT_EQ(column, 7);
+    EXPECT_TRUE(table.hitTest({200 - 2 - 16 - 60, 2 + rowHeight}, row, column));
+    EXPECT_EQ(column, 8);
+    EXPECT_EQ(row, 0);
+    EXPECT_FALSE(table.hitTest({200 - 2 - 16, 2 + rowHeight}, row, column)); // the bar
+    EXPECT_FALSE(table.hitTest({10, 1 + rowHeight}, row, column));           // the heading
+    EXPECT_FALSE(table.hitTest({1, 50}, row, column));                       // the border
+    table.setRowCount(2);                                                    // no bar now
+    EXPECT_TRUE(table.hitTest({197, 2 + rowHeight * 4}, row, column));
+    EXPECT_EQ(row, -1);
+    EXPECT_EQ(column, 8);
+}
+
+TEST_F(TableTest, KeysStepOverRefusedRowsAndStopAtTheEnds) {
+    rows.refused = {0, 2, 9};
+    table.takeFocus();
+    std::vector<int> seen;
+    for (int i = 0; i < 9; ++i) {
+        window.key(key::Down);
+        seen.push_back(table.getSelectedRow());
+    }
+    EXPECT_EQ(seen, (std::vector<int>{1, 3, 4, 5, 6, 7, 8, 8, 8}));
+    EXPECT_EQ(table.firstVisibleRow(), 5);
+    for (int i = 0; i < 9; ++i)
+        window.key(key::Up);
+    EXPECT_EQ(table.getSelectedRow(), 1);
+    EXPECT_EQ(table.firstVisibleRow(), 0); // a step past the top shows what can't be selected
+    EXPECT_TRUE(table.hasFocus());
+}
+
+TEST_F(TableTest, AnEmptyTableHasNoBarAndNothingToSelect) {
+    table.select(3);
+    window.changes.clear();
+    table.setRowCount(0);
+    EXPECT_EQ(table.getSelectedRow(), -1);
+    EXPECT_EQ(window.changes, std::vector<Widget*>{&table});
+    table.takeFocus();
+    window.key(key::Up);
+    window.key(key::Down);
+    EXPECT_EQ(table.getSelectedRow(), -1);
+    table.setEmptyText("Nothing here.");
+    window.paintAll();
+    EXPECT_GT(window.countPixels({2, 2 + rowHeight, 198, 100}, 0x808080), 20);
+}
+
+TEST_F(TableTest, PressesSelectAndKeepTheSelectionWhereAsked) {
+    rows.refused = {2};
+    click(inRow(1));
+    EXPECT_EQ(table.getSelectedRow(), 1);
+    EXPECT_EQ(table.getSelectedColumn(), 7);
+    click(inRow(2));
+    EXPECT_EQ(table.getSelectedRow(), -1);
+
+    WTable keeper(&root, &rows, /*showHeading=*/false, /*keepSelection=*/true);
+    keeper.addColumn(1, WTable::Text, nullptr);
+    root.setChildRect(&keeper, {0, 0, 200, 150});
+    keeper.setRowCount(3);
+    keeper.select(1);
+    window.click(10, 2 + 2 * rowHeight + 5); // refused
+    window.click(10, 140);                   // below the rows
+    EXPECT_EQ(keeper.getSelectedRow(), 1);
+}
+
+TEST_F(TableTest, TwoClicksOnOneCellOpenItAndOnTwoDoNot) {
+    click(inRow(1));
+    click(inRow(2));
+    click(inRow(1));
+    EXPECT_TRUE(rows.opened.empty());
+    clock.advance(499);
+    click(inRow(1, 12));
+    EXPECT_EQ(rows.opened, (std::vector<std::pair<int, int>>{{1, 7}}));
+    click(inRow(1)); // a third click begins anew
+    EXPECT_EQ(rows.opened.size(), 1u);
+    clock.advance(500);
+    click(inRow(1));
+    EXPECT_EQ(rows.opened.size(), 1u);
+    EXPECT_EQ(window.activations.size(), 5u);
+    clock.advance(500);
+    EXPECT_FALSE(clock.timersLeft());
+}
+
+TEST_F(TableTest, TheSelectedRowIsBlueAndDottedOnlyWithTheFocus) {
+    table.select(1);
+    window.paintAll();
+    const rfb::Rect row = rfb::Rect::xywh(2, 2 + 2 * rowHeight, 180, rowHeight);
+    EXPECT_GT(window.countPixels(row, 0x3838c8), 180 * rowHeight / 2);
+    EXPECT_EQ(window.countPixels(row, 0), 0);
+    table.takeFocus();
+    window.paint();
+    EXPECT_GT(window.countPixels(row, 0), 20);
+}
+
+TEST_F(TableTest, TheWheelStepsThroughTheRows) {
+    table.select(4);
+    window.move(10, 40);
+    window.press(4);
+    window.release(4);
+    EXPECT_EQ(table.getSelectedRow(), 5);
+    window.press(3);
+    window.release(3);
+    window.press(3);
+    EXPECT_EQ(table.getSelectedRow(), 3);
+}
+
+} // namespace
+} // namespace wvw
