@@ -19,7 +19,7 @@ namespace hxutil {
 ///     4               magic 7c cf 0c 72
 ///     2 2             ascent, descent
 ///     2               number n of extra pages, at most 1023
-///     4 n             first code of each extra page, a multiple of 128, ascending
+///     4 n             first code of each extra page, a multiple of 128
 ///     10 128 (n + 1)  glyphs, of codes 0 to 127 first, then of each page: offset 4, advance 2, left 1, top 1 (both
 ///                     signed, from the pen at the top left of the cell), width 1, height 1
 ///     rest            bitmaps, one bit a pixel, rows padded to bytes, most significant bit leftmost
@@ -27,12 +27,29 @@ namespace hxutil {
 /// There is no count of bitmap bytes: the furthest glyph's end is it.
 class FontZefBm : public Font {
 public:
-    explicit FontZefBm(rdr::InStream& in); ///< throws plat::Exception "Bad font data"
+    /// Where characters come from that the font lacks.
+    class Fallback {
+    public:
+        virtual ~Fallback() = default;
+        virtual bool charWidth(int codepoint, int* width) const = 0; ///< false if it lacks the character too
 
-    /// Borrowed, outlives this: codes that this font lacks are looked for there, baseline on baseline.
-    void setFallback(const Font* font) { fallback = font; }
+        /// `position` is the top left of a line of the font that asks. Called after charWidth gave true.
+        virtual void drawGlyph(rfb::WritablePixelBuffer& buffer, int codepoint, rfb::Point position,
+                               uint32_t pixel) const = 0;
+    };
 
-    bool hasGlyph(int codepoint) const; ///< of this font alone
+    /// Throws plat::Exception "Bad font data", or what the stream throws at its end.
+    explicit FontZefBm(rdr::InStream& in);
+    ~FontZefBm() override;
+
+    /// Characters that have neither ink nor advance here come from the fallback, control characters apart.
+    void setFallback(std::unique_ptr<Fallback> fallback_);
+
+    bool hasGlyph(int codepoint) const; ///< of this font alone, with ink or advance
+
+    /// One glyph of this font, each pixel `scale` (1 or 2) wide and high; gives the advance.
+    int drawGlyphScaled(rfb::WritablePixelBuffer& buffer, int codepoint, rfb::Point position, uint32_t pixel,
+                        int scale) const;
 
     // Font
     int drawGlyph(rfb::WritablePixelBuffer& buffer, int codepoint, rfb::Point position, uint32_t pixel) const override;
@@ -54,15 +71,16 @@ private:
     };
     static_assert(sizeof(Glyph) == 12);
 
-    void readPages(rdr::InStream& in);
     void readGlyphs(rdr::InStream& in);
-    const Glyph* findGlyph(int codepoint) const; // null if there is none
+    void readBitmap(rdr::InStream& in);
     const Glyph& glyphFor(int codepoint) const;
+    bool useFallback(int codepoint, const Glyph& glyph, int* width) const;
+    void blit(rfb::WritablePixelBuffer& buffer, const Glyph& glyph, rfb::Point position, uint32_t pixel) const;
 
     std::vector<uint32_t> pages; // first codes; entry 0 is 0, the last 0xffffffff
     std::vector<Glyph> glyphs;
     std::vector<uint8_t> bitmap;
-    const Font* fallback = nullptr;
+    std::unique_ptr<Fallback> fallback;
 };
 
 } // namespace hxutil

@@ -12,7 +12,7 @@ class NamedImagePixelBuffer : public rfb::ManagedPixelBuffer {
 public:
     using Ptr = plat::SharedPtr<NamedImagePixelBuffer>;
 
-    /// Never null. `size` is in pixels; 0x0 means natural, at the ppmm of the first call.
+    /// Never null. `size` is in pixels; 0x0 means natural, at the current ppmm.
     static Ptr get(const char* name, rfb::Point size = {});
     static Ptr getThemed(const char* name, rfb::Point size = {}); ///< in dark mode "name_darkbg" if there is one
     static Ptr getQuiet(const char* name, rfb::Point size = {});  ///< a missing image is not logged
@@ -22,8 +22,11 @@ public:
 private:
     NamedImagePixelBuffer(const char* name, rfb::Point size, bool quiet);
     static Ptr find(const char* name, rfb::Point size, bool quiet);
+    bool matches(rfb::Point size) const;
+    void load(const char* name, bool quiet);
 
-    bool natural; // asked for with no size
+    rfb::Point asked;
+    int askedPpmm; // decides the natural size
 };
 
 } // namespace hxutil

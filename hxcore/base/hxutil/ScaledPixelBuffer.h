@@ -19,7 +19,7 @@ public:
     void setSource(const rfb::PixelBuffer* pb, bool configure = true); ///< borrowed; see Scaler::setSource
     void setPF(const rfb::PixelFormat& pf, const rfb::ColourMap* map = nullptr);
 
-    /// Redraws what a change of `region` of the source touches. After any set function: redraw all.
+    /// Redraws what a change of `region` of the source touches. After a set function the first read draws all.
     void update(const rfb::Region& region);
 
     // rfb::PixelBuffer
@@ -30,12 +30,14 @@ public:
 
 private:
     bool isDirect() const;
-    void configureCache();
+    void configured();
+    void draw(const rfb::Rect& r) const;
 
     const rfb::PixelBuffer* source = nullptr;
     Scaler scaler;
-    rfb::ManagedPixelBuffer cache;
     const rfb::ColourMap* outMap = nullptr;
+    mutable rfb::ManagedPixelBuffer cache;
+    mutable bool stale = true; // nothing of the cache is valid
 };
 
 } // namespace hxutil

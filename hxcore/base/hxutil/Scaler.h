@@ -35,21 +35,28 @@ public:
     void getImage(void* buffer, const rfb::Rect& r, int stride = 0) const override;
     const rfb::PixelFormat& getPf() const override { return outPf; }
 
-    rfb::Point getSrcSize() const { return srcSz; }
-    rfb::Point getDstSize() const { return dstSz; }
+    rfb::Point getSrcSize() const { return coords_.srcSz; }
+    rfb::Point getDstSize() const { return coords_.dstSz; }
 
+private:
     struct Sum {
         int c[4];
     };
     struct Job;
+    struct Loops; // the inner loops, a template for each kind of format
     using ScaleFn = void (*)(const Job& job);
 
-private:
+    /// Source pixel i covers [i dstSz, (i + 1) dstSz), target pixel j covers [j srcSz, (j + 1) srcSz), on each axis.
+    struct Coords {
+        rfb::Point srcSz;
+        rfb::Point dstSz;
+    };
+
     void select();
+    static ScaleFn findFn(const rfb::PixelFormat& from, const rfb::PixelFormat& to);
     rfb::Rect sourceRect(const rfb::Rect& r) const;
 
-    rfb::Point srcSz;
-    rfb::Point dstSz;
+    Coords coords_;
     mutable std::vector<Sum> rowSums; // one a target pixel; only grows
     const rfb::PixelBuffer* source = nullptr;
     rfb::PixelFormat outPf;

@@ -48,6 +48,16 @@ void overRow(uint8_t* dst, const uint8_t* src, int width, uint32_t opaque, uint3
     }
 }
 
+/// premultiplyOp on a row of 0xaarrggbb.
+void premultiplyRow(uint8_t* dst, const uint8_t* src, int width) {
+    for (int x = 0; x < width; ++x, dst += 4, src += 4) {
+        const uint32_t s = loadPixel<4>(src);
+        const uint32_t a = s >> 24;
+        const auto scaled = [&](int shift) { return (channel(s, shift) * a + 127) / 255 << shift; };
+        storePixel<4>(dst, a == 255 ? s : (a << 24 | scaled(16) | scaled(8) | scaled(0)));
+    }
+}
+
 /// d = (s * c + d * (255 - s.a * c / 255) + 127) / 255, each channel.
 Colour throughMask(const Colour& s, const Colour& d, int c) {
     const int keep = 255 - (s.a == 255 ? c : div255(s.a * c));
@@ -122,9 +132,12 @@ void compose(WritablePixelBuffer& dst, Point position, const PixelBuffer& src, c
     const int dstBytes = dstPf.bytesPerPixel();
     const bool over = op == overOp && isArgbOrRgb(srcPf) && isArgbOrRgb(dstPf);
     const bool copy = op == copyOp && sameLayout(dstPf, srcPf);
+    const bool premultiply = op == premultiplyOp && dstPf.equal(pfARGB8888()) && srcPf.equal(pfARGB8888());
     for (int y = 0; y < r.height(); ++y) {
         if (copy) {
             std::memmove(to, from, static_cast<size_t>(r.width()) * 4);
+        } else if (premultiply) {
+            premultiplyRow(to, from, r.width());
         } else if (over) {
             overRow(to, from, r.width(), srcPf.alphaMax ? 0 : 0xff000000, dstPf.alphaMax ? 0xffffffff : 0x00ffffff);
         } else {
