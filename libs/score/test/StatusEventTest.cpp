@@ -8,7 +8,7 @@
 namespace score {
 namespace {
 
-StatusDbNode eventNode(uint32_t severity, const char* recovery, const char* resolver, const char* flags) {
+StatusEvent event(uint32_t severity, const char* recovery, const char* resolver, const char* flags) {
     StatusDbNode node("e1", severity, nullptr);
     node.setData("title", "Title");
     if (recovery)
@@ -17,26 +17,26 @@ StatusDbNode eventNode(uint32_t severity, const char* recovery, const char* reso
         node.setData("resolver", resolver);
     if (flags)
         node.setData("recFlags", flags);
-    return node;
+    return StatusEvent(node);
 }
 
 TEST(StatusEvent, DecodesWhatIsThere) {
-    const StatusEvent bare(eventNode(StatusEvent::Warning, nullptr, "ignored", nullptr));
+    const StatusEvent bare = event(StatusEvent::Warning, nullptr, "ignored", nullptr);
     EXPECT_STREQ(bare.title.c_str(), "Title");
     EXPECT_TRUE(bare.solution.isNull());
     EXPECT_TRUE(bare.resolver.isNull());
     EXPECT_EQ(bare.recovery, StatusEvent::NoRecovery);
 
-    const StatusEvent kept(eventNode(0, "0", "kept", nullptr));
+    const StatusEvent kept = event(0, "0", "kept", nullptr);
     EXPECT_STREQ(kept.resolver.get(), "kept");
-    const StatusEvent url(eventNode(2, "4", nullptr, "1"));
+    const StatusEvent url = event(2, "4", nullptr, "1");
     EXPECT_EQ(url.recFlags, 1U);
 }
 
 TEST(StatusEvent, RefusesValuesOutOfRange) {
     const auto textOf = [](uint32_t severity, const char* recovery, const char* resolver) {
         try {
-            StatusEvent event(eventNode(severity, recovery, resolver, nullptr));
+            event(severity, recovery, resolver, nullptr);
         } catch (const plat::AssertionFail& e) {
             return std::string(e.what());
         }
@@ -54,9 +54,9 @@ TEST(StatusEvent, RefusesValuesOutOfRange) {
 
 TEST(StatusEvent, AsksForOptionsAccessAsTheModeNeeds) {
     setProductMode(ProductMode::User);
-    EXPECT_EQ(StatusEvent(eventNode(0, "3", nullptr, "0")).recFlags, 2U);
+    EXPECT_EQ(event(0, "3", nullptr, "0").recFlags, 2U);
     setProductMode(ProductMode::Service);
-    EXPECT_EQ(StatusEvent(eventNode(0, "3", nullptr, "4")).recFlags, 7U);
+    EXPECT_EQ(event(0, "3", nullptr, "4").recFlags, 7U);
     setProductMode(ProductMode::User);
 }
 
@@ -66,10 +66,10 @@ TEST(StatusEventDb, CountsTheHighestSeverity) {
     EXPECT_EQ(db.maxSeverity(count), 0U);
     EXPECT_EQ(count, 0U);
     for (const auto& [id, severity] : {std::pair{"a", 0U}, {"b", 1U}, {"c", 0U}}) {
-        StatusEvent event;
-        event.id = id;
-        event.severity = severity;
-        db.write(nullptr, event);
+        StatusEvent each;
+        each.id = id;
+        each.severity = severity;
+        db.write(nullptr, each);
     }
     EXPECT_EQ(db.maxSeverity(count), 1U);
     EXPECT_EQ(count, 1U);
@@ -84,10 +84,10 @@ TEST(StatusEventDb, ResolvesByNameAndForgetsResolvers) {
         std::string last;
     };
     StatusEventDb db;
-    StatusEvent event;
-    event.id = "e1";
-    event.setRecovery(StatusEvent::Resolver1, "fix", 0);
-    db.write(nullptr, event);
+    StatusEvent fixable;
+    fixable.id = "e1";
+    fixable.setRecovery(StatusEvent::Resolver1, "fix", 0);
+    db.write(nullptr, fixable);
     {
         Counting first(&db, "fix");
         Counting second(&db, "fix");
