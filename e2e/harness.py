@@ -1,0 +1,199 @@
+"""What the end-to-end tests stand on: the real program, the stand-in core, a real X server and window manager."""
+import glob
+import os
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+BIN = os.environ["ZEF_BIN"]
+UI = os.path.join(BIN, "zefserverui")
+CORE = os.path.join(BIN, "zefdemocore")
+SLOW = float(os.environ.get("ZEF_SLOW", "1"))
+
+
+def until(condition, what, seconds=10.0):
+    """Waits for a condition that is not an event of ours; gives its value."""
+    end = time.monotonic() + seconds * SLOW
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > end:
+            raise AssertionError(f"waited in vain for {what}")
+        time.sleep(0.02)
+
+
+class Home:
+    """A scratch home, with an environment that leads nowhere else."""
+
+    def __init__(self):
+        self.path = tempfile.mkdtemp(prefix="zef-e2e-")
+        os.chmod(self.path, 0o755)
+        self.env = {k: v for k, v in os.environ.items() if not k.startswith(("ZEF_PROFILE", "ZEF_CONFIG"))}
+        self.env["HOME"] = self.path
+        self.env["LANG"] = "C.UTF-8"
+        self.env.pop("LANGUAGE", None)
+        self.env["ZEF_PROFILE"] = os.path.basename(self.path)
+        # Root's home comes from the password file, so the profile keeps its runs apart.
+        root = "/root" if os.geteuid() == 0 else self.path
+        self.profile = os.path.join(root, ".zef", "profiles", os.path.basename(self.path))
+
+    def remove(self):
+        shutil.rmtree(self.path, ignore_errors=True)
+        shutil.rmtree(self.profile, ignore_errors=True)
+
+    def config(self, app, text):
+        folder = os.path.join(self.profile, "config.d")
+        os.makedirs(folder, exist_ok=True)
+        with open(os.path.join(folder, app), "w", encoding="utf-8") as out:
+            out.write(text)
+
+
+class Core:
+    """The stand-in core at the other end of pipes: say() a command, expect() a line."""
+
+    def __init__(self, home, mode="user", args=(), core_args=()):
+        self.home = home
+        self.inspect = None
+        self.lines = []
+        self.process = subprocess.Popen(
+            [CORE, "-mode", mode, "-terminal", *core_args, "--", "-_MuiComms", *args],
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=open(os.path.join(home.path, "stderr"), "wb"),
+            env=home.env)
+        os.set_blocking(self.process.stdout.fileno(), False)
+        self.buffer = b""
+
+    def say(self, *commands):
+        for command in commands:
+            self.process.stdin.write(command.encode() + b"\n")
+        self.process.stdin.flush()
+
+    def read(self):
+        try:
+            data = os.read(self.process.stdout.fileno(), 65536)
+        except BlockingIOError:
+            return
+        self.buffer += data
+        *lines, self.buffer = self.buffer.split(b"\n")
+        self.lines += [line.decode(errors="replace") for line in lines]
+
+    def expect(self, start, seconds=10.0):
+        """The first line that begins so, taken with all before it."""
+        def look():
+            self.read()
+            for i, line in enumerate(self.lines):
+                if line.startswith(start):
+                    del self.lines[: i + 1]
+                    return line
+            return None
+        try:
+            return until(look, f"'{start}'", seconds)
+        except AssertionError as failure:
+            raise AssertionError(f"{failure}; came: {self.lines}; stderr: {self.stderr()}") from None
+
+    def stderr(self):
+        with open(os.path.join(self.home.path, "stderr"), errors="replace") as text:
+            return text.read()
+
+    def ui_pid(self):
+        children = subprocess.run(["pgrep", "-P", str(self.process.pid), "-f", "zefserverui"],
+                                  capture_output=True, text=True, check=False).stdout.split()
+        return int(children[0]) if children else None
+
+    def ask(self, line):
+        """One inspection request; its reply without the closing line."""
+        if self.inspect is None:
+            pattern = f"/tmp/.zef-{os.geteuid()}/*MuiComms*"
+
+            def find():
+                pid = self.ui_pid()
+                paths = [p for p in glob.glob(pattern) if pid and listens(p, pid)]
+                return paths[0] if paths else None
+            self.inspect = until(find, "the inspection socket")
+        with socket.socket(socket.AF_UNIX) as link:
+            link.settimeout(10 * SLOW)
+            link.connect(self.inspect)
+            link.sendall(line.encode() + b"\n")
+            data = b""
+            while not (data.endswith(b"\n\n") or data == b"\n"):
+                piece = link.recv(65536)
+                if not piece:
+                    break
+                data += piece
+        return data.decode(errors="replace").rstrip("\n")
+
+    def state(self, ref):
+        """The state of an element as a map."""
+        return dict(line.split(" ", 1) for line in self.ask("state " + ref).split("\n") if " " in line)
+
+    def until_state(self, ref, key, value):
+        return until(lambda: self.state(ref).get(key) == value, f"{ref} {key} = {value}")
+
+    def end(self):
+        if self.process.poll() is None:
+            self.process.stdin.close()
+            try:
+                self.process.wait(10 * SLOW)
+            except subprocess.TimeoutExpired:
+                self.process.kill()
+                self.process.wait()
+        self.process.stdout.close()
+
+
+def listens(path, pid):
+    """Whether the process at the other end of a local socket is that one."""
+    with socket.socket(socket.AF_UNIX) as link:
+        try:
+            link.connect(path)
+        except OSError:
+            return False
+        peer = link.getsockopt(socket.SOL_SOCKET, socket.SO_PEERCRED, 12)
+        return int.from_bytes(peer[:4], sys.byteorder) == pid
+
+
+class UiTest(unittest.TestCase):
+    """A test with a home of its own; start() gives a core with a UI."""
+
+    def setUp(self):
+        self.home = Home()
+        self.cores = []
+
+    def tearDown(self):
+        for core in self.cores:
+            core.end()
+        self.home.remove()
+
+    def start(self, mode="user", args=(), core_args=()):
+        core = Core(self.home, mode, args, core_args)
+        self.cores.append(core)
+        return core
+
+    def open_dialog(self, core):
+        core.say("showstatus", "wait uiActivated 20000")
+        core.expect("ui: uiActivated", 20)
+        core.until_state("statusdialog", "shown", "1")
+        return until(lambda: self.window(), "the window")
+
+    def window(self, name="^Velthar Server$"):
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", name],
+                               capture_output=True, text=True, check=False).stdout.split()
+        return found[0] if found else None
+
+    def keys(self, *names):
+        subprocess.run(["xdotool", "key", *names], check=True)
+
+    def run_ui(self, *args, env=None, **kwargs):
+        """The bare program: its exit status, stdout and stderr."""
+        done = subprocess.run([UI, *args], capture_output=True, env=env or self.home.env, timeout=30 * SLOW,
+                              check=False, **kwargs)
+        return done.returncode, done.stdout.decode(errors="replace"), done.stderr.decode(errors="replace")
+
+
+def main():
+    signal.signal(signal.SIGPIPE, signal.SIG_DFL)
+    unittest.main(verbosity=2)
