@@ -1,0 +1,91 @@
+// Sources and sinks for tests of streams.
+#pragma once
+
+#include "rdr/BufferedInStream.h"
+#include "rdr/BufferedOutStream.h"
+#include "rdr/MemInStream.h"
+#include "rdr/exceptions.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <string>
+
+/// Bytes from text such as "00 0f 'name' ff": hexadecimal pairs and quoted text; blanks don't count.
+inline std::string bytes(const char* text) {
+    std::string out;
+    while (*text) {
+        if (*text == '\'') {
+            for (++text; *text != '\''; ++text)
+                out += *text;
+            ++text;
+        } else if (std::isxdigit(static_cast<unsigned char>(*text))) {
+            out += static_cast<char>(std::stoi(std::string(text, 2), nullptr, 16));
+            text += 2;
+        } else {
+            ++text;
+        }
+    }
+    return out;
+}
+
+struct HeldBytes {
+    std::string held;
+};
+
+/// A MemInStream that keeps its bytes.
+class BytesInStream : private HeldBytes, public rdr::MemInStream {
+public:
+    explicit BytesInStream(std::string data) : HeldBytes{std::move(data)}, MemInStream(held.data(), held.size()) {}
+};
+
+/// A non-blocking source: gives what was put in, then nothing until more is put in.
+class TrickleStream : public rdr::BufferedNonBlockableInStream {
+public:
+    explicit TrickleStream(std::string first = "", int size = -1)
+        : BufferedNonBlockableInStream(size), pending(std::move(first)) {
+        setNonBlocking(true);
+    }
+    void put(const std::string& more) { pending += more; }
+    void finish() { atEndOfStream = true; }
+
+    size_t mostAtOnce = SIZE_MAX; ///< of one readData
+
+protected:
+    size_t readData(void* buf, size_t len) override {
+        const size_t count = std::min({len, pending.size(), mostAtOnce});
+        if (count == 0 && atEndOfStream)
+            throw rdr::EndOfStream();
+        std::memcpy(buf, pending.data(), count);
+        pending.erase(0, count);
+        return count;
+    }
+
+private:
+    std::string pending;
+    bool atEndOfStream = false;
+};
+
+/// A sink that takes only as much as it is allowed to.
+class ThrottledStream : public rdr::BufferedLazyOutStream {
+public:
+    using BufferedLazyOutStream::BufferedLazyOutStream;
+
+    std::string taken;
+    size_t allowance = SIZE_MAX; ///< bytes that still go
+    int waits = 0;               ///< writes that had to wait
+    bool yieldsToWait = true;    ///< a write that waits takes one byte in any case
+
+protected:
+    size_t writeData(const void* buf, size_t len, bool needWrite) override {
+        size_t count = std::min(len, allowance);
+        if (count == 0 && needWrite) {
+            ++waits;
+            count = yieldsToWait ? 1 : 0;
+        } else {
+            allowance -= count;
+        }
+        taken.append(static_cast<const char*>(buf), count);
+        return count;
+    }
+};
