@@ -18,7 +18,8 @@ FdOutStream::FdOutStream(int fd_, bool ownFd_, Callback* target, int size)
     : BufferedLazyOutStream(size), fd(fd_), ownFd(ownFd_), callback(target) {}
 
 FdOutStream::~FdOutStream() {
-    callback = nullptr; // its owner may be half gone
+    callback = nullptr;   // its owner may be half gone
+    setThrowErrors(true); // so that a failure ends here
     try {
         flush();
     } catch (const plat::Exception&) {

@@ -1,0 +1,251 @@
+#include "rdr/FdInStream.h"
+#include "rdr/FdOutStream.h"
+
+#include "streamTesting.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+// Two ends of a socket pair, both non-blocking, with small buffers.
+class Pair : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, fds), 0);
+        const int size = 4096;
+        ASSERT_EQ(::setsockopt(fds[0], SOL_SOCKET, SO_SNDBUF, &size, sizeof size), 0);
+    }
+    ~Pair() override {
+        closeFd(0);
+        closeFd(1);
+    }
+    void closeFd(int which) {
+        if (fds[which] >= 0)
+            ::close(fds[which]);
+        fds[which] = -1;
+    }
+    std::string drain() {
+        std::string all;
+        char buf[65536];
+        for (ssize_t n = 0; (n = ::read(fds[1], buf, sizeof buf)) > 0;)
+            all.append(buf, static_cast<size_t>(n));
+        return all;
+    }
+
+    int fds[2] = {-1, -1};
+};
+
+class RecordingCallback : public rdr::FdOutStream::Callback {
+public:
+    void outputBlocked(rdr::FdOutStream*, bool isBlocked) override {
+        blocked = isBlocked;
+        ++calls;
+    }
+    void outputShutdown(rdr::FdOutStream*) override { ++shutdowns; }
+
+    bool blocked = false;
+    int calls = 0;
+    int shutdowns = 0;
+};
+
+// Signals that interrupt system calls as long as it lives.
+class Interruptions {
+public:
+    Interruptions() {
+        struct sigaction action {};
+        action.sa_handler = [](int) {};
+        ::sigaction(SIGALRM, &action, &former); // without SA_RESTART
+        const itimerval often{{0, 500}, {0, 500}};
+        ::setitimer(ITIMER_REAL, &often, nullptr);
+    }
+    ~Interruptions() {
+        const itimerval never{};
+        ::setitimer(ITIMER_REAL, &never, nullptr);
+        ::sigaction(SIGALRM, &former, nullptr);
+    }
+
+private:
+    struct sigaction former {};
+};
+
+TEST_F(Pair, ANonBlockingReadWaitsForNothing) {
+    rdr::FdInStream in(fds[1]);
+    in.setNonBlocking(true);
+    ASSERT_EQ(::write(fds[0], "abc", 3), 3);
+    EXPECT_THROW(in.readU32(), rdr::BlockException);
+    ASSERT_EQ(::write(fds[0], "de", 2), 2);
+    EXPECT_EQ(in.readU32(), 0x61626364U);
+    closeFd(0);
+    EXPECT_EQ(in.readU8(), 'e');
+    EXPECT_THROW(in.readU8(), rdr::EndOfStream);
+}
+
+TEST_F(Pair, ABlockingReadTimesOut) {
+    rdr::FdInStream in(fds[1], /*timeoutMs=*/1);
+    EXPECT_THROW(in.readU8(), plat::TimedOut);
+    ASSERT_EQ(::write(fds[0], "a", 1), 1);
+    EXPECT_EQ(in.readU8(), 'a');
+    in.setTimedOut(true);
+    ASSERT_EQ(::write(fds[0], "b", 1), 1);
+    EXPECT_THROW(in.readU8(), plat::TimedOut); // given up, whatever comes
+}
+
+TEST(FdInStream, AnErrorTellsItsNumber) {
+    rdr::FdInStream in(-1);
+    try {
+        in.readU8();
+        FAIL();
+    } catch (const plat::SystemException& e) {
+        EXPECT_EQ(e.errNo, EBADF);
+        EXPECT_EQ(std::string(e.what()).substr(0, 6), "read: ");
+    }
+}
+
+TEST(FdInStream, TheOwnerClosesItsDescriptor) {
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    { const rdr::FdInStreamOwn in(ends[0]); }
+    EXPECT_EQ(::fcntl(ends[0], F_GETFD), -1);
+    ::close(ends[1]);
+}
+
+TEST_F(Pair, ABlockingWriterTimesOutOnAPeerThatDoesntRead) {
+    rdr::FdOutStream out(fds[0], /*ownFd=*/false);
+    out.setTimeout(1);
+    out.writeStr("%s", std::string(100000, 'x').c_str());
+    EXPECT_THROW(out.flush(), plat::TimedOut);
+    out.setNonBlocking(true); // lets the destructor go
+}
+
+TEST_F(Pair, ANonBlockingWriterKeepsWhatDoesntGoAndTells) {
+    RecordingCallback callback;
+    rdr::FdOutStream out(fds[0], /*ownFd=*/false, &callback);
+    out.setNonBlocking(true);
+    std::string sent;
+    std::string got;
+    for (uint32_t i = 0; i < 50000; ++i)
+        out.writeU32(i);
+    for (uint32_t i = 0; i < 50000; ++i)
+        for (const int shift : {24, 16, 8, 0})
+            sent += static_cast<char>(i >> shift);
+    out.flush();
+    EXPECT_TRUE(callback.blocked);
+    EXPECT_GT(out.bytesInBuffer(), 0U);
+    out.shutdownWrite();
+    EXPECT_EQ(callback.shutdowns, 0); // bytes are unsent
+    while (out.bytesInBuffer() > 0) {
+        got += drain();
+        out.flush();
+    }
+    EXPECT_FALSE(callback.blocked);
+    out.shutdownWrite();
+    EXPECT_EQ(callback.shutdowns, 1);
+    got += drain();
+    EXPECT_EQ(got, sent);
+    char more = 0;
+    EXPECT_EQ(::read(fds[1], &more, 1), 0); // the peer sees the end
+}
+
+TEST_F(Pair, APeerThatHasGoneIsAnErrorAndNoSignal) {
+    rdr::FdOutStream out(fds[0], /*ownFd=*/false);
+    closeFd(1);
+    out.writeU8(1);
+    try {
+        out.flush();
+        FAIL();
+    } catch (const plat::SystemException& e) {
+        EXPECT_EQ(e.errNo, EPIPE);
+    }
+    out.setThrowErrors(false);
+    EXPECT_NO_THROW(out.setNonBlocking(true)); // logged; the byte stays
+    EXPECT_EQ(out.bytesInBuffer(), 1U);
+}
+
+TEST_F(Pair, AStreamThatDoesntThrowMustNotWait) {
+    rdr::FdOutStream out(fds[0], /*ownFd=*/false);
+    out.setThrowErrors(false);
+    closeFd(1);
+    out.writeU8(1);
+    EXPECT_DEATH(out.flush(), "!needWrite");
+    out.setNonBlocking(true);
+}
+
+TEST_F(Pair, TheDestructorSendsWhatIsLeft) {
+    {
+        rdr::FdOutStream out(fds[0], /*ownFd=*/true);
+        out.writeU32(0x61626364);
+        fds[0] = -1;
+    }
+    EXPECT_EQ(drain(), "abcd");
+}
+
+TEST(FdOutStream, WritesToWhatIsNoSocket) {
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    {
+        rdr::FdOutStream out(ends[1], /*ownFd=*/true);
+        out.writeU16(0x6869);
+        out.flush();
+        EXPECT_THROW(out.shutdownWrite(), plat::SystemException);
+    }
+    rdr::FdInStreamOwn in(ends[0]);
+    EXPECT_EQ(in.readU16(), 0x6869);
+}
+
+TEST(FdOutStream, AFullDiskIsAnError) {
+    const int fd = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(fd, 0);
+    rdr::FdOutStream out(fd, /*ownFd=*/true);
+    out.writeU8(1);
+    try {
+        out.flush();
+        FAIL();
+    } catch (const plat::SystemException& e) {
+        EXPECT_EQ(e.errNo, ENOSPC);
+    }
+    out.setThrowErrors(false);
+}
+
+// Reads and writes that wait go on after each signal, and after each short count of a small socket buffer.
+TEST_F(Pair, SignalsAndShortCountsChangeNothing) {
+    constexpr size_t total = 3000000;
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        try {
+            const Interruptions signals;
+            rdr::FdOutStream out(fds[0], /*ownFd=*/false);
+            const std::string block(10007, 'x');
+            for (size_t done = 0; done < total; done += block.size())
+                out.writeBytes(block.data(), std::min(block.size(), total - done));
+            out.waitUntilFlushed();
+            ::_exit(out.bytesInBuffer() == 0 ? 0 : 2);
+        } catch (const plat::Exception&) {
+            ::_exit(1);
+        }
+    }
+    closeFd(0);
+    const Interruptions signals;
+    rdr::FdInStream in(fds[1], /*timeoutMs=*/20000);
+    size_t got = 0;
+    try {
+        for (;; ++got)
+            if (in.readU8() != 'x')
+                break;
+    } catch (const rdr::EndOfStream&) {
+    }
+    EXPECT_EQ(got, total);
+    int status = -1;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    EXPECT_EQ(status, 0);
+}
+
+} // namespace
