@@ -36,7 +36,7 @@ public:
     void addButtons(unsigned buttons);
     MuButton* addCustom(const char* name, const char* label); ///< at the end, natural width
     MuButton* getButton(Button button);                       ///< null if the mask had it not
-    unsigned buttonOf(const MuElement* element) const;             ///< which Button an event's source is, 0 if none
+    unsigned buttonOf(const MuElement* element) const;        ///< which Button an event's source is, 0 if none
     MuLayout* layout() { return bar; }
 
 private:

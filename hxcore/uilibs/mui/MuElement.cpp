@@ -3,11 +3,17 @@
 #include "mui/MuContainer.h"
 #include "mui/oneLine.h"
 #include "plat/Assert.h"
+#include "plat/ConfigParameter.h"
 #include "plat/DString.h"
 
 #include <algorithm>
 
 namespace mui {
+namespace {
+plat::BoolParameter debugLayout("_DebugLayout", plat::LocKey("mui_param_debuglayout"), false);
+} // namespace
+
+bool isLayoutDebugged() { return debugLayout.value(); }
 
 /// One element's part of a notification that is under way. It stands on the stack, so the records of an element come
 /// and go in turn.

@@ -23,6 +23,9 @@ public:
     virtual void overflow(class MuElement* element, const char* message) = 0;
 };
 
+/// Whether each element shall show its bounds by a background colour of its own: parameter _DebugLayout.
+bool isLayoutDebugged();
+
 /// A named node of a dialog: it has a size and a place, can be shown, enabled and listened to.
 ///
 /// Owned by its parent container. Its widget, if any, is reached through MuCommon only. Names joined by dots make
@@ -38,7 +41,7 @@ public:
     const char* getName() const { return name_.c_str(); }
     const char* getLabel() const { return label.get(); } ///< may be null
     plat::String getFullName() const;                    ///< dotted, without the topmost element
-    MuElement* getParent() const { return parent_; }      ///< null at the top
+    MuElement* getParent() const { return parent_; }     ///< null at the top
     MuElement* getTop();                                 ///< the topmost ancestor, itself at the top
 
     // Events
@@ -50,15 +53,16 @@ public:
     // State
     void setEnabled(bool enabled);
     bool isEnabled() const { return (flags_ & Disabled) == 0; }
-    void setLocked(bool locked);                ///< inert too; kept apart so that a caller can show why
+    void setLocked(bool locked);                 ///< inert too; kept apart so that a caller can show why
     bool isInert() const { return flags_ != 0; } ///< disabled or locked
-    bool isShownFully();                        ///< itself and all above
+    bool isShownFully();                         ///< itself and all above
 
     // Style
     const MuStyle& getStyle() const;  ///< own or the nearest ancestor's; asserts that there is one
     const MuStyle* findStyle() const; ///< the same, null while the tree has no styled top
-    MuStyle& ownStyle();              ///< made with default values on first use; call styleChanged() after a change
-    void setFontSize(int size);       ///< tenths of a point
+    bool hasOwnStyle() const { return style_ != nullptr; }
+    MuStyle& ownStyle();        ///< made with default values on first use; call styleChanged() after a change
+    void setFontSize(int size); ///< tenths of a point
     void setTextColour(const char* colour);
     void setBgColour(const char* colour);
 
@@ -90,7 +94,7 @@ public:
     virtual bool handleCommand(const char* command, const char* argument); ///< `argument` may be null
     void mouseEvent(const hxutil::MouseEvent& event) override;             ///< forwards to the mouse callback
     virtual void checkLayout(MuLayoutCheckObserver* observer);
-    virtual void stateChanged() {} ///< after a change of the enabled or locked state
+    virtual void stateChanged() {}              ///< after a change of the enabled or locked state
     virtual void setDefaultFocus(MuElement*) {} ///< called on the topmost element; a dialog keeps it for its next show
 
     /// The widget-side half, null for elements without a widget.

@@ -211,8 +211,7 @@ int MuLayout::minAcross(int along) {
     const int remaining = along - (count - 1) * spacing - sum;
     for (const Child& child : children)
         if (is(child.flags, Stretch) && child.element->isShown())
-            most = std::max(most,
-                            axes.minAcross(child.element, weights > 0 ? child.size * remaining / weights : 0));
+            most = std::max(most, axes.minAcross(child.element, weights > 0 ? child.size * remaining / weights : 0));
     return most;
 }
 

@@ -26,6 +26,8 @@ MuText::MuText(const char* name, const char* markup_, Align align_)
 }
 
 void MuText::setText(const char* newMarkup) {
+    if (markup == newMarkup)
+        return;
     markup = newMarkup ? newMarkup : "";
     parseLinks();
 }
@@ -67,7 +69,8 @@ plat::String MuText::getState() {
 
 bool MuText::handleCommand(const char* command, const char* argument) {
     int index = 0;
-    return std::strcmp(command, "click") == 0 && plat::parseIntInRange(argument, INT_MIN, INT_MAX, index) && activateLink(index);
+    return std::strcmp(command, "click") == 0 && plat::parseIntInRange(argument, INT_MIN, INT_MAX, index) &&
+           activateLink(index);
 }
 
 } // namespace mui

@@ -33,7 +33,7 @@ public:
     virtual ~Mui();
 
     static void setInstance(Mui* mui_); ///< not null, borrowed; it ends with the object
-    static Mui* instance();            ///< asserts that there is one
+    static Mui* instance();             ///< asserts that there is one
     static bool hasInstance();
 
     /// Serial numbers count from 0 and are never used again.

@@ -19,24 +19,29 @@ class MuiCommsConn;
 
 /// Listens on a local socket for inspection connections.
 ///
-/// One in a process, made by init. Off until setEnabled(true); a production build has no need of it.
+/// One in a process, made by init. Off until setEnabled(true): a production build has no need of it. A peer of another
+/// user is refused; one that says nothing, or leaves a line half said, is ended after ten seconds.
 class MuiComms : public io::IoAcceptor, private plat::NonCopyable {
 public:
-    /// Asserts that there is none yet. `mui` is borrowed. `nameSuffix` is added to the application's name in the
-    /// socket's name; null or "" for none.
+    static constexpr size_t maxConnections = 16;
+    static constexpr unsigned maxSilent = 4; ///< of them may not have said anything yet
+    static constexpr unsigned silenceMs = 10000;
+
+    /// Asserts that there is none yet. `mui` is borrowed. `nameSuffix` is added to the name of the socket, null or ""
+    /// for none.
     static void init(Mui* mui, const char* nameSuffix = nullptr);
     static MuiComms* instance(); ///< null before init
-    static void destroy();       ///< ends listening and all connections
+    static void destroy();       ///< ends listening and all connections; nothing if there is none
 
-    /// init, and setEnabled when the parameter _MuiComms says so.
+    /// init, and setEnabled if the parameter _MuiComms says so.
     static void initFromParameter(Mui* mui, const char* nameSuffix = nullptr);
 
     void setEnabled(bool enabled); ///< a failure is logged and leaves it off
-    bool isEnabled() const;
+    bool isEnabled() const { return listener != nullptr; }
     const char* getPipeName() const { return pipeName.c_str(); } ///< the socket's path, "" while off
 
     // io::IoAcceptor
-    io::IoHandler* accept(io::Io* io) override;
+    void acceptIo(io::Io* io) override;
 
 private:
     friend class MuiCommsConn;
@@ -48,7 +53,7 @@ private:
     plat::String nameSuffix;
     plat::String pipeName;
     std::unique_ptr<os::NamedPipeListener> listener;
-    std::list<MuiCommsConn*> connections;
+    std::list<MuiCommsConn*> connections; // they delete themselves
 };
 
 } // namespace mui

@@ -1,0 +1,104 @@
+#include "mui/MuiCommsConn.h"
+
+#include "io/Io.h"
+#include "mui/MuiCommands.h"
+#include "mui/MuiComms.h"
+#include "plat/DString.h"
+#include "plat/Exception.h"
+#include "plat/LogSrc.h"
+#include "rdr/InStream.h"
+#include "rdr/OutStream.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace mui {
+namespace {
+plat::LogSrc log("MuiComms");
+} // namespace
+
+MuiCommsConn::MuiCommsConn(MuiComms* comms_, io::Io* io_) : comms(comms_), io(io_), halfLineTimer(this) {
+    comms->connections.push_back(this);
+    io->setHandler(this);
+}
+
+MuiCommsConn::~MuiCommsConn() {
+    comms->connections.remove(this);
+    if (destroyed)
+        *destroyed = true;
+}
+
+void MuiCommsConn::end() {
+    io->shutdown(/*flush=*/false, /*tellHandler=*/false);
+    delete this;
+}
+
+void MuiCommsConn::ioReadable(io::Io*) {
+    if (busy) {
+        // A command shows a dialog that blocks: this connection waits for it, without keeping the loop awake.
+        io->setHandler(this, /*wantRead=*/false);
+        paused = true;
+        return;
+    }
+    while (io->outStream()->bytesInBuffer() == 0 && takeLine())
+        if (!runLine())
+            return;
+}
+
+void MuiCommsConn::ioWritable(io::Io*) { ioReadable(io); }
+
+void MuiCommsConn::ioClosed(io::Io*) { delete this; }
+
+bool MuiCommsConn::timerExpired(plat::Timer*) {
+    log.info("%s: half a line for too long", io->getName().c_str());
+    end();
+    return false;
+}
+
+bool MuiCommsConn::takeLine() {
+    rdr::InStream& in = *io->inStream();
+    size_t count = maxLineBytes;
+    while (const uint8_t* bytes = in.check(1, &count, /*wait=*/false)) {
+        const auto* lineEnd = static_cast<const uint8_t*>(memchr(bytes, '\n', count));
+        const size_t take = lineEnd ? static_cast<size_t>(lineEnd - bytes) : count;
+        if (line.size() + take > maxLineBytes)
+            throw plat::Exception("inspection line too long");
+        line.append(reinterpret_cast<const char*>(bytes), take);
+        in.consume(lineEnd ? take + 1 : take);
+        in.checkpoint();
+        if (lineEnd) {
+            halfLineTimer.cancel();
+            return true;
+        }
+        count = maxLineBytes;
+    }
+    if (line.empty())
+        halfLineTimer.cancel();
+    else if (!halfLineTimer.isActive())
+        halfLineTimer.start(MuiComms::silenceMs);
+    return false;
+}
+
+bool MuiCommsConn::runLine() {
+    std::string command;
+    command.swap(line);
+    if (log.isEnabled(plat::LogDebug))
+        log.debug("Got command %s", command.substr(0, command.find(' ')).c_str());
+    bool gone = false;
+    destroyed = &gone;
+    busy = true;
+    plat::DString reply;
+    MuiCommands::run(comms->mui, command, reply);
+    if (gone)
+        return false;
+    destroyed = nullptr;
+    busy = false;
+    if (paused)
+        io->setHandler(this);
+    paused = false;
+    io->outStream()->writeBytes(reply.c_str(), static_cast<size_t>(reply.len()));
+    io->outStream()->flush();
+    return true;
+}
+
+} // namespace mui

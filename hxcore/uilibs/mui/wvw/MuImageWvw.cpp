@@ -1,0 +1,29 @@
+#include "mui/wvw/MuImageWvw.h"
+
+#include <algorithm>
+
+namespace mui {
+
+MuImageWvw::MuImageWvw(const char* name, const char* imageName_, const rfb::Point& size)
+    : MuImage(name, imageName_, size), widget(nullptr, imageName_, size), commonWvw(this, &widget) {
+    common = &commonWvw;
+}
+
+void MuImageWvw::setImage(const char* newName, const rfb::Point& size) {
+    if (imageName == newName && imageName.isNull() == !newName && imageSize == size)
+        return;
+    MuImage::setImage(newName, size);
+    widget.setImage(newName, size);
+}
+
+// A size that was asked for holds, so that a missing picture moves nothing else.
+int MuImageWvw::getMinWidth(int height) { return std::max(imageSize.x, MuImage::getMinWidth(height)); }
+
+int MuImageWvw::getMinHeight(int width) { return std::max(imageSize.y, MuImage::getMinHeight(width)); }
+
+void MuImageWvw::styleChanged() {
+    widget.setImage(imageName.get(), imageSize); // the theme may have turned dark
+    MuImage::styleChanged();
+}
+
+} // namespace mui
