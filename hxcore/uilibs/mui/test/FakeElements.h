@@ -1,0 +1,186 @@
+// Elements on pretended widgets, for tests of what lies above them.
+#pragma once
+
+#include "mui/MuButton.h"
+#include "mui/MuCheck.h"
+#include "mui/MuDialog.h"
+#include "mui/MuFrame.h"
+#include "mui/MuImage.h"
+#include "mui/MuLayout.h"
+#include "mui/MuText.h"
+#include "mui/muFactories.h"
+
+#include <functional>
+#include <string>
+
+namespace mui {
+
+/// A widget that only remembers.
+class FakeCommon : public MuCommon {
+public:
+    explicit FakeCommon(MuElement* target = nullptr) : element(target) {}
+
+    void setShown(bool on) override { shown = on; }
+    bool isShown() override { return shown; }
+    void setEnabled(bool on) override { enabled = on; }
+    void setFocus() override { focused = true; }
+    bool hasFocus() override { return focused; }
+    void setTooltip(const char* text) override { tooltip = text; }
+    void setSize(const rfb::Point& s) override { size = s; }
+    rfb::Point getSize() override { return size; }
+    int getMinWidth(int height) override { return minWidth ? minWidth(height) : minSize.x; }
+    int getMinHeight(int width) override { return minHeight ? minHeight(width) : minSize.y; }
+    void setPosition(const rfb::Point& p) override { position = p; }
+    rfb::Point getPosition() override { return position; }
+    void styleChanged() override { ++styleChanges; }
+    void ensureVisible(const rfb::Rect&) override {}
+    void repaint(const rfb::Rect&) override {}
+
+    MuElement* element;
+    bool shown = true;
+    bool enabled = true;
+    bool focused = false;
+    plat::String tooltip;
+    rfb::Point size{0, 0};
+    rfb::Point minSize{0, 0};
+    std::function<int(int)> minWidth;
+    std::function<int(int)> minHeight;
+    rfb::Point position{0, 0};
+    int styleChanges = 0;
+};
+
+/// An element of class Base with a FakeCommon.
+template <class Base>
+class Fake : public Base {
+public:
+    template <class... Args>
+    explicit Fake(Args... args) : Base(args...) {
+        this->common = &fake;
+    }
+    FakeCommon fake;
+};
+
+class FakeElement : public MuElement {
+public:
+    explicit FakeElement(const char* name, const rfb::Point& minSize = {0, 0}) : MuElement(name) {
+        common = &fake;
+        fake.minSize = minSize;
+    }
+    ~FakeElement() override {
+        if (deaths)
+            ++*deaths;
+    }
+    FakeCommon fake;
+    int* deaths = nullptr;
+};
+
+class FakeLayout : public MuLayout {
+public:
+    explicit FakeLayout(Orientation o, const char* name = "") : MuLayout(name, o) { common = &fake; }
+    FakeCommon fake;
+};
+
+class FakeFrame : public MuFrame {
+public:
+    FakeFrame(const char* name, Type kind, const char* title) : MuFrame(name, kind, title) { common = &fake; }
+    int getMinWidth(int h) override { return (child ? child->getMinWidth(h) : 0) + 2 * getMargin().x; }
+    int getMinHeight(int w) override { return (child ? child->getMinHeight(w) : 0) + 2 * getMargin().y; }
+    FakeCommon fake;
+};
+
+class FakeButton : public MuButton {
+public:
+    FakeButton(const char* name, const char* text, Type kind = Type::Normal, unsigned flags = 0)
+        : MuButton(name, text, kind, flags) {
+        common = &fake;
+    }
+    using MuButton::imageFor;
+    FakeCommon fake;
+};
+
+class FakeCheck : public MuCheck {
+public:
+    FakeCheck(const char* name, const char* text, Group* g) : MuCheck(name, text, g) { common = &fake; }
+    FakeCommon fake;
+};
+
+class FakeText : public MuText {
+public:
+    explicit FakeText(const char* name, const char* text) : MuText(name, text, Align::Left) { common = &fake; }
+    void setWrap(bool) override {}
+    void setSelectable(bool) override {}
+    FakeCommon fake;
+};
+
+class FakeImage : public MuImage {
+public:
+    FakeImage(const char* name, const char* image, const rfb::Point& s) : MuImage(name, image, s) { common = &fake; }
+    void setAlignment(int, int) override {}
+    FakeCommon fake;
+};
+
+class FakeDialog : public MuDialog {
+public:
+    explicit FakeDialog(const char* name, const rfb::Point& s = {400, 300}, unsigned flags = 0,
+                        MuDialog* above = nullptr)
+        : MuDialog(name, "Title", s, flags, above) {
+        common = &fake;
+        fake.size = s;
+        fake.shown = false;
+    }
+    ~FakeDialog() override { clear(); }
+    void setMinSize(const rfb::Point&) override {}
+    void* nativeWindow() override { return nullptr; }
+    rfb::Point getOuterSize() override { return getSize(); }
+    rfb::Rect getScreenArea() override { return {0, 0, 1000, 1000}; }
+    ui::MenuBar* menuBar() override { return nullptr; }
+    void setDefaultFocus(MuElement* element) override { defaultFocus = element; }
+
+    FakeCommon fake;
+    MuElement* defaultFocus = nullptr;
+};
+
+/// Fills the factories with fakes, and is the Mui, for as long as it lives.
+class FakeToolkit : public Mui {
+public:
+    FakeToolkit() {
+        setInstance(this);
+        muButtonFactory = [](const char* n, const char* l, int t, unsigned f) -> MuButton* {
+            return new FakeButton(n, l, static_cast<MuButton::Type>(t), f);
+        };
+        muFrameFactory = [](const char* n, int t, const char* title) -> MuFrame* {
+            return new FakeFrame(n, static_cast<MuFrame::Type>(t), title);
+        };
+        muImageFactory = [](const char* n, const char* i, const rfb::Point& s) -> MuImage* {
+            return new FakeImage(n, i, s);
+        };
+        muLayoutFactory = [](const char* n, int o) -> MuLayout* {
+            return new FakeLayout(static_cast<Orientation>(o), n);
+        };
+        muTextFactory = [](const char* n, const char* m, int) -> MuText* { return new FakeText(n, m); };
+        muCheckFactory = [](const char* n, const char* l, void* g) -> MuCheck* {
+            return new FakeCheck(n, l, static_cast<MuCheck::Group*>(g));
+        };
+        muDialogFactory = [](const char* n, const char*, const rfb::Point& s, unsigned f, MuDialog* above) -> MuDialog* {
+            return new FakeDialog(n, s, f, above);
+        };
+    }
+};
+
+/// Writes down what it hears, and does what it is told to on the way.
+class Listener : public MuObserver {
+public:
+    Listener(std::string* target, const char* mark) : heard(target), name(mark) {}
+    void muEvent(MuElement* element, int type) override {
+        *heard += name + ":" + element->getName() + "/" + std::to_string(type) + " ";
+        if (action)
+            action();
+    }
+    std::function<void()> action;
+
+private:
+    std::string* heard;
+    std::string name;
+};
+
+} // namespace mui

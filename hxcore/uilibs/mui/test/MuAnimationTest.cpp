@@ -1,0 +1,60 @@
+#include "mui/MuAnimation.h"
+
+#include "mui/test/FakeElements.h"
+#include "plat/monoTime.h"
+
+#include <gtest/gtest.h>
+
+namespace mui {
+namespace {
+int64_t now = 0;
+int64_t clockNow() { return now; }
+constexpr int64_t ticksPerMs = 10000;
+
+class AnimationTest : public testing::Test {
+protected:
+    AnimationTest() { plat::setTimeSource(clockNow); }
+    ~AnimationTest() override { plat::setTimeSource(nullptr); }
+
+    void pass(int ms) {
+        now += ms * ticksPerMs;
+        timers.processTimers();
+    }
+
+    plat::TimerManager timers;
+    FakeToolkit toolkit;
+    FakeDialog dialog{"d"};
+};
+
+TEST_F(AnimationTest, FramesFollowTheClockAndWrap) {
+    MuAnimation animation(&dialog, "a", 80, {"f0", "f1", "f2"}, {16, 16});
+    const auto shown = [&] { return std::string(animation.getImage()->getImageName()); };
+    pass(200);
+    EXPECT_EQ(shown(), "f0"); // stands until it is told to run
+    animation.setRunning(true);
+    std::string seen = shown();
+    for (int i = 0; i < 4; ++i) {
+        pass(80);
+        seen += shown();
+    }
+    EXPECT_EQ(seen, "f0f1f2f0f1");
+    animation.setRunning(false);
+    EXPECT_EQ(shown(), "f0");
+    pass(500);
+    EXPECT_EQ(shown(), "f0");
+    EXPECT_EQ(timers.timeUntilNext(), -1);
+}
+
+TEST_F(AnimationTest, TheSpinnerNamesItsFrames) {
+    MuSpinner light(&dialog, /*darkBackground=*/false);
+    MuSpinner dark(&dialog, /*darkBackground=*/true);
+    EXPECT_STREQ(light.getImage()->getName(), "spinner");
+    EXPECT_STREQ(light.getImage()->getImageName(), "spinner00");
+    dark.setRunning(true);
+    for (int i = 0; i < 11; ++i)
+        pass(80);
+    EXPECT_STREQ(dark.getImage()->getImageName(), "spinnerblack11");
+}
+
+} // namespace
+} // namespace mui
