@@ -11,7 +11,7 @@ public:
     virtual MuElement* getChild(int index) = 0; ///< a negative one counts from the end; null if out of range
     virtual int getChildCount() = 0;
     virtual void add(MuElement* element);        ///< asserts that there is one, then adopts it
-    virtual void adopt(MuElement* element);      ///< takes ownership
+    virtual void adopt(MuElement* element) = 0;  ///< takes ownership
     virtual void remove(MuElement* element) = 0; ///< deletes the child
     virtual rfb::Point getContentOrigin() { return {0, 0}; }
 

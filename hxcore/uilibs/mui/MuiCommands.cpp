@@ -98,7 +98,7 @@ void MuiCommands::run(Mui* mui, std::string_view line, plat::DString& reply) {
 }
 
 bool MuiCommands::split(std::string_view line, Words& words) {
-    if (line.find('\0') != std::string_view::npos || !plat::isValid(line.data(), line.data() + line.size()))
+    if (line.find('\0') != std::string_view::npos || !plat::utf8::isValid(line.data(), line.data() + line.size()))
         return false;
     if (!takeWord(line, words.command))
         return true;

@@ -35,17 +35,29 @@ void MuiCommsConn::end() {
 
 void MuiCommsConn::ioReadable(io::Io*) {
     if (busy) {
-        // A command shows a dialog that blocks: this connection waits for it, without keeping the loop awake.
-        io->setHandler(this, /*wantRead=*/false);
-        paused = true;
+        pause(true); // a command shows a dialog that blocks: this connection waits for it
         return;
     }
-    while (io->outStream()->bytesInBuffer() == 0 && takeLine())
+    while (io->outStream()->bytesInBuffer() == 0) {
+        if (!takeLine()) {
+            pause(false);
+            return;
+        }
         if (!runLine())
             return;
+    }
+    pause(true);
 }
 
 void MuiCommsConn::ioWritable(io::Io*) { ioReadable(io); }
+
+/// Without interest in reading, so that bytes that we leave where they are don't keep the loop awake.
+void MuiCommsConn::pause(bool on) {
+    if (paused == on)
+        return;
+    paused = on;
+    io->setHandler(this, /*wantRead=*/!on);
+}
 
 void MuiCommsConn::ioClosed(io::Io*) { delete this; }
 
@@ -93,9 +105,6 @@ bool MuiCommsConn::runLine() {
         return false;
     destroyed = nullptr;
     busy = false;
-    if (paused)
-        io->setHandler(this);
-    paused = false;
     io->outStream()->writeBytes(reply.c_str(), static_cast<size_t>(reply.len()));
     io->outStream()->flush();
     return true;

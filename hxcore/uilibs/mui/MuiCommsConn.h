@@ -38,12 +38,13 @@ private:
     bool timerExpired(plat::Timer*) override;
     bool takeLine(); // true when `line` is whole
     bool runLine();  // false if we are gone
+    void pause(bool on);
 
     MuiComms* comms;
     io::Io* io;
     std::string line;
     bool busy = false;         // a command is being carried out
-    bool paused = false;       // bytes came meanwhile
+    bool paused = false;       // bytes that come have to wait
     bool* destroyed = nullptr; // set by the destructor while a command is being carried out
     plat::Timer halfLineTimer;
 };

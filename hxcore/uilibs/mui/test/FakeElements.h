@@ -161,9 +161,8 @@ public:
         muCheckFactory = [](const char* n, const char* l, void* g) -> MuCheck* {
             return new FakeCheck(n, l, static_cast<MuCheck::Group*>(g));
         };
-        muDialogFactory = [](const char* n, const char*, const rfb::Point& s, unsigned f, MuDialog* above) -> MuDialog* {
-            return new FakeDialog(n, s, f, above);
-        };
+        muDialogFactory = [](const char* n, const char*, const rfb::Point& s, unsigned f,
+                             MuDialog* above) -> MuDialog* { return new FakeDialog(n, s, f, above); };
     }
 };
 

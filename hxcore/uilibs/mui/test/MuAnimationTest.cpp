@@ -8,7 +8,7 @@
 namespace mui {
 namespace {
 int64_t now = 0;
-int64_t clockNow() { return now; }
+int64_t clockNow(int64_t, bool*) { return now; }
 constexpr int64_t ticksPerMs = 10000;
 
 class AnimationTest : public testing::Test {

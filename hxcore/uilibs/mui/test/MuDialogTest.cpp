@@ -1,10 +1,10 @@
 #include "mui/MuDialog.h"
 
-#include "mui/test/FakeElements.h"
 #include "loc/Localize.h"
 #include "mui/MuAboutDialog.h"
 #include "mui/MuButtonBar.h"
 #include "mui/MuMessageBox.h"
+#include "mui/test/FakeElements.h"
 
 #include <gtest/gtest.h>
 
@@ -191,10 +191,9 @@ TEST_F(DialogTest, AMessageBoxTellsHowItEnded) {
         std::string text;
         std::unique_ptr<MuMessageBox>* deletes = nullptr;
     } ending;
-    auto box = std::make_unique<MuMessageBox>(
-        nullptr, "Title", MuMessageBox::Icon::Question,
-        std::initializer_list<const char*>{"One &amp; two", nullptr, "three"}, MuButtonBar::Yes | MuButtonBar::No,
-        &ending);
+    auto box = std::make_unique<MuMessageBox>(nullptr, "Title", MuMessageBox::Icon::Question,
+                                              std::initializer_list<const char*>{"One &amp; two", nullptr, "three"},
+                                              MuButtonBar::Yes | MuButtonBar::No, &ending);
     MuDialog* dialog = box->getDialog();
     EXPECT_STREQ(dialog->getName(), "messagebox");
     auto* text = dynamic_cast<MuText*>(dialog->findElement("main.frame.split.msg"));

@@ -1,7 +1,7 @@
 #include "mui/MuElement.h"
 
-#include "mui/test/FakeElements.h"
 #include "mui/MuSpacer.h"
+#include "mui/test/FakeElements.h"
 #include "plat/Exception.h"
 
 #include <gtest/gtest.h>
@@ -232,7 +232,9 @@ TEST_F(ElementTest, OfAGroupOneIsCheckedAndTheGroupGoesWithItsLastMember) {
 
 TEST_F(ElementTest, AButtonShowsThePressedImageOnlyWhileThePointerIsOverIt) {
     auto* fake = static_cast<FakeButton*>(button);
-    const auto name = [&](bool hover, bool pressed) { return std::string(fake->imageFor(hover, pressed).name.c_str()); };
+    const auto name = [&](bool hover, bool pressed) {
+        return std::string(fake->imageFor(hover, pressed).name.c_str());
+    };
     button->setImage(MuButton::ImageNormal, "n");
     EXPECT_EQ(name(true, true), "n");
     button->setImage(MuButton::ImageHover, "h");

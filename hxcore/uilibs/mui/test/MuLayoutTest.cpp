@@ -1,8 +1,8 @@
 #include "mui/MuLayout.h"
 
-#include "mui/test/FakeElements.h"
 #include "mui/MuSpacer.h"
 #include "mui/Mui.h"
+#include "mui/test/FakeElements.h"
 
 #include <gtest/gtest.h>
 
@@ -62,10 +62,8 @@ TEST_F(LayoutTest, AlignmentAcrossTheAxis) {
         unsigned flags;
         int offset;
         int extent;
-    } cases[] = {{MuLayout::Fill, 0, 100},
-                 {MuLayout::Start, 0, 31},
-                 {MuLayout::End, 69, 31},
-                 {MuLayout::Centre, 34, 31}};
+    } cases[] = {
+        {MuLayout::Fill, 0, 100}, {MuLayout::Start, 0, 31}, {MuLayout::End, 69, 31}, {MuLayout::Centre, 34, 31}};
     for (const auto& c : cases) {
         FakeElement* element = add(column, MuLayout::Natural | c.flags, 1, {31, 10});
         column.setSize({100, 500});

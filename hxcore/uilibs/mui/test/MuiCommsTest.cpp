@@ -16,7 +16,7 @@
 namespace mui {
 namespace {
 int64_t now = 0;
-int64_t clockNow() { return now; }
+int64_t clockNow(int64_t, bool*) { return now; }
 constexpr int64_t ticksPerMs = 10000;
 
 class CommsTest : public testing::Test {
@@ -59,7 +59,9 @@ protected:
         run();
         char buffer[65536];
         const ssize_t got = recv(fd, buffer, sizeof buffer, MSG_DONTWAIT);
-        return got > 0 ? std::string(buffer, static_cast<size_t>(got)) : got == 0 ? "<end>" : "<nothing>";
+        if (got > 0)
+            return std::string(buffer, static_cast<size_t>(got));
+        return got < 0 && errno == EAGAIN ? "<nothing>" : "<end>";
     }
 
     FakeToolkit toolkit;

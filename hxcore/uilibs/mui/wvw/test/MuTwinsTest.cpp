@@ -1,12 +1,12 @@
 #include "mui/wvw/MuiWvw.h"
 
+#include "mui/MuCheck.h"
 #include "mui/MuDialog.h"
 #include "mui/MuFrame.h"
 #include "mui/MuImage.h"
 #include "mui/MuLine.h"
 #include "mui/MuStatic.h"
 #include "mui/MuText.h"
-#include "mui/MuCheck.h"
 #include "mui/wvw/MuButtonWvw.h"
 #include "mui/wvw/MuLayoutWvw.h"
 #include "rfb/keySymbols.h"
