@@ -427,7 +427,7 @@ void WEdit::paintText(rfb::FullFramePixelBuffer& pb) {
     }
     const int from = origin.x + widthTo(std::min(cursor, insertionPoint()));
     const int to = origin.x + widthTo(std::max(cursor, insertionPoint()));
-    if (from < to) {
+    if (from < to && isEnabled()) {
         const Rect range = Rect::xywh(from, origin.y, to - from, font.height);
         fill(pb, range, look.selectionBg);
         const Rect part = range.intersect(pb.getRect());

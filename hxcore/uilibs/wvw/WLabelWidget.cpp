@@ -98,6 +98,11 @@ WLabelCheckBox::WLabelCheckBox(WLayout* layout, const char* markedText, const ch
     setControl(&check);
 }
 
+Point WLabelCheckBox::getPreferredSize() {
+    const Point plain = WLabelWidget::getPreferredSize();
+    return {plain.x + (*getLabel().getText() ? focusRoom : 0), plain.y};
+}
+
 void WLabelCheckBox::paint(rfb::FullFramePixelBuffer& pb) {
     WLabelWidget::paint(pb);
     if (!check.hasFocus())

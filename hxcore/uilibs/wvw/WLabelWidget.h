@@ -49,6 +49,7 @@ public:
 
     // Widget
     void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Point getPreferredSize() override;
     bool focusChanged(bool backward, Widget* origin) override;
     bool mouseMove(const rfb::Point& position, Widget* origin) override;
     bool mouseDown(int button, Widget* origin) override;

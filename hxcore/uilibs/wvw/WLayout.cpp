@@ -330,10 +330,11 @@ void WLayout::leaveChild(Widget* child) {
 void WLayout::mouseLeft() {
     const WidgetWatch self(this);
     Widget* child = routeMouse ? childUnder(mousePos, mouseMask) : this;
-    if (child != this)
+    // While one child holds the mouse, the others do not see it pass over them.
+    if (child != this && (!mouseCapture || mouseCapture == child))
         child->mouseLeft();
     if (self.alive())
-        mouseExit(this);
+        Widget::mouseLeft();
 }
 
 Widget* WLayout::findDropTarget(const hxutil::DragDropData& data, const Point& position) {

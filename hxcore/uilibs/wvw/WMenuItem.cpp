@@ -139,7 +139,7 @@ void WMenuItem::paintMarks(rfb::FullFramePixelBuffer& pb, const rfb::Colour& ink
     const int px = hxutil::scaled(columnUnits);
     const Rect column = Rect::xywh(2, (getHeight() - px) / 2, px, px);
     if (checked)
-        drawCheck(pb, column, pixel(pb, ink));
+        drawCheck(pb, column.expandBy(-std::max(1, px / 8)), pixel(pb, ink));
     WImage::Image mark = image;
     if (elevated && !checked)
         mark = hxutil::NamedImagePixelBuffer::getThemed("shield", {px, px});

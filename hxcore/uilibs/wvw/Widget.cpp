@@ -17,6 +17,7 @@ namespace {
 
 constexpr unsigned doubleClickMs = 500;
 constexpr int buttonBits = 8;
+constexpr rfb::Point nowhere{-32768, -32768};
 
 /// Offers an event to `own`, then to what `up` holds by then. The death of either widget ends the bubbling.
 template <class Handler, class Call>
@@ -122,7 +123,13 @@ void Widget::mouseEvent(const rfb::Point& position, int mask) {
     }
 }
 
-void Widget::mouseLeft() { mouseExit(this); }
+void Widget::mouseLeft() {
+    const WidgetWatch self(this);
+    mouseExit(this);
+    // So that a pointer that comes back to the same pixel is seen to move.
+    if (self.alive())
+        mousePos = nowhere;
+}
 
 Widget* Widget::findDropTarget(const hxutil::DragDropData& data, const rfb::Point&) {
     return acceptsDrop(data) ? this : nullptr;

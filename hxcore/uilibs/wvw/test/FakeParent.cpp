@@ -121,8 +121,9 @@ uint32_t FakeParent::pixelAt(int x, int y) const {
 
 int FakeParent::countPixels(const rfb::Rect& area, uint32_t rgb) const {
     int count = 0;
-    for (int y = area.tl.y; y < area.br.y; ++y) {
-        for (int x = area.tl.x; x < area.br.x; ++x)
+    const rfb::Rect part = area.intersect(pixels.getRect());
+    for (int y = part.tl.y; y < part.br.y; ++y) {
+        for (int x = part.tl.x; x < part.br.x; ++x)
             count += pixelAt(x, y) == rgb;
     }
     return count;

@@ -143,6 +143,8 @@ TEST_F(TableTest, TwoClicksOnOneCellOpenItAndOnTwoDoNot) {
 }
 
 TEST_F(TableTest, TheSelectedRowIsBlueAndDottedOnlyWithTheFocus) {
+    Box other(&root, "other", true);
+    other.takeFocus();
     table.select(1);
     window.paintAll();
     const rfb::Rect row = rfb::Rect::xywh(2, 2 + 2 * rowHeight, 180, rowHeight);

@@ -7,6 +7,7 @@
 #include "wvw/WPanel.h"
 #include "wvw/WRichText.h"
 #include "wvw/WRoot.h"
+#include "wvw/WTable.h"
 #include "wvw/WTooltip.h"
 #include "wvw/WViewport.h"
 
@@ -224,6 +225,24 @@ void groups(Gallery& g) {
     WTooltip tip(hxutil::scaled(360));
     tip.setText("A tooltip whose text wraps within its limit.");
     g.show(tip, {x + hxutil::scaled(1080), g.y}, tip.getPreferredSize(), Look::Normal, {});
+
+    struct Cells : WTable::Callback {
+        plat::String getCellText(WTable*, int row, int column) override {
+            static const char* const names[][2] = {
+                {"maria", "192.168.4.30"}, {"joao", "10.0.0.7"}, {"a very long name", "::1"}};
+            return names[row % 3][column];
+        }
+    } cells;
+    WTable table(nullptr, &cells, /*showHeading=*/true);
+    table.addColumn(0, WTable::Text, "User");
+    table.addColumn(1, WTable::Text, "Address");
+    table.setRowCount(5);
+    table.setSize({hxutil::scaled(560), hxutil::scaled(230)});
+    table.select(1);
+    for (const Look look : {Look::Focused, Look::Disabled}) {
+        const Point at(x + (look == Look::Disabled ? hxutil::scaled(600) : 0), g.y + hxutil::scaled(270));
+        g.show(table, at, table.getSize(), look, {});
+    }
 
     WLabel selected(nullptr, "Selected text");
     selected.setSelectable(true);
