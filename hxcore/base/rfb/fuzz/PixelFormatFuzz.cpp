@@ -1,0 +1,54 @@
+// Pixel formats as text and from the wire: whatever is valid prints, and a text form that parses again is the same.
+#include "rdr/MemInStream.h"
+#include "rfb/Colour.h"
+#include "rfb/PixelBuffer.h"
+#include "rfb/TransPixelBuffer.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+namespace {
+
+void checkText(const char* text) {
+    rfb::PixelFormat pf;
+    if (!pf.parse(text))
+        return;
+    char printed[rfb::PixelFormat::printSize];
+    pf.print(printed);
+    if (!pf.isValid())
+        std::abort();
+    rfb::PixelFormat again;
+    const char* last = std::strrchr(printed, ' ') + 1;
+    if (pf.trueColour && (!again.parse(last) || !again.equal(pf)))
+        std::abort();
+}
+
+void checkWire(const uint8_t* data, size_t size) {
+    rdr::MemInStream in(data, size);
+    rfb::PixelFormat pf;
+    pf.read(in);
+    char printed[rfb::PixelFormat::printSize];
+    pf.print(printed);
+    pf.setDepth();
+    rfb::PixelFormat native = pf;
+    native.toNativeEndian();
+    if (!pf.isValid())
+        return;
+    uint8_t pixels[16] = {1, 2, 3, 4, 0xff, 0xff, 0xff, 0xff};
+    const rfb::FullFramePixelBuffer source(pf, rfb::Rect(0, 0, 2, 2), pixels, 2);
+    rfb::TransPixelBuffer out;
+    out.setPF(rfb::pfARGB8888());
+    out.setSource(&source);
+    uint32_t result[4];
+    out.getImage(result, out.getRect());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    checkText(std::string(reinterpret_cast<const char*>(data), size).c_str());
+    if (size >= 16)
+        checkWire(data, size);
+    return 0;
+}
