@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <regex.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -14,7 +15,6 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 
 namespace fs = std::filesystem;
@@ -24,6 +24,16 @@ namespace {
 
 constexpr const char* prefixOfLines =
     "^<[0-9]+> [0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9:]{8}\\.[0-9]{3}Z [^ .]+ prog\\[[0-9]+\\]: ";
+
+// By regex.h: std::regex sets off a false warning of GCC 12 in sanitized builds.
+bool matches(const std::string& text, const std::string& pattern) {
+    regex_t compiled;
+    if (regcomp(&compiled, pattern.c_str(), REG_EXTENDED | REG_NOSUB) != 0)
+        return false;
+    const bool found = regexec(&compiled, text.c_str(), 0, nullptr, 0) == 0;
+    regfree(&compiled);
+    return found;
+}
 
 std::string contents(const fs::path& path) {
     std::ifstream in(path);
@@ -90,7 +100,7 @@ TEST_F(LogDestFileTest, LinesCarryPriorityTimeHostProgramAndSource) {
         std::string line;
         std::getline(lines, line);
         EXPECT_EQ(line.substr(0, 4), priority);
-        EXPECT_TRUE(std::regex_match(line, std::regex(std::string(prefixOfLines) + "Src: text 100%$"))) << line;
+        EXPECT_TRUE(matches(line, std::string(prefixOfLines) + "Src: text 100%$")) << line;
     }
     struct stat info {};
     ASSERT_EQ(stat((dir / "logs").c_str(), &info), 0);
@@ -100,7 +110,7 @@ TEST_F(LogDestFileTest, LinesCarryPriorityTimeHostProgramAndSource) {
 TEST_F(LogDestFileTest, CompactLinesHaveTheTimeAlone) {
     ASSERT_TRUE(global().set("CompactLog", nullptr));
     dest.write(30, "Src", "text");
-    EXPECT_TRUE(std::regex_match(contents(log()), std::regex("[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3} Src: text\n")));
+    EXPECT_TRUE(matches(contents(log()), "^[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3} Src: text\n$"));
 }
 
 TEST_F(LogDestFileTest, EachNewFileBeginsWithTheWrappedHeader) {
