@@ -1,5 +1,7 @@
 #include "mui/wvw/MuImageWvw.h"
 
+#include "hxutil/NamedImagePixelBuffer.h"
+
 #include <algorithm>
 
 namespace mui {
@@ -22,7 +24,12 @@ int MuImageWvw::getMinWidth(int height) { return std::max(imageSize.x, MuImage::
 int MuImageWvw::getMinHeight(int width) { return std::max(imageSize.y, MuImage::getMinHeight(width)); }
 
 void MuImageWvw::styleChanged() {
-    widget.setImage(imageName.get(), imageSize); // the theme may have turned dark
+    // The theme may have turned dark.
+    if (!imageName.isEmpty()) {
+        const auto image = hxutil::NamedImagePixelBuffer::getThemed(imageName.c_str(), imageSize);
+        if (image != widget.getImage())
+            widget.setImage(image);
+    }
     MuImage::styleChanged();
 }
 

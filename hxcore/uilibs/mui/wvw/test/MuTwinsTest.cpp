@@ -26,7 +26,7 @@ protected:
         MuiWvw::fillWidgetFactories();
         column = new MuLayoutWvw("top", Orientation::Vertical);
         column->setSpacing(10);
-        column->ownStyle();
+        column->setFontSize(120);
         column->addObserver(this, true);
         canvas.addChild(MuCommonWvw::commonOf(column, true)->getWidget());
         column->setSize({300, 200});
