@@ -41,9 +41,13 @@ Timer::~Timer() {
 }
 
 void Timer::start(uint32_t ms) {
-    cancel();
     ASSERT(thrInst);
-    thrInst->startTimer(this, ms);
+    start(ms, *thrInst);
+}
+
+void Timer::start(uint32_t ms, TimerManager& on) {
+    cancel();
+    on.startTimer(this, ms);
 }
 
 void Timer::cancel() {

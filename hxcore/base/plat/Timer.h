@@ -25,8 +25,9 @@ public:
 
     explicit Timer(Callback* target) : callback(target) {} ///< borrowed, outlives the timer
     ~Timer();
-    void start(uint32_t ms); ///< from now, also when running; the thread must have a TimerManager
-    void cancel();           ///< also when idle, or due in this round
+    void start(uint32_t ms);                   ///< from now, also when running; the thread must have a TimerManager
+    void start(uint32_t ms, TimerManager& on); ///< the same on a manager that need not be the current one
+    void cancel();                             ///< also when idle, or due in this round
     bool isActive() const { return manager != nullptr; }  ///< false while it is being fired
     uint32_t getIntervalMs() const { return intervalMs; } ///< of the last start
 
