@@ -76,7 +76,7 @@ void FdManager::unmark(FdHandler* handler) {
 
 void FdManager::kick() { startTimer(kickTimer, 0); }
 
-void FdManager::startTimer(plat::Timer& timer, uint32_t ms) { timer.start(ms); }
+void FdManager::startTimer(plat::Timer& timer, uint32_t ms) { timer.start(ms, timers); }
 
 void FdManager::closeFds(const FdHandler* except) {
     for (FdHandler* handler : handlers) {
