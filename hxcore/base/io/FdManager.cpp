@@ -38,6 +38,11 @@ FdHandler* FdHandlerSet::takeLast() {
     return handler;
 }
 
+void FdHandlerSet::takeFrom(FdHandlerSet& other) {
+    while (FdHandler* handler = other.takeLast())
+        add(handler);
+}
+
 FdManager::FdManager(bool nested) : timers(nested), previous(currentManager) { currentManager = this; }
 
 FdManager::~FdManager() {
@@ -87,9 +92,11 @@ void FdManager::closeFds(const FdHandler* except) {
 
 void FdManager::dispatch() {
     timers.processTimers();
+    readReady.takeFrom(readPending); // what an exception left of an earlier round
     readReady.swap(readPending);
     while (FdHandler* handler = readPending.takeLast())
         handler->fdReadable();
+    writeReady.takeFrom(writePending);
     writeReady.swap(writePending);
     while (FdHandler* handler = writePending.takeLast())
         handler->fdWritable();

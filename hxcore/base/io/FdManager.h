@@ -18,6 +18,7 @@ public:
     bool contains(FdHandler* handler) const;
     FdHandler* takeLast(); ///< null when empty
     bool isEmpty() const { return items.empty(); }
+    void takeFrom(FdHandlerSet& other); ///< all of them
     void swap(FdHandlerSet& other) { items.swap(other.items); }
     auto begin() const { return items.begin(); }
     auto end() const { return items.end(); }

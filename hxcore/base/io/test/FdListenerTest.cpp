@@ -1,0 +1,187 @@
+#include "io/FdListener.h"
+#include "io/FdSelectManager.h"
+#include "io/Io.h"
+#include "io/IoHandler.h"
+#include "io/test/FakeClock.h"
+#include "plat/Exception.h"
+#include "rdr/InStream.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <vector>
+
+namespace io {
+namespace {
+
+class Acceptor : public IoAcceptor, public IoHandler {
+public:
+    ~Acceptor() override {
+        for (Io* io : ios)
+            io->shutdown(false, false);
+    }
+    void acceptIo(Io* io) override {
+        ios.push_back(io);
+        io->setHandler(this);
+        if (onAccept)
+            onAccept();
+    }
+    void ioClosed(Io* io) override { std::erase(ios, io); }
+    void ioReadable(Io* io) override {
+        for (;;) {
+            got += static_cast<char>(io->inStream()->readU8());
+            io->inStream()->checkpoint();
+        }
+    }
+    std::vector<Io*> ios;
+    std::string got;
+    std::function<void()> onAccept;
+};
+
+class FdListenerTest : public testing::Test {
+protected:
+    FdListenerTest() {
+        mgr.emplace();
+        const int fd = socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0);
+        sockaddr_un any{};
+        any.sun_family = AF_UNIX;
+        EXPECT_EQ(bind(fd, reinterpret_cast<sockaddr*>(&any), sizeof any.sun_family), 0); // an abstract name
+        EXPECT_EQ(listen(fd, 20), 0);
+        size = sizeof address;
+        getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size);
+        acceptor = std::make_unique<Acceptor>();
+        listener = std::make_unique<FdListener>(fd);
+        listener->setAcceptor(acceptor.get());
+    }
+    ~FdListenerTest() override {
+        for (const int fd : clients)
+            close(fd);
+    }
+    int connectOne() {
+        const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
+        EXPECT_EQ(connect(fd, reinterpret_cast<sockaddr*>(&address), size), 0);
+        clients.push_back(fd);
+        return fd;
+    }
+    void rounds(int count = 10) {
+        for (int i = 0; i < count; ++i)
+            mgr->poll(0);
+    }
+    static bool isClosed(int fd) {
+        char c;
+        return recv(fd, &c, 1, MSG_DONTWAIT) == 0;
+    }
+
+    FakeClock clock;
+    std::optional<FdSelectManager> mgr;
+    std::unique_ptr<Acceptor> acceptor;
+    std::unique_ptr<FdListener> listener;
+    std::vector<int> clients;
+    sockaddr_un address{};
+    socklen_t size;
+};
+
+TEST_F(FdListenerTest, HandsOverWhatConnectsUntilNobodyAccepts) {
+    connectOne();
+    connectOne();
+    rounds();
+    EXPECT_EQ(acceptor->ios.size(), 2u);
+    listener->setAcceptor(nullptr);
+    connectOne();
+    rounds();
+    EXPECT_EQ(acceptor->ios.size(), 2u);
+    listener->setAcceptor(acceptor.get());
+    rounds();
+    EXPECT_EQ(acceptor->ios.size(), 3u);
+}
+
+TEST_F(FdListenerTest, RestsWhenDescriptorsRunOut) {
+    connectOne();
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const int next = dup(0);
+    close(next);
+    rlimit none = before;
+    none.rlim_cur = static_cast<rlim_t>(next);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    rounds(1);
+    EXPECT_FALSE(mgr->poll(0)) << "it doesn't spin";
+    setrlimit(RLIMIT_NOFILE, &before);
+    FakeClock::advance(99);
+    rounds();
+    EXPECT_EQ(acceptor->ios.size(), 0u);
+    FakeClock::advance(1);
+    rounds();
+    EXPECT_EQ(acceptor->ios.size(), 1u);
+}
+
+TEST_F(FdListenerTest, MayDieWhileItHandsOver) {
+    acceptor->onAccept = [this] {
+        listener.reset();
+        throw plat::Exception("and throws");
+    };
+    connectOne();
+    connectOne();
+    rounds();
+    EXPECT_EQ(acceptor->ios.size(), 1u);
+}
+
+TEST_F(FdListenerTest, SilentConnectionsAreFewAndEnd) {
+    listener->setSilenceLimit(2, 10000);
+    const int a = connectOne();
+    const int b = connectOne();
+    const int c = connectOne();
+    rounds();
+    EXPECT_TRUE(isClosed(c)) << "one too many";
+    EXPECT_FALSE(isClosed(a));
+    EXPECT_EQ(acceptor->ios.size(), 0u);
+    EXPECT_EQ(write(b, "hi", 2), 2);
+    rounds();
+    EXPECT_EQ(acceptor->ios.size(), 1u);
+    EXPECT_EQ(acceptor->got, "hi");
+    FakeClock::advance(10000);
+    rounds();
+    EXPECT_TRUE(isClosed(a));
+    EXPECT_FALSE(isClosed(b));
+    EXPECT_EQ(write(connectOne(), "x", 1), 1) << "there is room again";
+    rounds();
+    EXPECT_EQ(acceptor->got, "hix");
+}
+
+TEST_F(FdListenerTest, EndsItsSilentConnectionsInEveryOrderOfEnding) {
+    listener->setSilenceLimit(4, 10000);
+    const int a = connectOne();
+    rounds();
+    listener.reset();
+    rounds();
+    EXPECT_TRUE(isClosed(a));
+}
+
+TEST_F(FdListenerTest, EndsItsSilentConnectionsWithTheLoop) {
+    listener->setSilenceLimit(4, 10000);
+    const int a = connectOne();
+    rounds();
+    mgr.reset();
+    EXPECT_TRUE(isClosed(a));
+    listener->setAcceptor(nullptr);
+}
+
+TEST_F(FdListenerTest, ASilentConnectionThatNobodyTakesIsClosed) {
+    listener->setSilenceLimit(4, 10000);
+    const int a = connectOne();
+    rounds();
+    listener->setAcceptor(nullptr);
+    EXPECT_EQ(write(a, "x", 1), 1);
+    rounds();
+    char c;
+    EXPECT_LE(recv(a, &c, 1, MSG_DONTWAIT), 0);
+}
+
+} // namespace
+} // namespace io
