@@ -101,10 +101,11 @@ void WRichText::paint(rfb::FullFramePixelBuffer& pb) {
     const auto count = static_cast<int>(runs->getRuns().size());
     for (int i = 0; i < count; ++i)
         paintRun(pb, i);
-    for (int i = 0; i < count; ++i) {
-        if (hasFocus() && runs->sameLink(i, focusRun))
-            drawFocus(pb, runs->getRuns()[static_cast<size_t>(i)].rect.expandBy(1).intersect(getRect()),
-                      /*dotted=*/true);
+    for (int i = 0; i < count && hasFocus(); ++i) {
+        const Rect& run = runs->getRuns()[static_cast<size_t>(i)].rect;
+        const Rect around(run.tl.x - 2, run.tl.y - 1, run.br.x + 2, run.br.y + 1);
+        if (runs->sameLink(i, focusRun))
+            drawFocus(pb, around.intersect(getRect()), /*dotted=*/true);
     }
 }
 

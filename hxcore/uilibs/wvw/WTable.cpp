@@ -314,8 +314,9 @@ void WTable::paintRow(rfb::FullFramePixelBuffer& pb, int row, const std::vector<
     if (part.isEmpty())
         return;
     rfb::FullFramePixelBuffer view(pb, part, part.tl);
+    // Grey text could not be read on the blue of a selection that counts.
     if (row == selectedRow)
-        fill(view, line, getStyle().selectionBg);
+        fill(view, line, isEnabled() ? getStyle().selectionBg : themeColour("inactiveBd", getStyle().bevelShadow));
     int x = line.tl.x;
     for (size_t i = 0; i < columns.size(); ++i) {
         paintCell(view, row, columns[i], Rect::xywh(x, top, widths[i], height));
