@@ -174,7 +174,7 @@ rfb::Rect MuDialogTx::getScreenArea() { return tx::WindowManager::getWorkArea();
 void MuDialogTx::setDefaultFocus(MuElement* element) {
     defaultFocus = element;
     if (element && content->isAttached())
-        attached(content);
+        focusDefault();
 }
 
 void MuDialogTx::forgetElement(MuElement* element) {
@@ -292,12 +292,25 @@ void MuDialogTx::place() {
                         origin.y + (parentWindow->height() - size.y) / 2);
 }
 
-bool MuDialogTx::attached(wvw::Widget* origin) {
-    if (origin != content || !defaultFocus)
-        return false;
-    if (MuCommonWvw* focusCommon = MuCommonWvw::commonOf(defaultFocus, /*assertCommon=*/false))
-        focusCommon->getWidget()->takeFocus();
+// The tree has just been attached, and the focus given to the first that takes it.
+bool MuDialogTx::focusChanged(bool, wvw::Widget* origin) {
+    if (origin == content && content->hasFocus() && !focusGiven) {
+        focusGiven = true;
+        focusDefault();
+    }
     return false;
+}
+
+bool MuDialogTx::detached(wvw::Widget* origin) {
+    if (origin == content)
+        focusGiven = false;
+    return false;
+}
+
+void MuDialogTx::focusDefault() {
+    MuCommonWvw* target = defaultFocus ? MuCommonWvw::commonOf(defaultFocus, /*assertCommon=*/false) : nullptr;
+    if (target)
+        target->getWidget()->takeFocus();
 }
 
 void MuDialogTx::focusWindow(bool focused) { notify(focused ? EventFocusGained : EventFocusLost); }

@@ -50,7 +50,8 @@ private:
     // wvw::WInputHandler, of the content
     bool keyEvent(uint32_t keysym, bool down, wvw::Widget* origin) override;
     bool sizeChanged(wvw::Widget* origin) override;
-    bool attached(wvw::Widget* origin) override;
+    bool focusChanged(bool backward, wvw::Widget* origin) override;
+    bool detached(wvw::Widget* origin) override;
     // wvw::WMouseInputHandler, of the content
     bool mouseDown(int button, wvw::Widget* origin) override;
 
@@ -59,6 +60,7 @@ private:
     void show();
     void hide();
     void windowMapped();
+    void focusDefault();
     void place();
     void grabInput(bool grab);
     bool pressOutside(const rfb::Point& rootPosition);
@@ -72,6 +74,7 @@ private:
     wvw::WLayout* content = nullptr; // what holds the panels: the window's canvas, or what lies inside the border
     std::unique_ptr<MuCommonWvw> commonWvw;
     MuElement* defaultFocus = nullptr;
+    bool focusGiven = false; // since the tree was attached
     bool shown = false;
 };
 

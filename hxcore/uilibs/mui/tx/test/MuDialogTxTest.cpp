@@ -1,0 +1,255 @@
+#include "mui/tx/MuDialogTx.h"
+
+#include "mui/MuButton.h"
+#include "mui/MuButtonBar.h"
+#include "mui/MuLayout.h"
+#include "mui/MuMessageBox.h"
+#include "mui/MuStatic.h"
+#include "mui/tx/muFactories.h"
+#include "mui/wvw/MuiWvw.h"
+#include "plat/monoTime.h"
+#include "registerBuiltInResources.h"
+#include "rfb/keySymbols.h"
+#include "tx/TX.h"
+#include "tx/atoms.h"
+
+#include <X11/keysym.h>
+
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include <functional>
+
+namespace mui {
+namespace {
+
+class Environment : public testing::Environment {
+public:
+    void SetUp() override {
+        registerBuiltInResources();
+        tx::TXInit();
+    }
+};
+[[maybe_unused]] const auto* environment = testing::AddGlobalTestEnvironment(new Environment);
+
+class DialogTxTest : public testing::Test, protected MuObserver {
+protected:
+    DialogTxTest() {
+        Mui::setInstance(&toolkit);
+        fillFactories();
+    }
+
+    void muEvent(MuElement* element, int type) override {
+        heard += std::string(element->getName()) + "/" + std::to_string(type) + " ";
+    }
+
+    /// Serves events and timers until `done`; false if the server falls silent for too long.
+    bool waitFor(const std::function<bool()>& done) {
+        constexpr int patienceMs = 5000;
+        XSync(tx::dpy, False);
+        for (int waited = 0; !done(); waited += 10) {
+            pollfd fd{ConnectionNumber(tx::dpy), POLLIN, 0};
+            if (XPending(tx::dpy) == 0)
+                poll(&fd, 1, 10);
+            tx::processEvents();
+            timers.processTimers();
+            if (waited > patienceMs)
+                return false;
+        }
+        return true;
+    }
+
+    static tx::TXWindow* windowOf(MuDialog& dialog) { return static_cast<tx::TXWindow*>(dialog.nativeWindow()); }
+
+    bool showAndWait(MuDialog& dialog) {
+        dialog.setShown(true);
+        return waitFor([&] { return windowOf(dialog)->isMapped(); });
+    }
+
+    static std::vector<long> motifHints(MuDialog& dialog) {
+        const tx::Property hints =
+            tx::getWindowProperty(windowOf(dialog)->win(), tx::motifWmHints(), tx::motifWmHints());
+        const auto items = hints.longs();
+        return {items.begin(), items.end()};
+    }
+
+    static void sendKey(MuDialog& dialog, KeySym keysym) {
+        XEvent event{};
+        event.xkey.type = KeyPress;
+        event.xkey.display = tx::dpy;
+        event.xkey.window = windowOf(dialog)->win();
+        event.xkey.root = tx::rootWindow;
+        event.xkey.keycode = XKeysymToKeycode(tx::dpy, keysym);
+        event.xkey.same_screen = True;
+        XSendEvent(tx::dpy, event.xkey.window, False, KeyPressMask, &event);
+        event.xkey.type = KeyRelease;
+        XSendEvent(tx::dpy, event.xkey.window, False, KeyReleaseMask, &event);
+    }
+
+    plat::TimerManager timers;
+    MuiWvw toolkit;
+    std::string heard;
+};
+
+TEST_F(DialogTxTest, MotifHintsFollowTheFlags) {
+    const struct {
+        unsigned flags;
+        long functions;
+    } cases[] = {{0, 62},
+                 {MuDialog::DisableClose, 30},
+                 {MuDialog::FixedSize, 44},
+                 {MuDialog::FixedSize | MuDialog::DisableClose, 12},
+                 {MuDialog::NoHide, 54},
+                 {MuDialog::FixedSize | MuDialog::NoHide, 36}};
+    for (const auto& c : cases) {
+        std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {200, 100}, c.flags));
+        const std::vector<long> hints = motifHints(*dialog);
+        ASSERT_EQ(hints.size(), 5U);
+        EXPECT_EQ(hints[1], c.functions) << c.flags;
+        EXPECT_EQ(hints[2], 1) << c.flags;
+    }
+    // Nobody here could move a window without decoration.
+    std::unique_ptr<MuDialog> bare(MuDialog::create("d", "Title", {200, 100}, MuDialog::NoDecoration));
+    EXPECT_EQ(motifHints(*bare)[2], 1);
+}
+
+TEST_F(DialogTxTest, AFixedSizeIsAHint) {
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {200, 100}, MuDialog::FixedSize));
+    ASSERT_TRUE(showAndWait(*dialog));
+    const XSizeHints& hints = windowOf(*dialog)->getSizeHints();
+    EXPECT_EQ(hints.min_width, hints.max_width);
+    EXPECT_EQ(hints.min_width, 200);
+}
+
+TEST_F(DialogTxTest, HeightFollowsTheTextAndPlaceTheParent) {
+    std::unique_ptr<MuDialog> parent(MuDialog::create("p", "Parent", {600, 400}));
+    parent->setPosition({100, 100});
+    ASSERT_TRUE(showAndWait(*parent));
+    std::unique_ptr<MuDialog> child(MuDialog::create("c", "Child", {200, 0}, MuDialog::AutoHeight, parent.get()));
+    MuStatic* text = MuStatic::create(child.get(), "text", "a few words that need more than one line in here");
+    ASSERT_TRUE(showAndWait(*child));
+    const int margin = child->getMargin();
+    EXPECT_EQ(child->getSize(), rfb::Point(200, text->getMinHeight(200 - 2 * margin) + 2 * margin));
+    EXPECT_EQ(text->getSize().x, 200 - 2 * margin);
+    const rfb::Point at = child->getPosition();
+    EXPECT_EQ(at, rfb::Point(100 + 200, 100 + (400 - child->getSize().y) / 2));
+    Window transientFor = 0;
+    XGetTransientForHint(tx::dpy, windowOf(*child)->win(), &transientFor);
+    EXPECT_EQ(transientFor, windowOf(*parent)->win());
+
+    // Moved by its owner it stays where it is, also when it is shown again.
+    child->setPosition({20, 30});
+    child->setShown(false);
+    ASSERT_TRUE(showAndWait(*child));
+    EXPECT_EQ(child->getPosition(), rfb::Point(20, 30));
+}
+
+TEST_F(DialogTxTest, KeysThatNoWidgetUsesAreActions) {
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
+    MuLayout* row = MuLayout::create(dialog.get(), "row", Orientation::Horizontal);
+    MuButton* ok = MuButton::create(row, "ok", "OK");
+    MuButton* other = MuButton::create(row, "other", "O&ther");
+    dialog->setActionButton(MuDialog::ActionDefault, ok);
+    dialog->setActionButton(MuDialog::ActionCancel, ok);
+    dialog->addObserver(this, true);
+    ASSERT_TRUE(showAndWait(*dialog));
+    heard.clear();
+    sendKey(*dialog, XK_Return);
+    EXPECT_TRUE(waitFor([&] { return heard.find("ok/1 ") != std::string::npos; })) << heard;
+    // The keyboard alone reaches every button.
+    heard.clear();
+    for (MuButton* next : {other, ok, other}) {
+        sendKey(*dialog, XK_Tab);
+        EXPECT_TRUE(waitFor([&] { return next->hasFocus(); })) << next->getName();
+    }
+    sendKey(*dialog, XK_Return);
+    EXPECT_TRUE(waitFor([&] { return heard.find("other/1 ") != std::string::npos; })) << heard;
+    heard.clear();
+    sendKey(*dialog, XK_Escape);
+    EXPECT_TRUE(waitFor([&] { return heard.find("ok/1 ") != std::string::npos; })) << heard;
+}
+
+TEST_F(DialogTxTest, TheDefaultFocusIsTakenOnceTheWindowIsUp) {
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
+    MuLayout* row = MuLayout::create(dialog.get(), "row", Orientation::Horizontal);
+    MuButton::create(row, "first", "First");
+    MuButton* second = MuButton::create(row, "second", "Second");
+    second->setFocus(); // nothing is up yet
+    ASSERT_TRUE(showAndWait(*dialog));
+    EXPECT_TRUE(waitFor([&] { return second->hasFocus(); }));
+    dialog->setDefaultFocus(second);
+    row->remove(second); // and is forgotten with it
+    dialog->setShown(false);
+    ASSERT_TRUE(showAndWait(*dialog));
+}
+
+TEST_F(DialogTxTest, TheCloseButtonOfTheWindowCloses) {
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
+    dialog->addObserver(this, true);
+    ASSERT_TRUE(showAndWait(*dialog));
+    heard.clear();
+    tx::sendClientMessage(windowOf(*dialog)->win(), 0, windowOf(*dialog)->win(), tx::wmProtocols(),
+                          static_cast<long>(tx::wmDeleteWindow()));
+    EXPECT_TRUE(waitFor([&] { return heard.find("d/3 ") != std::string::npos; }));
+    EXPECT_FALSE(dialog->isShown());
+    EXPECT_FALSE(windowOf(*dialog)->isMapped());
+}
+
+TEST_F(DialogTxTest, ABlockingQuestionReturnsOnceItIsClosed) {
+    // The window manager's close is in the queue before the question is up: its loop will find it there.
+    MuMessageBox box(nullptr, "Title", MuMessageBox::Icon::Question, {"Really?"}, MuButtonBar::Yes | MuButtonBar::No,
+                     nullptr, MuDialog::ModalBlocking);
+    box.getDialog()->addObserver(this, true);
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = windowOf(*box.getDialog())->win();
+    event.xclient.message_type = tx::wmProtocols();
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = static_cast<long>(tx::wmDeleteWindow());
+    XSendEvent(tx::dpy, event.xclient.window, False, 0, &event);
+    box.show();
+    EXPECT_NE(heard.find("messagebox/3 "), std::string::npos);
+    EXPECT_EQ(box.getResult(), 0U);
+}
+
+TEST_F(DialogTxTest, ABorderLiesRoundTheContent) {
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {200, 100}, MuDialog::Bordered | MuDialog::Popup));
+    MuStatic* text = MuStatic::create(dialog.get(), "text", "words");
+    dialog->setMargin(0);
+    ASSERT_TRUE(showAndWait(*dialog));
+    EXPECT_EQ(dialog->getSize(), rfb::Point(200, 100));
+    EXPECT_EQ(windowOf(*dialog)->width(), 202);
+    EXPECT_EQ(text->getPosition(), rfb::Point(1, 1));
+    EXPECT_TRUE(windowOf(*dialog)->isOverrideRedirect());
+}
+
+TEST_F(DialogTxTest, APressOutsideEndsATransientOne) {
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {200, 100}, MuDialog::Transient));
+    MuButton::create(dialog.get(), "b", "B");
+    dialog->setPosition({300, 300});
+    dialog->addObserver(this, true);
+    ASSERT_TRUE(showAndWait(*dialog));
+    const auto press = [&](int x, int y) {
+        XEvent event{};
+        event.xbutton.type = ButtonPress;
+        event.xbutton.window = windowOf(*dialog)->win();
+        event.xbutton.root = tx::rootWindow;
+        event.xbutton.button = 1;
+        event.xbutton.x = x - 300;
+        event.xbutton.y = y - 300;
+        event.xbutton.x_root = x;
+        event.xbutton.y_root = y;
+        event.xbutton.same_screen = True;
+        XSendEvent(tx::dpy, event.xbutton.window, False, ButtonPressMask, &event);
+        XSync(tx::dpy, False);
+        tx::processEvents();
+    };
+    press(350, 350);
+    EXPECT_TRUE(dialog->isShown());
+    press(10, 10);
+    EXPECT_FALSE(dialog->isShown());
+    EXPECT_NE(heard.find("d/3 "), std::string::npos);
+}
+
+} // namespace
+} // namespace mui
