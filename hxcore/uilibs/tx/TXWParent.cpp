@@ -278,7 +278,7 @@ bool TXWParent::handleEvent(XEvent* event) {
 void TXWParent::noteOrigin(const XEvent& event) {
     if (event.type < KeyPress || event.type > LeaveNotify || event.xany.send_event)
         return;
-    origin = {event.xkey.x_root - event.xkey.x, event.xkey.y_root - event.xkey.y}; // of one layout, all of them
+    rootOrigin = {event.xkey.x_root - event.xkey.x, event.xkey.y_root - event.xkey.y}; // of one layout, all of them
     originKnown = true;
 }
 
@@ -367,9 +367,9 @@ void TXWParent::setCutText(const char* text) {
 wvw::WRoot* TXWParent::getRoot(rfb::Point* originOut) {
     if (originOut) {
         if (!originKnown)
-            origin = getRootPosition();
+            rootOrigin = getRootPosition();
         originKnown = true;
-        *originOut = origin;
+        *originOut = rootOrigin;
     }
     return &TXWRoot::instance();
 }

@@ -125,7 +125,7 @@ private:
     bool inputBlocked = false;
     bool attachedRoot = false;
     bool originKnown = false;
-    rfb::Point origin;                           // root position of the window, as the last event told
+    rfb::Point rootOrigin;                       // root position of the window, as the last event told
     std::unique_ptr<TXWDragAndDrop> dragAndDrop; // while something is dragged
 };
 
