@@ -4,6 +4,7 @@
 #include "tx/TXEventHandler.h"
 #include "wvw/WRoot.h"
 
+#include <cstddef>
 #include <map>
 #include <memory>
 
@@ -25,6 +26,7 @@ public:
     bool handleEvent(XEvent* event) override;
 
     void closePopups();
+    size_t popupCount() const { return popups.size(); }
     TXWParent* findPopup(const wvw::Widget* widget); ///< null if it isn't shown
 
 private:

@@ -1,0 +1,111 @@
+// Servers of our own: one to be killed, one behind a relay that counts.
+#include "XRelay.h"
+#include "XServer.h"
+#include "XTest.h"
+#include "plat/Exception.h"
+#include "tx/TXDialog.h"
+#include "tx/TXMsgBox.h"
+#include "wvw/WCanvas.h"
+
+#include <poll.h>
+#include <sys/wait.h>
+
+namespace txtest {
+namespace {
+
+/// Waits for X as the loop does, and handles what comes.
+void serveX() {
+    for (;;) {
+        tx::processEvents();
+        pollfd fd{ConnectionNumber(tx::dpy), POLLIN, 0};
+        poll(&fd, 1, 10000);
+    }
+}
+
+void loseServerWhileIdle() {
+    XServer server;
+    tx::TXInit(server.display());
+    server.kill();
+    serveX();
+}
+
+void loseServerWhileDrawing() {
+    XServer server;
+    tx::TXInit(server.display());
+    tx::TXWindow window(100, 100, nullptr, 0, true);
+    window.map();
+    server.kill();
+    for (;;)
+        window.raise(); // sooner or later the connection is full, or refuses
+}
+
+void loseServerInARoundTrip() {
+    XServer server;
+    tx::TXInit(server.display());
+    server.stop();
+    if (fork() == 0) { // while we wait for the time
+        server.kill();
+        _exit(0);
+    }
+    tx::getServerTime();
+}
+
+void loseServerInAModalLoop() {
+    XServer server;
+    tx::TXInit(server.display());
+    plat::TimerManager timers;
+    struct Dialog : tx::TXDialog {
+        explicit Dialog(XServer* server_) : tx::TXDialog(nullptr, "lost"), server(server_) { setSize({40, 40}); }
+        void mapChanged() override { server->kill(); }
+        XServer* server;
+    } dialog(&server);
+    dialog.showModal();
+}
+
+/// With status 1, by itself and at once; the alarm of the test program's time-out would be another end.
+TEST(LostServerDeathTest, EndsTheProcessWithStatusOne) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(loseServerWhileIdle(), testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(loseServerWhileDrawing(), testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(loseServerInARoundTrip(), testing::ExitedWithCode(1), "");
+    EXPECT_EXIT(loseServerInAModalLoop(), testing::ExitedWithCode(1), "");
+}
+
+TEST(NoServerDeathTest, IsAnExceptionThatNamesTheDisplay) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto openNothing = [] {
+        try {
+            tx::TXInit(":4711");
+        } catch (const plat::Exception& e) {
+            _exit(std::string(e.what()) == "unable to open display \":4711\"" ? 0 : 1);
+        }
+        _exit(2);
+    };
+    EXPECT_EXIT(openNothing(), testing::ExitedWithCode(0), "");
+}
+
+/// A dialog with buttons from nothing to a picture that rests, through the relay.
+void countStartUp() {
+    XServer server;
+    XRelay relay(server.display());
+    plat::TimerManager timers;
+    tx::TXInit(relay.display());
+    tx::TXMsgBox box(nullptr, "Title", "Some text", tx::TXMsgBox::Icon::Info, tx::TXMsgBox::Ok);
+    box.show();
+    while (!box.canvas().isAttached() || XPending(tx::dpy))
+        tx::processEvents();
+    XSync(tx::dpy, False);
+    tx::processEvents();
+    const int requests = relay.requests();
+    const int replies = relay.replies();
+    std::fprintf(stderr, "start-up: %d requests, %d round trips\n", requests, replies);
+    _exit(requests <= 190 && replies <= 40 ? 0 : 1);
+}
+
+TEST(StartUpDeathTest, TakesFewRequestsAndRoundTrips) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(countStartUp(), testing::ExitedWithCode(0), "start-up: ");
+}
+
+} // namespace
+} // namespace txtest

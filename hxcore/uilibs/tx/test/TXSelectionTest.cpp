@@ -1,0 +1,329 @@
+#include "XTest.h"
+#include "tx/TXState.h"
+
+#include <atomic>
+#include <thread>
+
+#include <poll.h>
+
+namespace txtest {
+namespace {
+
+/// Another client that owns CLIPBOARD and answers, well or badly, on a thread and a connection of its own.
+class Owner {
+public:
+    using Answer = std::function<void(Owner&, const XSelectionRequestEvent&)>;
+
+    explicit Owner(Answer answer_) : answer(std::move(answer_)) {
+        window = client.makeWindow();
+        XSetSelectionOwner(client.display, client.atom("CLIPBOARD"), window, tx::currentTime);
+        client.sync();
+        thread = std::thread([this] { serve(); });
+    }
+    ~Owner() {
+        stopping = true;
+        thread.join();
+    }
+    Owner(const Owner&) = delete;
+    Owner& operator=(const Owner&) = delete;
+
+    /// The SelectionNotify; property 0 refuses.
+    void notify(const XSelectionRequestEvent& request, Atom property) {
+        XEvent event{};
+        event.xselection.type = SelectionNotify;
+        event.xselection.requestor = request.requestor;
+        event.xselection.selection = request.selection;
+        event.xselection.target = request.target;
+        event.xselection.property = property;
+        event.xselection.time = request.time;
+        client.send(request.requestor, event);
+    }
+    void write(const XSelectionRequestEvent& request, Atom type, int format, const void* data, int count) {
+        XChangeProperty(client.display, request.requestor, request.property, type, format, PropModeReplace,
+                        static_cast<const unsigned char*>(data), count);
+    }
+    void giveText(const XSelectionRequestEvent& request, Atom type, const std::string& text) {
+        write(request, type, 8, text.data(), static_cast<int>(text.size()));
+        notify(request, request.property);
+    }
+
+    Client client;
+    Window window;
+    std::atomic<int> requests{0};
+
+private:
+    void serve() {
+        while (!stopping) {
+            while (XPending(client.display)) {
+                XEvent event;
+                XNextEvent(client.display, &event);
+                if (event.type != SelectionRequest)
+                    continue;
+                requests++;
+                answer(*this, event.xselectionrequest);
+            }
+            pollfd fd{ConnectionNumber(client.display), POLLIN, 0};
+            poll(&fd, 1, 10);
+        }
+    }
+
+    Answer answer;
+    std::atomic<bool> stopping{false};
+    std::thread thread;
+};
+
+struct TXSelectionTest : XTest {
+    std::string paste() { return window.getCutText(tx::clipboardAtom()).c_str(); }
+    tx::TXWindow window{10, 10};
+};
+
+TEST_F(TXSelectionTest, TakesUtf8AsItStands) {
+    Owner owner([](Owner& o, const XSelectionRequestEvent& request) {
+        o.giveText(request, o.client.atom("UTF8_STRING"), "caf\xc3\xa9 \xe2\x82\xac");
+    });
+    EXPECT_EQ(paste(), "caf\xc3\xa9 \xe2\x82\xac");
+    EXPECT_EQ(owner.requests, 1);
+}
+
+TEST_F(TXSelectionTest, AsksForLatin1WhenThereIsNoUtf8) {
+    Owner owner([](Owner& o, const XSelectionRequestEvent& request) {
+        if (request.target == XA_STRING)
+            o.giveText(request, XA_STRING, "caf\xe9");
+        else
+            o.notify(request, tx::none);
+    });
+    EXPECT_EQ(paste(), "caf\xc3\xa9");
+    EXPECT_EQ(owner.requests, 2);
+}
+
+TEST_F(TXSelectionTest, ARefusalEndsEmptyAfterBothTargets) {
+    Owner owner([](Owner& o, const XSelectionRequestEvent& request) { o.notify(request, tx::none); });
+    EXPECT_EQ(paste(), "");
+    EXPECT_EQ(owner.requests, 2);
+}
+
+TEST_F(TXSelectionTest, InvalidUtf8IsRepaired) {
+    Owner owner([](Owner& o, const XSelectionRequestEvent& request) {
+        o.giveText(request, o.client.atom("UTF8_STRING"),
+                   std::string("a\xff"
+                               "b\0c",
+                               5));
+    });
+    EXPECT_EQ(paste(), "a\xef\xbf\xbd"
+                       "b"); // and a NUL ends it
+}
+
+TEST_F(TXSelectionTest, OwnersThatLieGiveNoText) {
+    const Owner::Answer liars[] = {
+        // Done, it says, but nothing is there.
+        [](Owner& o, const XSelectionRequestEvent& r) { o.notify(r, r.property); },
+        // Words in place of bytes.
+        [](Owner& o, const XSelectionRequestEvent& r) {
+            const long words[] = {0x41414141, 0x42424242};
+            o.write(r, o.client.atom("UTF8_STRING"), 32, words, 2);
+            o.notify(r, r.property);
+        },
+        // Some other type.
+        [](Owner& o, const XSelectionRequestEvent& r) { o.giveText(r, o.client.atom("INTEGER"), "text"); },
+        // An empty value.
+        [](Owner& o, const XSelectionRequestEvent& r) { o.giveText(r, o.client.atom("UTF8_STRING"), ""); },
+    };
+    for (const Owner::Answer& liar : liars) {
+        Owner owner(liar);
+        EXPECT_EQ(paste(), "");
+    }
+}
+
+// An answer names a property; another one of ours must be neither read nor deleted for it.
+TEST_F(TXSelectionTest, OnlyThePropertyThatWasNamedIsTaken) {
+    window.setWMProperties("victim");
+    Owner owner([](Owner& o, const XSelectionRequestEvent& r) { o.notify(r, XA_WM_NAME); });
+    EXPECT_FALSE(window.requestSelection(tx::clipboardAtom(), tx::utf8String(), 50));
+    pump();
+    EXPECT_TRUE(tx::getWindowProperty(window.win(), XA_WM_NAME, XA_STRING).exists());
+}
+
+TEST_F(TXSelectionTest, AnOwnerThatNeverAnswersIsWaitedForOnlySoLong) {
+    Owner owner([](Owner&, const XSelectionRequestEvent&) {});
+    EXPECT_FALSE(window.requestSelection(tx::clipboardAtom(), tx::utf8String(), 30));
+    EXPECT_FALSE(window.hasCutText());
+}
+
+TEST_F(TXSelectionTest, ALateAnswerIsNotTakenForTheNextOnes) {
+    std::vector<XSelectionRequestEvent> held;
+    Owner owner([&](Owner& o, const XSelectionRequestEvent& r) {
+        held.push_back(r);
+        if (held.size() < 2)
+            return;
+        o.notify(held[0], tx::none); // another target: it was the first question's
+        o.giveText(held[1], XA_STRING, "second");
+    });
+    EXPECT_FALSE(window.requestSelection(tx::clipboardAtom(), tx::utf8String(), 30));
+    EXPECT_TRUE(window.requestSelection(tx::clipboardAtom(), XA_STRING, 1000));
+    EXPECT_TRUE(window.hasCutText());
+}
+
+TEST_F(TXSelectionTest, AnOwnerThatDiesAnswersThroughTheServer) {
+    {
+        Owner owner([](Owner&, const XSelectionRequestEvent&) {});
+    }
+    EXPECT_EQ(paste(), "");
+}
+
+TEST_F(TXSelectionTest, ALargeTransferCountsAsEmptyAndIsThrownAway) {
+    Owner owner([](Owner& o, const XSelectionRequestEvent& r) {
+        const long size = 1000000;
+        o.write(r, o.client.atom("INCR"), 32, &size, 1);
+        o.notify(r, r.property);
+    });
+    EXPECT_TRUE(window.requestSelection(tx::clipboardAtom(), tx::utf8String(), 1000));
+    const Atom property = tx::selectionString();
+    const auto deliver = [&](const char* piece, int len) {
+        XChangeProperty(other.display, window.win(), property, tx::utf8String(), 8, PropModeReplace,
+                        reinterpret_cast<const unsigned char*>(piece), len);
+        pump();
+        return !tx::getWindowProperty(window.win(), property, AnyPropertyType).exists();
+    };
+    EXPECT_TRUE(deliver("first", 5)); // deleted: that asks for more
+    EXPECT_TRUE(deliver("second piece", 12));
+    EXPECT_TRUE(deliver("", 0));
+    EXPECT_FALSE(deliver("unasked", 7)); // the transfer is over
+    EXPECT_FALSE(window.hasCutText() && paste() != "");
+}
+
+TEST_F(TXSelectionTest, AnEndlessTransferIsLeftWaiting) {
+    Owner owner([](Owner& o, const XSelectionRequestEvent& r) {
+        const long size = 1;
+        o.write(r, o.client.atom("INCR"), 32, &size, 1);
+        o.notify(r, r.property);
+    });
+    EXPECT_TRUE(window.requestSelection(tx::clipboardAtom(), tx::utf8String(), 1000));
+    const Atom property = tx::selectionString();
+    for (int i = 0; i < 5000; i++)
+        XChangeProperty(other.display, window.win(), property, tx::utf8String(), 8, PropModeReplace,
+                        reinterpret_cast<const unsigned char*>("x"), 1);
+    pump();
+    EXPECT_TRUE(tx::getWindowProperty(window.win(), property, AnyPropertyType).exists());
+}
+
+/// Another client that wants our text.
+struct TXSelectionOwnerTest : XTest {
+    TXSelectionOwnerTest() { offer("caf\xc3\xa9 \xe2\x82\xac"); }
+
+    void offer(const std::string& text) { window.setCutText(text.size(), text.data(), tx::getServerTime()); }
+
+    /// What the requestor finds in its property, as the answer says.
+    tx::Property request(const char* target, Atom into) {
+        XConvertSelection(other.display, other.atom("CLIPBOARD"), other.atom(target), into, requestorWindow,
+                          tx::currentTime);
+        pump();
+        XEvent event;
+        answered = XCheckTypedEvent(other.display, SelectionNotify, &event) != 0;
+        answer = answered ? event.xselection.property : tx::none;
+        return tx::getWindowProperty(requestorWindow, answer ? answer : property, AnyPropertyType, /*remove=*/true);
+    }
+    static std::string text(const tx::Property& value) { return {value.bytes().data(), value.bytes().size()}; }
+
+    tx::TXWindow window{10, 10};
+    Window requestorWindow = other.makeWindow();
+    Atom property = other.atom("ANSWER");
+    bool answered = false;
+    Atom answer = tx::none;
+};
+
+TEST_F(TXSelectionOwnerTest, GivesTextInBothForms) {
+    EXPECT_EQ(text(request("UTF8_STRING", property)), "caf\xc3\xa9 \xe2\x82\xac");
+    const tx::Property latin1 = request("STRING", property);
+    EXPECT_EQ(latin1.type(), XA_STRING);
+    EXPECT_EQ(text(latin1), "caf\xe9 ?");
+}
+
+TEST_F(TXSelectionOwnerTest, TellsItsTargetsAndItsTime) {
+    const tx::Property targets = request("TARGETS", property);
+    EXPECT_EQ(targets.type(), XA_ATOM);
+    EXPECT_EQ(std::vector<unsigned long>(targets.longs().begin(), targets.longs().end()),
+              (std::vector<unsigned long>{other.atom("TIMESTAMP"), other.atom("UTF8_STRING"), XA_STRING}));
+    const tx::Property time = request("TIMESTAMP", property);
+    EXPECT_EQ(time.type(), XA_INTEGER);
+    EXPECT_EQ(time.longs().size(), 1U);
+}
+
+TEST_F(TXSelectionOwnerTest, RefusesWhatItCannotGive) {
+    request("MULTIPLE", property);
+    EXPECT_TRUE(answered);
+    EXPECT_EQ(answer, tx::none);
+    window.disownSelections();
+    request("UTF8_STRING", property);
+    EXPECT_EQ(answer, tx::none);
+}
+
+TEST_F(TXSelectionOwnerTest, OldRequestorsNameNoProperty) {
+    EXPECT_EQ(text(request("STRING", tx::none)), "caf\xe9 ?");
+    EXPECT_EQ(answer, XA_STRING);
+}
+
+TEST_F(TXSelectionOwnerTest, ARequestorMayVanish) {
+    const Window mortal = other.makeWindow();
+    XConvertSelection(other.display, other.atom("CLIPBOARD"), other.atom("UTF8_STRING"), property, mortal,
+                      tx::currentTime);
+    XDestroyWindow(other.display, mortal);
+    pump();
+    EXPECT_EQ(text(request("UTF8_STRING", property)), "caf\xc3\xa9 \xe2\x82\xac");
+}
+
+TEST_F(TXSelectionOwnerTest, ForgedRequestsForWhatWeDontOwnGetNothing) {
+    XEvent event{};
+    event.xselectionrequest.type = SelectionRequest;
+    event.xselectionrequest.owner = window.win();
+    event.xselectionrequest.requestor = requestorWindow;
+    event.xselectionrequest.selection = other.atom("SECONDARY");
+    event.xselectionrequest.target = XA_STRING;
+    event.xselectionrequest.property = property;
+    other.send(window.win(), event);
+    pump();
+    EXPECT_FALSE(tx::getWindowProperty(requestorWindow, property, AnyPropertyType).exists());
+}
+
+TEST_F(TXSelectionOwnerTest, OurOwnTextNeedsNoServer) {
+    tx::TXWindow asker(10, 10);
+    EXPECT_STREQ(asker.getCutText(tx::clipboardAtom()).c_str(), "caf\xc3\xa9 \xe2\x82\xac");
+    offer("");
+    EXPECT_STREQ(asker.getCutText(XA_PRIMARY).c_str(), "");
+}
+
+TEST_F(TXSelectionOwnerTest, AnotherOwnerTakesItAway) {
+    XSetSelectionOwner(other.display, other.atom("CLIPBOARD"), requestorWindow, tx::currentTime);
+    pump();
+    EXPECT_FALSE(window.ownsSelection(tx::clipboardAtom()));
+    EXPECT_TRUE(window.ownsSelection(XA_PRIMARY));
+    tx::TXWindow second(10, 10);
+    second.setCutText(1, "x", tx::getServerTime());
+    EXPECT_FALSE(window.ownsSelection(XA_PRIMARY));
+    EXPECT_TRUE(second.ownsSelection(XA_PRIMARY));
+}
+
+TEST_F(TXSelectionOwnerTest, TheCutBufferIsWrittenAndItsTimeNoted) {
+    pump();
+    int len = 0;
+    char* bytes = XFetchBytes(other.display, &len);
+    EXPECT_EQ(std::string(bytes, static_cast<size_t>(len)), "caf\xe9 ?");
+    XFree(bytes);
+    const Time before = tx::getCutBufferTime();
+    EXPECT_NE(before, 0UL);
+    XStoreBytes(other.display, "new", 3);
+    pump();
+    EXPECT_GE(tx::getCutBufferTime(), before);
+}
+
+TEST_F(TXSelectionOwnerTest, OwnershipEndsWithTheWindow) {
+    {
+        tx::TXWindow mortal(10, 10);
+        mortal.setCutText(4, "dead", tx::getServerTime());
+    }
+    pump();
+    EXPECT_TRUE(tx::state().selectionOwners.empty());
+    EXPECT_STREQ(window.getCutText(XA_PRIMARY).c_str(), "");
+}
+
+} // namespace
+} // namespace txtest
