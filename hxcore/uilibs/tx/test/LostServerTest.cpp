@@ -51,6 +51,7 @@ void loseServerInARoundTrip() {
 }
 
 void loseServerInAModalLoop() {
+    registerBuiltInResources();
     XServer server;
     tx::TXInit(server.display());
     plat::TimerManager timers;
@@ -86,6 +87,7 @@ TEST(NoServerDeathTest, IsAnExceptionThatNamesTheDisplay) {
 
 /// A dialog with buttons from nothing to a picture that rests, through the relay.
 void countStartUp() {
+    registerBuiltInResources();
     XServer server;
     XRelay relay(server.display());
     plat::TimerManager timers;

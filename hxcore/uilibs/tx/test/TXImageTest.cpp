@@ -4,6 +4,8 @@
 #include "plat/Exception.h"
 
 #include <sched.h>
+#include <sys/ipc.h>
+#include <sys/shm.h>
 
 namespace txtest {
 namespace {
@@ -22,6 +24,7 @@ struct TXImageTest : XTest {
     }
     void put(tx::TXImage& image, rfb::Point offset = {0, 0}) {
         image.putImage(window.win(), image.getRect(), offset, tx::getDefaultGC());
+        XSync(tx::dpy, False); // the server reads shared memory when it gets to it
     }
     /// What the server shows, within what its format can tell.
     rfb::Colour shown(int x, int y) {
@@ -109,6 +112,8 @@ void attachFailsAfterItSucceeded() {
     tx::TXImage before(10, 10);
     if (!before.isShared() || unshare(CLONE_NEWIPC) != 0)
         _exit(77); // cannot be arranged here
+    for (int i = 0; i < 10; i++)
+        shmctl(shmget(IPC_PRIVATE, 1, IPC_CREAT | 0600), IPC_RMID, nullptr); // the next ids mean nothing to the server
     tx::TXImage after(10, 10);
     after.putImage(window.win(), after.getRect(), {0, 0}, tx::getDefaultGC());
     before.putImage(window.win(), before.getRect(), {0, 0}, tx::getDefaultGC());
@@ -128,6 +133,7 @@ TEST(TXImageDeathTest, AnAttachThatFailsAfterItSucceededFallsBack) {
 TEST_F(TXImageTest, AFailureOfSharedMemoryIsRepaintedWithoutIt) {
     FakeWidget widget(30, 30);
     tx::TXWParent parent(&widget, nullptr, true);
+    parent.setPosition(200, 200);
     parent.show(true);
     pump();
     tx::TXImage image(10, 10);

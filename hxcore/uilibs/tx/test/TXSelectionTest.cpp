@@ -199,9 +199,14 @@ TEST_F(TXSelectionTest, AnEndlessTransferIsLeftWaiting) {
     });
     EXPECT_TRUE(window.requestSelection(tx::clipboardAtom(), tx::utf8String(), 1000));
     const Atom property = tx::selectionString();
-    for (int i = 0; i < 5000; i++)
+    const auto deliver = [&] {
         XChangeProperty(other.display, window.win(), property, tx::utf8String(), 8, PropModeReplace,
                         reinterpret_cast<const unsigned char*>("x"), 1);
+    };
+    for (int i = 0; i < 5000; i++)
+        deliver();
+    pump();
+    deliver();
     pump();
     EXPECT_TRUE(tx::getWindowProperty(window.win(), property, AnyPropertyType).exists());
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,6 +25,8 @@ public:
             const int nowhere = open("/dev/null", O_RDWR);
             dup2(nowhere, 1);
             dup2(nowhere, 2);
+            close_range(4, ~0U, 0); // what the test program waits on must not stay open here
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
             execlp("Xvfb", "Xvfb", "-displayfd", "3", "-screen", "0", "640x480x24", "-nolisten", "tcp", nullptr);
             _exit(127);
         }

@@ -3,6 +3,7 @@
 
 #include "plat/Timer.h"
 #include "plat/monoTime.h"
+#include "registerBuiltInResources.h"
 #include "rfb/Colour.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/renderOps.h"
@@ -38,6 +39,7 @@ public:
     }
     Atom atom(const char* name) { return XInternAtom(display, name, False); }
     void send(Window to, XEvent event) {
+        XSync(tx::dpy, False); // our window is there
         XSendEvent(display, to, False, 0, &event);
         sync();
     }
@@ -127,6 +129,7 @@ using Strings = std::vector<std::string>;
 class XTest : public testing::Test {
 protected:
     XTest() {
+        [[maybe_unused]] static const bool once = (registerBuiltInResources(), true);
         plat::setTimeSource(readClock);
         tx::TXInit();
         timers = std::make_unique<plat::TimerManager>();
