@@ -18,7 +18,8 @@ namespace sui {
 namespace {
 constexpr TextStyle headingStyle{240, 300, 0, "contentText"};
 constexpr TextStyle titleStyle{140, 700, 0, "contentText"};
-constexpr const char* darkLinkColour = "#66a7e8";
+constexpr const char* linkColour = "#3838c8";
+constexpr const char* darkLinkColour = "#66a7e8"; // the other one can't be read on black
 
 // Controls, and those that turn the direction of text round (Unicode 15, 23.2 and 9.3).
 bool isDisguise(uint32_t c) {
@@ -63,11 +64,11 @@ int weightFor(int size, int weight) {
     return hxutil::getFont(size, weight)->height == regular ? weight : 400;
 }
 
-plat::String styledHtml(const TextStyle& style, const char* html, const char* linkColour) {
+plat::String styledHtml(const TextStyle& style, const char* html, const char* colourOfLinks) {
     plat::DString out;
     out.format("<div style=\"%s\">", style.css().c_str());
     for (const char* rest = html ? html : ""; *rest;) {
-        const char* link = linkColour ? strstr(rest, "<a ") : nullptr;
+        const char* link = colourOfLinks ? strstr(rest, "<a ") : nullptr;
         if (!link) {
             out.append(rest);
             break;
@@ -76,7 +77,7 @@ plat::String styledHtml(const TextStyle& style, const char* html, const char* li
         const char* end = strchr(link, '>');
         // A link that states its own look keeps it.
         if (end && std::string_view(link, static_cast<size_t>(end - link)).find("style=") == std::string_view::npos)
-            out.format("<a style=\"text-decoration:underline;color:%s\" ", linkColour);
+            out.format("<a style=\"text-decoration:underline;color:%s\" ", colourOfLinks);
         else
             out.append("<a ");
         rest = link + 3;
@@ -98,7 +99,7 @@ plat::String escapedText(const char* text) {
     return out.take();
 }
 
-const char* themedLinkColour() { return plat::isDarkMode() ? darkLinkColour : nullptr; }
+const char* themedLinkColour() { return plat::isDarkMode() ? darkLinkColour : linkColour; }
 
 TitleRow::TitleRow(mui::MuContainer* parent, const char* rowName, const char* iconName, const char* imageName,
                    const char* name, const char* text) {

@@ -32,13 +32,13 @@ struct TextStyle {
 /// `weight`, or the regular one where bold text of this size would fall back to a smaller font.
 int weightFor(int size, int weight);
 
-/// `html` inside a div of that style, its links in `linkColour` (null leaves them as they are).
-plat::String styledHtml(const TextStyle& style, const char* html, const char* linkColour);
+/// `html` inside a div of that style, its links in `colourOfLinks` unless they state a look (null leaves them).
+plat::String styledHtml(const TextStyle& style, const char* html, const char* colourOfLinks);
 
 /// Plain text as markup: escaped, without control and direction characters that could disguise it.
 plat::String escapedText(const char* text);
 
-/// The colour that links need in the current theme; null where the built-in one can be read.
+/// The colour of links in the current theme.
 const char* themedLinkColour();
 
 constexpr int iconUnits = 31;    ///< the icon column
