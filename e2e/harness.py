@@ -61,10 +61,10 @@ class Core:
         self.home = home
         self.inspect = None
         self.lines = []
-        self.process = subprocess.Popen(
-            [CORE, "-mode", mode, "-terminal", *core_args, "--", "-_MuiComms", *args],
-            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=open(os.path.join(home.path, "stderr"), "wb"),
-            env=home.env)
+        with open(os.path.join(home.path, "stderr"), "wb") as errors:
+            self.process = subprocess.Popen(
+                [CORE, "-mode", mode, "-terminal", *core_args, "--", "-_MuiComms", *args],
+                stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=errors, env=home.env)
         os.set_blocking(self.process.stdout.fileno(), False)
         self.buffer = b""
 

@@ -54,7 +54,7 @@ SESSION = b"".join([
 class Link(UiTest):
     def start_raw(self, *args):
         ours, theirs = socket.socketpair()
-        process = subprocess.Popen([UI, "user", str(theirs.fileno()), "-Log=*:stderr:30", *args],
+        process = subprocess.Popen([UI, "user", str(theirs.fileno()), "-Log=*:stderr:100", *args],
                                    pass_fds=[theirs.fileno()], stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
                                    env=self.home.env)
         theirs.close()
@@ -177,7 +177,8 @@ def rss_kb(pid):
 
 
 def sanitized():
-    return b"__asan_init" in open(UI, "rb").read()
+    with open(UI, "rb") as program:
+        return b"__asan_init" in program.read()
 
 
 if __name__ == "__main__":

@@ -200,6 +200,9 @@ void TXWParent::repaintNow() {
     region.assign_intersect(rfb::Region(image->getRect()));
     std::vector<rfb::Rect> rects;
     region.get_rects(&rects);
+    if (rects.empty())
+        return;
+    log.verbose("paint %zu rectangles of 0x%lx", rects.size(), win());
     for (const rfb::Rect& rect : rects)
         paintRect(rect);
 }
