@@ -1,0 +1,156 @@
+#include "hxutil/PngFile.h"
+
+#include "rfb/PixelBuffer.h"
+
+#include <gtest/gtest.h>
+
+#include <png.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+using hxutil::PngFile;
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+/// What a test image is made of; `samples` are rows of bytes as libpng takes them.
+struct Spec {
+    uint32_t width, height;
+    int bitDepth, colourType, interlace;
+    Bytes samples;
+};
+
+Bytes encode(const Spec& spec) {
+    Bytes out;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    png_set_write_fn(
+        png, &out,
+        [](png_structp p, png_bytep data, size_t length) {
+            auto* bytes = static_cast<Bytes*>(png_get_io_ptr(p));
+            bytes->insert(bytes->end(), data, data + length);
+        },
+        nullptr);
+    png_set_IHDR(png, info, spec.width, spec.height, spec.bitDepth, spec.colourType, spec.interlace,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    if (spec.colourType == PNG_COLOR_TYPE_PALETTE) {
+        const png_color palette[] = {{255, 0, 0}, {0, 128, 255}};
+        png_set_PLTE(png, info, palette, 2);
+    }
+    png_write_info(png, info);
+    const size_t rowBytes = png_get_rowbytes(png, info);
+    std::vector<png_bytep> rows;
+    Bytes samples = spec.samples;
+    samples.resize(rowBytes * spec.height);
+    for (uint32_t y = 0; y < spec.height; ++y)
+        rows.push_back(samples.data() + y * rowBytes);
+    png_write_image(png, rows.data());
+    png_write_end(png, nullptr);
+    png_destroy_write_struct(&png, &info);
+    return out;
+}
+
+std::vector<uint32_t> decode(const Bytes& bytes, bool premultiply = false) {
+    PngFile png(bytes.data(), bytes.size(), premultiply, "test");
+    rfb::ManagedPixelBuffer pb(png.getPf(), png.getSize().x, png.getSize().y);
+    png.render(&pb, {});
+    std::vector<uint32_t> pixels(static_cast<size_t>(pb.getRect().area()));
+    pb.getImage(pixels.data(), pb.getRect());
+    return pixels;
+}
+
+std::string failureOf(const Bytes& bytes) {
+    try {
+        decode(bytes);
+    } catch (const hxutil::PngException& e) {
+        return e.what();
+    }
+    return "";
+}
+
+const Spec rgba{2, 1, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE, {200, 100, 50, 128, 1, 2, 3, 255}};
+
+TEST(PngFile, GivesFormatsByAlpha) {
+    const Bytes plain = encode({2, 1, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, {1, 2, 3, 255, 254, 253}});
+    EXPECT_EQ(decode(plain), (std::vector<uint32_t>{0x010203, 0xfffefd}));
+    EXPECT_TRUE(PngFile(plain.data(), plain.size(), true).getPf().equal(rfb::pfRGB888()));
+    const Bytes alpha = encode(rgba);
+    EXPECT_EQ(decode(alpha), (std::vector<uint32_t>{0x80c86432, 0xff010203}));
+    EXPECT_EQ(decode(alpha, /*premultiply=*/true), (std::vector<uint32_t>{0x80643219, 0xff010203}));
+    EXPECT_TRUE(PngFile(alpha.data(), alpha.size(), true).getPf().equal(rfb::pfARGB8888()));
+}
+
+TEST(PngFile, ExpandsPalettesAndSixteenBits) {
+    EXPECT_EQ(decode(encode({3, 1, 1, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE, {0b01000000}})),
+              (std::vector<uint32_t>{0xff0000, 0x0080ff, 0xff0000}));
+    EXPECT_EQ(decode(encode({1, 1, 16, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, {0x12, 0xff, 0x34, 0, 0x56, 0}})),
+              (std::vector<uint32_t>{0x123456}));
+}
+
+TEST(PngFile, ReadsInterlacedImages) {
+    Spec spec{9, 11, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE, {}};
+    for (int i = 0; i < 9 * 11 * 4; ++i)
+        spec.samples.push_back(static_cast<uint8_t>(i * 7));
+    const std::vector<uint32_t> plain = decode(encode(spec));
+    spec.interlace = PNG_INTERLACE_ADAM7;
+    EXPECT_EQ(decode(encode(spec)), plain);
+}
+
+TEST(PngFile, RendersAtAPlace) {
+    const Bytes bytes = encode(rgba);
+    PngFile png(bytes.data(), bytes.size(), true);
+    rfb::ManagedPixelBuffer pb(rfb::pfARGB8888(), 4, 2);
+    png.render(&pb, {1, 1});
+    uint32_t pixels[8];
+    pb.getImage(pixels, pb.getRect());
+    EXPECT_EQ(pixels[4], 0U);
+    EXPECT_EQ(pixels[5], 0x80643219U);
+    EXPECT_EQ(pixels[7], 0U);
+}
+
+TEST(PngFile, RefusesGreyByNumberAndName) {
+    EXPECT_EQ(failureOf(encode({1, 1, 8, PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE, {9}})),
+              "PNG color type 0 not supported: test");
+    EXPECT_EQ(failureOf(encode({1, 1, 8, PNG_COLOR_TYPE_GRAY_ALPHA, PNG_INTERLACE_NONE, {9, 9}})),
+              "PNG color type 4 not supported: test");
+}
+
+TEST(PngFile, EveryTruncationIsAnError) {
+    const Bytes whole = encode(rgba);
+    EXPECT_EQ(failureOf(whole), "");
+    for (size_t length = 0; length < whole.size(); ++length)
+        EXPECT_EQ(failureOf(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length))),
+                  "test: Bad PNG data")
+            << length;
+}
+
+TEST(PngFile, CorruptionIsAnErrorOrAnImage) {
+    const Bytes whole = encode(rgba);
+    for (size_t at = 0; at < whole.size(); ++at) {
+        Bytes bad = whole;
+        bad[at] ^= 0x41;
+        failureOf(bad); // must not crash, nor hang
+    }
+    Bytes notPng = whole;
+    notPng[1] = 'X';
+    EXPECT_EQ(failureOf(notPng).substr(0, 6), "test: ");
+}
+
+TEST(PngFile, SizesAreLimited) {
+    Bytes big = encode({4096, 1, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, {}});
+    EXPECT_EQ(failureOf(big), "");
+    EXPECT_NE(failureOf(encode({4097, 1, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, {}})), "");
+    EXPECT_NE(failureOf(encode({1, 4097, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, {}})), "");
+}
+
+TEST(PngFileDeathTest, WantsABufferOfItsFormat) {
+    const Bytes bytes = encode(rgba);
+    PngFile png(bytes.data(), bytes.size(), false);
+    rfb::ManagedPixelBuffer pb(rfb::pfRGB888(), 2, 1);
+    EXPECT_DEATH(png.render(&pb, {}), "pb->getPf\\(\\).equal\\(pf\\)");
+}
+
+} // namespace
