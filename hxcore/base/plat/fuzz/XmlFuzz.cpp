@@ -10,7 +10,7 @@ size_t visit(const plat::XmlNode& node, size_t depth) {
     if (depth > plat::XmlDocument::maxDepth)
         std::abort();
     size_t bytes = node.innerText().view().size();
-    for (size_t i = 0; i < node.attributeCount(); ++i) {
+    for (size_t i = 0; i < node.attributeCount() && i < 16; ++i) {
         if (!node.attribute(node.attributeAt(i).name))
             std::abort();
     }
