@@ -154,12 +154,11 @@ int LogRegistry::replay(const std::vector<Element>& elements) {
     int highest = -1;
     for (const Element& element : elements) {
         LogDest* const dest = find(element.target.c_str());
-        if (element.pattern != "*" || !dest)
-            continue;
-        highest = std::max(highest, element.level);
         // Asking whether a destination is active may open its file, so first see whether there is anything for it.
-        if (store.holds(element.level) && dest->isActive())
-            store.replay(*dest, element.level);
+        if (element.pattern != "*" || !dest || !store.holds(element.level) || !dest->isActive())
+            continue;
+        store.replay(*dest, element.level);
+        highest = std::max(highest, element.level);
     }
     return highest;
 }

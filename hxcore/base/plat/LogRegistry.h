@@ -46,7 +46,7 @@ private:
     static std::vector<Element> parse(const std::string& spec);
     static void map(const Element& element, LogDest* dest, LogSrc* source);
     void mapAll(const Element& element);
-    int replay(const std::vector<Element>& elements);
+    int replay(const std::vector<Element>& elements); ///< gives the highest level that was handed over, or -1
 
     static constinit bool active;
 
