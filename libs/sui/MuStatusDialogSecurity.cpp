@@ -71,7 +71,11 @@ void MuStatusDialogSecurity::addAuthentication(mui::MuContainer* parent, plat::M
     const int shieldPx = hxutil::scaled(shieldUnits);
     shield = mui::MuImage::create(changeRow, "shield", "shield", {shieldPx, shieldPx});
     change = mui::MuText::create(changeRow, "change", "");
-    changeRow->setChildLayout(shield, mui::MuLayout::Natural | mui::MuLayout::Centre);
+    // The shield may be taller than the words beside it.
+    for (mui::MuElement* each : {static_cast<mui::MuElement*>(shield), static_cast<mui::MuElement*>(change)})
+        changeRow->setChildLayout(each, mui::MuLayout::Natural | mui::MuLayout::Centre);
+    row->setChildLayout(authentication, mui::MuLayout::Natural | mui::MuLayout::Centre);
+    row->setChildLayout(changeRow, mui::MuLayout::Natural | mui::MuLayout::Centre);
     change->setWrap(false);
     bodyStyle.applyTo(change);
     change->setLinkCallback(links);
