@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace io {
 
