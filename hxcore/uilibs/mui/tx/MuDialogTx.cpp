@@ -311,6 +311,20 @@ void MuDialogTx::focusDefault() {
     MuCommonWvw* target = defaultFocus ? MuCommonWvw::commonOf(defaultFocus, /*assertCommon=*/false) : nullptr;
     if (target)
         target->getWidget()->takeFocus();
+    else if (!asksSomething())
+        content->setFocusChild(nullptr);
+}
+
+/// A dialog that asks nothing shows no focus until a key asks for it.
+bool MuDialogTx::asksSomething() const { return actionButtons[0] || actionButtons[1] || actionCallback; }
+
+bool MuDialogTx::startFocus(uint32_t keysym) {
+    const bool travels = keysym == rfb::key::Tab || keysym == rfb::key::Down || keysym == rfb::key::Up;
+    if (!travels || content->getFocusChild() || !content->acceptsFocus())
+        return false;
+    const bool backward = keysym == rfb::key::Up || (keysym == rfb::key::Tab && content->shiftDown());
+    content->focusChanged(backward, content); // takes the first child, or the last
+    return true;
 }
 
 void MuDialogTx::focusWindow(bool focused) { notify(focused ? EventFocusGained : EventFocusLost); }
@@ -342,7 +356,9 @@ bool MuDialogTx::keyEvent(uint32_t keysym, bool down, wvw::Widget*) {
     const wvw::WidgetWatch watch(content);
     if (handleKey(keysym, modifiers))
         return true;
-    return watch.alive() && (modifiers & AltBit) && hotKey(keysym);
+    if (!watch.alive())
+        return true;
+    return startFocus(keysym) || ((modifiers & AltBit) && hotKey(keysym));
 }
 
 bool MuDialogTx::hotKey(unsigned keysym) {

@@ -61,6 +61,8 @@ private:
     void hide();
     void windowMapped();
     void focusDefault();
+    bool asksSomething() const;
+    bool startFocus(uint32_t keysym);
     void place();
     void grabInput(bool grab);
     bool pressOutside(const rfb::Point& rootPosition);

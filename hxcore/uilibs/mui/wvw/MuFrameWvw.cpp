@@ -86,8 +86,12 @@ void MuFrameWvw::styleChanged() {
 void MuFrameWvw::doLayout() {
     const rfb::Point around = chrome();
     const rfb::Point inner = commonWvw.getSize() - around;
-    if (panel)
-        background.setSize({std::max(0, inner.x), std::max(0, inner.y)});
+    if (panel) {
+        // The panel gives its content the height that it has by itself, which is ours to say.
+        const rfb::Point room(std::max(0, inner.x), std::max(0, inner.y));
+        background.setSize(room);
+        panel->getContent().setSize(room);
+    }
     if (!child || inner.x <= 0 || inner.y <= 0)
         return;
     child->setPosition(margin);

@@ -183,6 +183,21 @@ TEST_F(DialogTxTest, TheDefaultFocusIsTakenOnceTheWindowIsUp) {
     ASSERT_TRUE(showAndWait(*dialog));
 }
 
+TEST_F(DialogTxTest, ADialogThatAsksNothingShowsNoFocusUntilAKeyAsksForIt) {
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
+    MuLayout* row = MuLayout::create(dialog.get(), "row", Orientation::Horizontal);
+    MuButton* first = MuButton::create(row, "first", "First");
+    MuButton* last = MuButton::create(row, "last", "Last");
+    for (const auto& [keysym, expected] : {std::pair<KeySym, MuButton*>{XK_Tab, first}, {XK_Up, last}}) {
+        ASSERT_TRUE(showAndWait(*dialog));
+        EXPECT_FALSE(first->hasFocus() || last->hasFocus());
+        sendKey(*dialog, keysym);
+        EXPECT_TRUE(waitFor([&, button = expected] { return button->hasFocus(); }));
+        dialog->setShown(false);
+        ASSERT_TRUE(waitFor([&] { return !windowOf(*dialog)->isMapped(); }));
+    }
+}
+
 TEST_F(DialogTxTest, TheCloseButtonOfTheWindowCloses) {
     std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
     dialog->addObserver(this, true);

@@ -77,10 +77,12 @@ int main(int, char** argv) {
     addButtons(column);
     addChecks(column);
     mui::MuLine::create(column, "etched");
-    mui::MuStatic::create(column, "static", "Plain <text> & no markup, which is long enough to need a second line here, "
-                                            "so that wrapping can be seen as well.");
-    mui::MuText::create(column, "text", "Text with <b>bold</b>, a <a href=\"one\">link</a> and <a href=\"two\">another"
-                                        "</a>.");
+    mui::MuStatic::create(column, "static",
+                          "Plain <text> & no markup, which is long enough to need a second line here, "
+                          "so that wrapping can be seen as well.");
+    mui::MuText::create(column, "text",
+                        "Text with <b>bold</b>, a <a href=\"one\">link</a> and <a href=\"two\">another"
+                        "</a>.");
     mui::MuFrame* frame = mui::MuFrame::create(column, "titled", mui::MuFrame::Type::Plain, "Titled frame");
     mui::MuStatic::create(frame, "inside", "Inside the frame");
     mui::MuFrame* line = mui::MuFrame::create(column, "line", mui::MuFrame::Type::Line);

@@ -233,6 +233,10 @@ TEST_F(TwinsTest, ATitledFrameKeepsItsContentInsideThePanel) {
     const rfb::Rect inner = rfb::Rect::at(text->getPosition(), text->getSize());
     EXPECT_TRUE(rfb::Rect(0, 0, frame->getSize().x, frame->getSize().y).encloses(inner));
     EXPECT_GT(text->getPosition().y, frame->getMargin().y);
+    // And it can be seen.
+    text->setTextColour("#ff0000");
+    window.paint();
+    EXPECT_GT(window.countPixels(inner.translate(frame->getPosition()), 0xff0000), 20);
 }
 
 TEST_F(TwinsTest, PlainTextIsShownLiterally) {
