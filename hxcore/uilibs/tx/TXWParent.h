@@ -73,6 +73,7 @@ public:
     void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* dragImage) override;
 
     using TXWindow::getCutText;
+    using TXWindow::isFocused;
     using TXWindow::setCutText;
     using TXWindow::setFocus;
 

@@ -26,20 +26,7 @@ struct TXImageTest : XTest {
         image.putImage(window.win(), image.getRect(), offset, tx::getDefaultGC());
         XSync(tx::dpy, False); // the server reads shared memory when it gets to it
     }
-    /// What the server shows, within what its format can tell.
-    rfb::Colour shown(int x, int y) {
-        XSync(tx::dpy, False);
-        XImage* image = XGetImage(other.display, window.win(), x, y, 1, 1, AllPlanes, ZPixmap);
-        XColor colour{};
-        colour.pixel = XGetPixel(image, 0, 0);
-        XDestroyImage(image);
-        XQueryColor(other.display, DefaultColormap(other.display, DefaultScreen(other.display)), &colour);
-        return {colour.red >> 8, colour.green >> 8, colour.blue >> 8};
-    }
-    static bool isNear(const rfb::Colour& a, const rfb::Colour& b) {
-        constexpr int tolerance = 44; // half a step of a cube of 4
-        return std::abs(a.r - b.r) <= tolerance && std::abs(a.g - b.g) <= tolerance && std::abs(a.b - b.b) <= tolerance;
-    }
+    rfb::Colour shown(int x, int y) { return XTest::shown(window.win(), x, y); }
 
     const rfb::Colour red{255, 0, 0};
     const rfb::Colour blue{0, 0, 255};

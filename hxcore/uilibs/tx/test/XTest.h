@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <string>
@@ -150,6 +151,20 @@ protected:
     void fire(int ms) {
         clockTicks += ms * plat::ticksPerMs;
         timers->processTimers();
+    }
+    /// What the server shows of a window that nothing covers, as far as its format can tell.
+    rfb::Colour shown(Window window, int x, int y) {
+        XSync(tx::dpy, False);
+        XImage* image = XGetImage(other.display, window, x, y, 1, 1, AllPlanes, ZPixmap);
+        XColor colour{};
+        colour.pixel = XGetPixel(image, 0, 0);
+        XDestroyImage(image);
+        XQueryColor(other.display, DefaultColormap(other.display, DefaultScreen(other.display)), &colour);
+        return {colour.red >> 8, colour.green >> 8, colour.blue >> 8};
+    }
+    static bool isNear(const rfb::Colour& a, const rfb::Colour& b) {
+        constexpr int tolerance = 44; // half a step of a cube of 4
+        return std::abs(a.r - b.r) <= tolerance && std::abs(a.g - b.g) <= tolerance && std::abs(a.b - b.b) <= tolerance;
     }
     bool isIdle() { return timers->timeUntilNext() == -1; }
 

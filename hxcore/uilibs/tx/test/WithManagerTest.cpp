@@ -1,0 +1,179 @@
+// Under a real window manager, which answers in its own time.
+#include "XTest.h"
+#include "tx/TXDialog.h"
+#include "tx/WindowManager.h"
+
+#include <algorithm>
+#include <ctime>
+
+#include <poll.h>
+
+namespace txtest {
+namespace {
+
+struct RecordingWindow : tx::TXWParent, tx::TXDeleteWindowCallback {
+    explicit RecordingWindow(FakeWidget* widget) : tx::TXWParent(widget) { setWMProperties("recording", this); }
+    void deleteWindow(tx::TXWindow*) override { closed++; }
+    void focusChanged() override { focusChanges++; }
+    using tx::TXWParent::focusChanged;
+    void takeFocus(Time time) override {
+        taken++;
+        tx::TXWindow::setFocus(time);
+    }
+    int closed = 0;
+    int focusChanges = 0;
+    int taken = 0;
+};
+
+struct WithManagerTest : XTest {
+    void SetUp() override {
+        if (!tx::WindowManager::isWMRunning())
+            GTEST_SKIP() << "no window manager";
+        window.show(true);
+        ASSERT_TRUE(eventually([this] { return window.isMapped() && !widget.painted.empty(); }));
+    }
+
+    /// Serves events until the manager has done it; at most 10 seconds.
+    template <class Condition>
+    bool eventually(Condition condition) {
+        const std::time_t deadline = std::time(nullptr) + 10;
+        while (!condition()) {
+            if (std::time(nullptr) > deadline)
+                return false;
+            pump();
+            pollfd fd{ConnectionNumber(tx::dpy), POLLIN, 0};
+            poll(&fd, 1, 20);
+        }
+        return true;
+    }
+    bool hasState(Atom wanted) {
+        const tx::Property states = tx::getWindowProperty(window.win(), tx::netWmState(), XA_ATOM);
+        return std::ranges::count(states.longs(), wanted) == 1;
+    }
+    bool isHidden() {
+        bool hidden = false;
+        return tx::WindowManager::isHidden(window.win(), &hidden) && hidden;
+    }
+
+    FakeWidget widget{200, 150};
+    RecordingWindow window{&widget};
+};
+
+TEST_F(WithManagerTest, IsFoundAndTellsWhatItCan) {
+    EXPECT_NE(tx::WindowManager::findWMWindow(), tx::none);
+    EXPECT_TRUE(tx::WindowManager::isNetHintSupported(tx::netWmMoveResize()));
+    EXPECT_TRUE(tx::WindowManager::isNetHintSupported(tx::netWmStateAbove()));
+    EXPECT_FALSE(tx::WindowManager::isNetHintSupported(tx::selectionString()));
+    const rfb::Rect screen({0, 0}, tx::getScreenSize());
+    const rfb::Rect area = tx::WindowManager::getWorkArea();
+    EXPECT_FALSE(area.isEmpty());
+    EXPECT_TRUE(screen.encloses(area));
+}
+
+TEST_F(WithManagerTest, AddsAndRemovesStates) {
+    tx::WindowManager::setNetWMState(&window, true, tx::netWmStateAbove());
+    EXPECT_TRUE(eventually([this] { return hasState(tx::netWmStateAbove()); }));
+    tx::WindowManager::setNetWMState(&window, false, tx::netWmStateAbove());
+    EXPECT_TRUE(eventually([this] { return !hasState(tx::netWmStateAbove()); }));
+    tx::WindowManager::setNetWMState(&window, true, tx::netWmStateFullscreen());
+    EXPECT_TRUE(eventually([this] { return widget.getSize() == tx::getScreenSize(); }));
+}
+
+TEST_F(WithManagerTest, IconifiesAndOpensAgain) {
+    EXPECT_FALSE(isHidden());
+    window.iconify();
+    EXPECT_TRUE(eventually([this] { return isHidden(); }));
+    window.show(true);
+    EXPECT_TRUE(eventually([this] { return window.isMapped() && !isHidden(); }));
+    window.show(false);
+    EXPECT_FALSE(widget.isAttached());
+    window.iconify(); // while it is withdrawn: mapped as an icon
+    EXPECT_TRUE(eventually([this] { return isHidden(); }));
+    window.deiconify();
+    EXPECT_TRUE(eventually([this] { return window.isMapped() && !isHidden(); }));
+}
+
+TEST_F(WithManagerTest, HidingAndShowingAtOnceEndsVisible) {
+    for (int i = 0; i < 5; i++) {
+        window.show(false);
+        window.show(true);
+    }
+    EXPECT_TRUE(eventually([this] { return window.isMapped() && widget.isAttached(); }));
+    XWindowAttributes attributes{};
+    EXPECT_TRUE(eventually([&] {
+        return XGetWindowAttributes(other.display, window.win(), &attributes) && attributes.map_state == IsViewable;
+    }));
+}
+
+TEST_F(WithManagerTest, AFixedWindowTakesTheSizesThatWeGiveIt) {
+    window.setFixedSize(true);
+    for (const rfb::Point size : {rfb::Point(300, 200), rfb::Point(120, 90), rfb::Point(400, 350)}) {
+        window.resize(size.x, size.y);
+        EXPECT_EQ(widget.getSize(), size);
+    }
+    XWindowAttributes attributes{};
+    EXPECT_TRUE(eventually([&] {
+        XGetWindowAttributes(other.display, window.win(), &attributes);
+        return attributes.width == 400 && attributes.height == 350;
+    }));
+    pump();
+    EXPECT_EQ(widget.getSize(), rfb::Point(400, 350));
+}
+
+TEST_F(WithManagerTest, KnowsItsPlaceInsideTheFrame) {
+    XMoveWindow(tx::dpy, window.win(), 150, 160);
+    const auto serverPosition = [this] {
+        int x = 0;
+        int y = 0;
+        Window child = tx::none;
+        XTranslateCoordinates(other.display, window.win(), other.root(), 0, 0, &x, &y, &child);
+        return rfb::Point(x, y);
+    };
+    EXPECT_TRUE(eventually([&] { return serverPosition().x >= 150; }));
+    pump();
+    EXPECT_EQ(widget.getRootPosition(), serverPosition());
+}
+
+TEST_F(WithManagerTest, AsksUsToClose) {
+    tx::sendRootClientMessage(window.win(), other.atom("_NET_CLOSE_WINDOW"));
+    EXPECT_TRUE(eventually([this] { return window.closed == 1; }));
+    EXPECT_TRUE(window.isMapped()); // the answer is ours
+}
+
+TEST_F(WithManagerTest, ActivatesWhatIsRaised) {
+    FakeWidget second(50, 50);
+    RecordingWindow above(&second);
+    above.show(true);
+    EXPECT_TRUE(eventually([&] { return above.isFocused(); }));
+    window.raise();
+    EXPECT_TRUE(eventually([&] { return window.isFocused() && !above.isFocused(); }));
+    EXPECT_TRUE(tx::hasFocus);
+}
+
+// Without the input hint the manager only tells us that we may take the keyboard.
+TEST_F(WithManagerTest, TheInputHintDecidesWhoTakesTheFocus) {
+    FakeWidget second(50, 50);
+    RecordingWindow quiet(&second);
+    quiet.setInputHint(false);
+    quiet.show(true);
+    EXPECT_TRUE(eventually([&] { return quiet.taken > 0 || quiet.isMapped(); }));
+    quiet.raise();
+    EXPECT_TRUE(eventually([&] { return quiet.taken > 0; }));
+    EXPECT_TRUE(eventually([&] { return quiet.isFocused(); }));
+}
+
+TEST_F(WithManagerTest, ADialogAboveItsParentIsModalForKeysAndClosing) {
+    tx::TXDialog dialog(&window, "modal", /*centred=*/true);
+    dialog.setSize({80, 60});
+    dialog.show();
+    dialog.pushModal();
+    EXPECT_TRUE(eventually([&] { return dialog.isMapped(); }));
+    tx::sendRootClientMessage(window.win(), other.atom("_NET_CLOSE_WINDOW"));
+    tx::sendRootClientMessage(dialog.win(), other.atom("_NET_CLOSE_WINDOW"));
+    EXPECT_TRUE(eventually([&] { return !dialog.isMapped(); }));
+    EXPECT_EQ(window.closed, 0);
+    EXPECT_FALSE(dialog.isModal());
+}
+
+} // namespace
+} // namespace txtest
