@@ -19,8 +19,7 @@ Fl_PNG_Image* image(const char* name, int size) {
     return scaled;
 }
 
-void text(int x, int y, int w, int h, const char* words, int size = 13, bool bold = false,
-          Fl_Color colour = FL_BLACK) {
+void text(int x, int y, int w, int h, const char* words, int size = 13, bool bold = false, Fl_Color colour = FL_BLACK) {
     auto* box = new Fl_Box(x, y, w, h, words);
     box->align(FL_ALIGN_LEFT | FL_ALIGN_INSIDE | FL_ALIGN_WRAP);
     box->labelsize(size);
@@ -72,7 +71,8 @@ int main(int argc, char** argv) {
     icon(35, 263, 16, "sdIdCheck@2x");
     text(63, 263, 500, 16, "Identity check", 14, true);
     text(63, 287, 682, 15,
-         "Connecting users should see exactly this signature and catchphrase. If they do not, they should not continue.");
+         "Connecting users should see exactly this signature and catchphrase. If they do not, they should not "
+         "continue.");
     text(63, 318, 300, 15, "Signature", 13, true);
     text(63, 333, 300, 15, "2c-7f-19-a4-55-e0-8b-d3");
     text(412, 318, 300, 15, "Catchphrase", 13, true);

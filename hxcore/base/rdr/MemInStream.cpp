@@ -20,7 +20,7 @@ uint32_t MemInStream::pos() { return static_cast<uint32_t>(ptr - start); }
 
 bool MemInStream::fillBuffer(size_t n) {
     if (n > buffered())
-        throw EndOfStream();
+        throw EndOfStream("End of in-memory input stream");
     return true;
 }
 

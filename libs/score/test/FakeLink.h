@@ -18,7 +18,7 @@ namespace score {
 /// An io::Io in memory that reports what io::FdIo would.
 class FakeIo : public io::Io {
 public:
-    FakeIo() : in(1U << 20) {
+    FakeIo() : in(1U << 20), out(1 << 16) { // as large as a frame, so that none is split
         inStream_ = &in;
         outStream_ = &out;
     }

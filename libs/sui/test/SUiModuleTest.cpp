@@ -29,7 +29,8 @@ public:
 
 class FakeModule : public SUiModule {
 public:
-    FakeModule(const char* name, FakeManager* mgr, bool says) : SUiModule(name, mgr), fake(mgr), answer(says) {}
+    FakeModule(const char* moduleName, FakeManager* owner, bool says)
+        : SUiModule(moduleName, owner), fake(owner), answer(says) {}
     ~FakeModule() override { fake->log += std::string("~") + name() + " "; }
     bool vetoOptions() override { return note("veto"); }
     bool query(int) override { return note("query"); }

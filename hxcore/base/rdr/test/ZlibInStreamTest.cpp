@@ -107,7 +107,7 @@ TEST(ZlibInStream, DamageIsToldClearly) {
     EXPECT_EQ(errorOf(bytes("1f 8b 08 20 00 00 00 00 00 03"), Format::Gzip), "Bad gzip header");
     EXPECT_EQ(errorOf(bytes("07"), Format::Raw), "ZlibInStream: inflate failed with error -3");
     EXPECT_EQ(errorOf(bytes("78 bb 00 00 00 01"), Format::Zlib), "ZlibInStream: inflate failed with error 2");
-    EXPECT_EQ(errorOf(gzipData().substr(0, 20), Format::Gzip), "End of IO stream");
+    EXPECT_EQ(errorOf(gzipData().substr(0, 20), Format::Gzip), "End of in-memory input stream");
     for (const size_t place : {24U, 28U}) { // checksum and length
         std::string data = gzipData();
         data[place] = static_cast<char>(data[place] ^ 1);
