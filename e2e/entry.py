@@ -1,6 +1,7 @@
 """How the program starts and ends: its roads, bad calls, environments, files and displays."""
 import glob
 import os
+import re
 import socket
 import subprocess
 import unittest
@@ -61,6 +62,18 @@ class Entry(UiTest):
         self.assertEqual(status, 0)
         self.assertIn("Global parameters", out)
         self.assertNotIn("_MuiComms", out)
+
+    def test_every_library_brings_its_parameters_and_log_sources_along(self):
+        # A linker that drops an object file takes what it registers with it, without a word.
+        _, out, _ = self.run_on_link("user", "-help", "all", stay=True)
+        for name in ("Log", "LogKeepDays", "Locale", "MaxOutBufferSize", "LazyFlushTimeout", "ppmm", "TextSizeFactor",
+                     "owncmap", "ColorCubeSize", "WMDecorationWidth", "DoubleClickTime", "DebugUi"):
+            self.assertRegex(out, rf"(?m)^  {name} +- ")
+        sources = re.findall(r"\w+", out[out.index("Log names:"):out.index("Log destinations:")].split(":", 1)[1])
+        for name in ("Assertion", "ConfigParameter", "FdIo", "Localize", "MsgIpc", "ServerUi", "StatusDb", "TXWParent",
+                     "zefserverui"):
+            self.assertIn(name, sources)
+        self.assertEqual(sorted(out[out.index("Log destinations:"):].split()[2:5]), ["file", "ipc", "stderr"])
 
     def test_service_ui_names_the_owner_of_the_desktop(self):
         status, _, err = self.run_ui("-serviceui")
