@@ -52,7 +52,7 @@ private:
             fields += "," + in.readStdString8();
     }
     bool readLong(rdr::InStream& in, std::string& fields) {
-        const auto text = field.readString32(in, 100000, /*wait=*/false);
+        const auto text = field.readString32(in, 5000, /*wait=*/false);
         if (!text)
             return false;
         fields.append(reinterpret_cast<const char*>(text.data), text.len);
@@ -96,7 +96,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     const std::string_view wire(reinterpret_cast<const char*>(data) + 2, size - 2);
     const size_t piece = std::max<size_t>(1U + data[1], wire.size() / maxPieces);
-    if (run(wire, wire.size(), data[0]) != run(wire, piece, data[0]))
+    const Events events = run(wire, piece, data[0]);
+    const bool compare = (data[0] & 8) != 0; // it takes as long again
+    if (compare && events != run(wire, wire.size(), data[0]))
         std::abort();
     return 0;
 }
