@@ -114,7 +114,7 @@ int readFailure(int fd) {
 bool runOpener(const char* argument) {
     const std::string program = findOpener();
     if (program.empty()) {
-        log.error("There is no %s to open %s with", opener, argument);
+        log.status("There is no %s to open %s with", opener, argument);
         return false;
     }
     int ends[2];
@@ -127,7 +127,7 @@ bool runOpener(const char* argument) {
     const int failure = readFailure(ends[0]);
     close(ends[0]);
     if (failure)
-        log.error("Failed to start %s: %s", program.c_str(), strerror(failure));
+        log.status("Failed to start %s: %s", program.c_str(), strerror(failure));
     return forked && failure == 0;
 }
 
@@ -136,14 +136,14 @@ bool runOpener(const char* argument) {
 bool openUrl(const char* url) {
     if (url && isOpenable(url))
         return runOpener(url);
-    log.error("Not an address to open: %s", plat::strOrEmpty(url));
+    log.info("Not an address to open: %s", plat::strOrEmpty(url));
     return false;
 }
 
 bool openFolder(const char* path) {
     if (path && isDirectory(path))
         return runOpener(path);
-    log.error("Not a folder: %s", plat::strOrEmpty(path));
+    log.info("Not a folder: %s", plat::strOrEmpty(path));
     return false;
 }
 

@@ -29,8 +29,8 @@ public:
         preload(data);
         call();
     }
-    void preload(std::string_view data) { in.pending += data; } ///< the same, nobody being called yet
-    void end() {                                                ///< the peer closes
+    void preload(std::string_view data) { in.give(data); } ///< the same, nobody being called yet
+    void end() {                                           ///< the peer closes
         in.ended = true;
         call();
     }
@@ -38,7 +38,7 @@ public:
     std::string takeSent() { return std::exchange(out.sent, std::string()); } ///< what was flushed since the last call
     bool isShut() const { return shut; }
     bool hasHandler() const { return handler != nullptr; }
-    size_t unread() const { return in.pending.size(); }
+    size_t unread() const { return in.left(); }
 
     // io::Io
     void setHandler(IoHandler* newHandler, bool) override {
@@ -58,18 +58,27 @@ public:
 private:
     class In : public rdr::BufferedNonBlockableInStream {
     public:
-        std::string pending;
+        void give(std::string_view data) {
+            pending.erase(0, std::exchange(taken, 0));
+            pending += data;
+        }
+        size_t left() const { return pending.size() - taken; }
+
         bool ended = false;
 
     protected:
         size_t readData(void* buf, size_t len) override {
-            const size_t count = std::min(len, pending.size());
+            const size_t count = std::min(len, left());
             if (count == 0 && (ended || !nonBlocking))
                 throw rdr::EndOfStream(); // nobody will ever send more to one who waits
-            std::memcpy(buf, pending.data(), count);
-            pending.erase(0, count);
+            std::memcpy(buf, pending.data() + taken, count);
+            taken += count;
             return count;
         }
+
+    private:
+        std::string pending;
+        size_t taken = 0; // bytes of pending
     };
 
     class Out : public rdr::BufferedLazyOutStream {

@@ -1,0 +1,101 @@
+#include "os/AppLoop.h"
+
+#include "io/FdHandler.h"
+#include "io/FdSelectManager.h"
+#include "plat/Exception.h"
+#include "plat/Timer.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+namespace os {
+namespace {
+
+class Later : public plat::Timer::Callback {
+public:
+    explicit Later(std::function<void()> then_) : then(std::move(then_)) { timer.start(0); }
+    bool timerExpired(plat::Timer*) override {
+        then();
+        return false;
+    }
+
+private:
+    std::function<void()> then;
+    plat::Timer timer{this};
+};
+
+TEST(AppLoop, RunsUntilExitAndGivesItsCode) {
+    AppLoop loop;
+    EXPECT_EQ(AppLoop::instance(), &loop);
+    for (const int code : {3, 0}) {
+        Later exit([code] { AppLoop::exit(code); });
+        EXPECT_EQ(loop.run(), code);
+        EXPECT_FALSE(loop.running());
+    }
+}
+
+TEST(AppLoop, FinishesItsRoundBehindAnExit) {
+    class Marked : public io::FdHandler {
+    public:
+        void fdReadable() override { ++reads; }
+        int reads = 0;
+    } handler;
+    AppLoop loop;
+    AppLoopImpl::processManager().addHandler(&handler, true);
+    AppLoopImpl::processManager().markReadable(&handler);
+    Later exit([] { AppLoop::exit(1); });
+    EXPECT_EQ(loop.run(), 1);
+    EXPECT_EQ(handler.reads, 1);
+    AppLoopImpl::processManager().addHandler(&handler, false);
+}
+
+TEST(AppLoop, PassesExceptionsOnAndMayRunAgain) {
+    AppLoop loop;
+    {
+        Later thrower([] { throw plat::Exception("from a timer"); });
+        EXPECT_THROW(loop.run(), plat::Exception);
+    }
+    EXPECT_FALSE(loop.running());
+    Later exit([] { AppLoop::exit(5); });
+    EXPECT_EQ(loop.run(), 5);
+}
+
+TEST(AppLoop, OwnsAnotherImplAndLetsGoOfItsPlace) {
+    class Impl : public AppLoop::Impl {
+    public:
+        explicit Impl(bool& gone_) : gone(gone_) {}
+        ~Impl() override { gone = true; }
+        int run(AppLoop& loop) override {
+            AppLoop::exit(9);
+            return stopped ? loop.exitCode() : -1;
+        }
+        void stop() override { stopped = true; }
+        bool& gone;
+        bool stopped = false;
+    };
+    bool gone = false;
+    {
+        AppLoop loop(std::make_unique<Impl>(gone));
+        EXPECT_EQ(loop.run(), 9);
+    }
+    EXPECT_TRUE(gone);
+    EXPECT_EQ(AppLoop::instance(), nullptr);
+}
+
+TEST(AppLoopDeathTest, AssertsItsRules) {
+    EXPECT_DEATH(AppLoop::exit(0), "inst && inst->isRunning");
+    AppLoop loop;
+    EXPECT_DEATH(AppLoop::exit(0), "inst && inst->isRunning");
+    EXPECT_DEATH(AppLoop(), "!inst");
+    EXPECT_DEATH(
+        {
+            Later again([&] { loop.run(); });
+            loop.run();
+        },
+        "!isRunning");
+}
+
+} // namespace
+} // namespace os
