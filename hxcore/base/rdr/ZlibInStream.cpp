@@ -49,6 +49,7 @@ void ZlibInStream::reset() {
     stage = Stage::Start;
     crc = inflated = 0;
     wasFull = false;
+    failure = 0;
     offset = pos();
     ptr = end = checkpointPtr = start.get();
     checkpointPos = offset;
@@ -117,6 +118,8 @@ void ZlibInStream::readGzipHeader() {
 }
 
 bool ZlibInStream::inflateSome() {
+    if (failure)
+        throw plat::ExceptionFmt("ZlibInStream: inflate failed with error %d", failure);
     if (underlying->buffered() == 0 && !wasFull) {
         size_t one = 1;
         if (!underlying->check(1, &one, /*wait=*/false))
@@ -132,14 +135,16 @@ bool ZlibInStream::inflateSome() {
     const int result = inflate(zs.get(), Z_SYNC_FLUSH);
     underlying->consume(input - zs->avail_in);
     underlying->checkpoint();
-    // A buffer error means no progress: fine where it only had to look whether output was left.
-    if (result != Z_OK && result != Z_STREAM_END && !(result == Z_BUF_ERROR && wasFull))
-        throw plat::ExceptionFmt("ZlibInStream: inflate failed with error %d", result);
     const size_t count = room - zs->avail_out;
     wasFull = zs->avail_out == 0;
     crc = static_cast<uint32_t>(crc32(crc, to, static_cast<uInt>(count)));
     inflated += static_cast<uint32_t>(count);
     end += count;
+    // What came before the damage is given out first. A buffer error means no progress: fine where it only had to look
+    // whether output was left.
+    const bool looked = result == Z_BUF_ERROR && input == 0;
+    if (result != Z_OK && result != Z_STREAM_END && !looked)
+        failure = result;
     if (result == Z_STREAM_END)
         stage = format == Format::Gzip ? Stage::Trailer : Stage::Ended;
     return true;

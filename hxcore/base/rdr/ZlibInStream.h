@@ -55,6 +55,7 @@ private:
     uint32_t crc = 0;      // of all inflated bytes
     uint32_t inflated = 0; // their count, modulo 2^32
     bool wasFull = false;  // inflate may hold output that had no room
+    int failure = 0;       // of inflate, told once what came before it has been read
 };
 
 } // namespace rdr

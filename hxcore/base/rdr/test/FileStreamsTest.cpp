@@ -61,6 +61,21 @@ TEST(FileOutStream, AFullDiskIsAnError) {
     }
 }
 
+TEST(FileOutStream, AFailureInTheDestructorEndsThere) {
+    rdr::FileOutStream out("/dev/full");
+    out.writeU8(1);
+}
+
+TEST_F(FileStreams, NothingCanBeWrittenBehindTheClose) {
+    rdr::FileOutStream out((dir + "/file").c_str());
+    out.writeU8('a');
+    out.close();
+    out.close();
+    EXPECT_EQ(contents("file"), "a");
+    out.writeU8('b');
+    EXPECT_THROW(out.flush(), plat::SystemException);
+}
+
 TEST_F(FileStreams, ATransactionIsAllOrNothing) {
     write("file", "old");
     const std::string path = dir + "/file";

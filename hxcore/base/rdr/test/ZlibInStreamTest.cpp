@@ -115,6 +115,17 @@ TEST(ZlibInStream, DamageIsToldClearly) {
     }
 }
 
+TEST(ZlibInStream, WhatCameBeforeTheDamageIsReadFirst) {
+    // A stored block that isn't the last, and a block of no known kind.
+    BytesInStream below(bytes("00 05 00 fa ff 'hello'  07"));
+    rdr::ZlibInStream in(-1, Format::Raw);
+    in.setUnderlying(&below);
+    char text[6] = "";
+    in.readBytes(text, 5);
+    EXPECT_STREQ(text, "hello");
+    EXPECT_THROW(in.readU8(), plat::Exception);
+}
+
 TEST(ZlibInStream, TheStreamBelowCanChangeAndIsNeeded) {
     rdr::ZlibInStream in(-1, Format::Gzip);
     try {
