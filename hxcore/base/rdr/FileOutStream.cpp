@@ -36,8 +36,9 @@ void FileOutStream::close() {
 }
 
 size_t FileOutStream::writeData(const void* buf, size_t len, bool) {
-    const size_t count = file ? std::fwrite(buf, 1, len, file.get()) : 0;
-    if (count < len)
+    if (!file)
+        throw plat::SystemExceptionFmt(EBADF, "writing to file failed");
+    if (std::fwrite(buf, 1, len, file.get()) < len)
         writingFailed();
     return len;
 }
