@@ -31,7 +31,7 @@ PixelFormat native(PixelFormat pf) {
     return pf;
 }
 
-int bits(unsigned max) { return std::bit_width(max); }
+int bits(unsigned max) { return static_cast<int>(std::bit_width(max)); }
 
 bool isFull(unsigned max) { return (max & (max + 1)) == 0; }
 

@@ -61,7 +61,7 @@ private:
     std::array<int, 4> from; // for each byte of the target its byte in the source, or constant, or below that for zero
 };
 
-/// One entry for every value that a source pixel can have.
+/// One entry for every value that a source pixel can have; of one beyond 16 bits, an index, the low byte counts.
 class OneTable : public PixelTranslator {
 public:
     OneTable(int inBytes_, int outBytes_, std::vector<uint32_t> table_)
@@ -69,10 +69,7 @@ public:
 
     void translate(const uint8_t* in, int inStride, uint8_t* out, int outStride, Point size) const override {
         withPixelSize(outBytes, [&]<int outSize>() {
-            if (inBytes == 1)
-                rows<1, outSize>(in, inStride, out, outStride, size);
-            else
-                rows<2, outSize>(in, inStride, out, outStride, size);
+            withPixelSize(inBytes, [&]<int inSize>() { rows<inSize, outSize>(in, inStride, out, outStride, size); });
         });
     }
 
@@ -80,9 +77,10 @@ private:
     template <int inSize, int outSize>
     void rows(const uint8_t* in, int inStride, uint8_t* out, int outStride, Point size) const {
         const uint32_t* entries = table.data();
+        constexpr uint32_t mask = inSize == 2 ? 0xffff : 0xff;
         for (int y = 0; y < size.y; ++y) {
             for (int x = 0; x < size.x; ++x)
-                storePixel<outSize>(out + x * outSize, entries[loadPixel<inSize>(in + x * inSize)]);
+                storePixel<outSize>(out + x * outSize, entries[loadPixel<inSize>(in + x * inSize) & mask]);
             in += static_cast<std::ptrdiff_t>(inStride) * inSize;
             out += static_cast<std::ptrdiff_t>(outStride) * outSize;
         }
@@ -96,7 +94,11 @@ private:
 /// A table a channel. Entries are ORed to a pixel, or added to an index into a last table.
 class ChannelTables : public PixelTranslator {
 public:
-    ChannelTables(const PixelFormat& in_, int outBytes_) : in(in_), outBytes(outBytes_) {}
+    ChannelTables(const PixelFormat& in_, int outBytes_) : in(in_), outBytes(outBytes_) {
+        // A channel without bits may state a shift past the end.
+        for (uint8_t* shift : {&in.redShift, &in.greenShift, &in.blueShift, &in.alphaShift})
+            *shift &= 31;
+    }
 
     void translate(const uint8_t* src, int inStride, uint8_t* out, int outStride, Point size) const override {
         withPixelSize(in.bytesPerPixel(), [&]<int inSize>() {
@@ -177,7 +179,8 @@ std::vector<uint32_t> cubePixels(const ColorCubeOrth& cube, const ColourMap& map
 
 std::unique_ptr<PixelTranslator> makeOneTable(const PixelFormat& in, const ColourMap* inMap, const PixelFormat& out,
                                               const ColourMap* outMap) {
-    std::vector<uint32_t> table(size_t{1} << in.bpp);
+    // Depth is at most 8 with a map, whatever the room for it.
+    std::vector<uint32_t> table(in.bpp == 16 ? 65536 : 256);
     // Searching a map for each of 65536 values would be felt; a cube over it is as good as 16 bits need.
     const bool viaCube = !out.trueColour && outMap && in.bpp == 16 && !outMap->isCube();
     const ColorCubeOrth cube(viaCube ? std::max(1, cubeLevels(outMap->size())) : 1);

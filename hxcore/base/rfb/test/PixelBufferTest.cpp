@@ -168,6 +168,15 @@ TEST(TransPixelBuffer, GoesToAndFromColourMaps) {
     in.setSource(&indexed);
     EXPECT_EQ(at(in, 0, 0), 0x0a141eU);
 
+    rfb::PixelFormat roomy = rfb::pfIndexed8();
+    roomy.bpp = 32; // valid, and no reason for a table of 2^32 entries
+    rfb::ManagedPixelBuffer wide(roomy, 1, 1);
+    wide.setColourMap(&map);
+    put(wide, 0, 0, 1);
+    in.setSource(&wide);
+    EXPECT_EQ(at(in, 0, 0), 0x0a141eU);
+    in.setSource(&indexed);
+
     rfb::ColourMapRW other(4);
     other.set(3, {10, 20, 30});
     in.setPF(rfb::pfIndexed8());
