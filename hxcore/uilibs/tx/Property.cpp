@@ -3,8 +3,8 @@
 #include "plat/SecureString.h"
 #include "tx/TX.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 
 namespace tx {
@@ -33,7 +33,7 @@ Property Property::fromText(Atom type, std::span<const char> text) {
     auto* copy = static_cast<unsigned char*>(std::malloc(text.size() + 1));
     if (!copy)
         return {};
-    std::memcpy(copy, text.data(), text.size());
+    std::copy(text.begin(), text.end(), copy);
     copy[text.size()] = 0;
     return {type, 8, text.size(), copy, false};
 }
