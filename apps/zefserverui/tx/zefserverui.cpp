@@ -70,7 +70,7 @@ int displayNumber() {
 
 void setupInspection() {
     const bool isVirtual = score::productMode() == score::ProductMode::Virtual;
-    const plat::String suffix = isVirtual ? plat::strFormat("%d", displayNumber()) : plat::String();
+    const plat::String suffix = isVirtual ? plat::strFormat(":%d", displayNumber()) : plat::String();
     mui::MuiComms::initFromParameter(mui::Mui::instance(), suffix.get());
 }
 

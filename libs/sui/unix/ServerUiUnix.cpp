@@ -1,6 +1,6 @@
 #include "sui/unix/ServerUiUnix.h"
 
-#include "tx/TXDialog.h"
+#include "tx/TXWindow.h"
 #include "tx/WindowManager.h"
 
 namespace sui {
@@ -30,7 +30,7 @@ bool ServerUiUnix::timerExpired(plat::Timer*) {
 }
 
 void ServerUiUnix::iconifyDialog() {
-    auto* window = static_cast<tx::TXDialog*>(ui.statusDialog()->getDialog()->nativeWindow());
+    auto* window = static_cast<tx::TXWindow*>(ui.statusDialog()->getDialog()->nativeWindow());
     if (!tx::WindowManager::isWMRunning())
         ui.statusDialog()->getDialog()->setShown(true);
     else if (window)

@@ -42,15 +42,6 @@ std::string contents(const fs::path& path) {
     return out.str();
 }
 
-/// With an extended regular expression of POSIX.
-bool matches(const std::string& text, const std::string& pattern) {
-    regex_t compiled;
-    EXPECT_EQ(regcomp(&compiled, pattern.c_str(), REG_EXTENDED | REG_NOSUB), 0);
-    const bool found = regexec(&compiled, text.c_str(), 0, nullptr, 0) == 0;
-    regfree(&compiled);
-    return found;
-}
-
 void put(const fs::path& path, const std::string& text, const char* changed = nullptr) {
     std::ofstream(path) << text;
     if (!changed)
