@@ -2,6 +2,7 @@
 
 #include "plat/DString.h"
 #include "plat/Exception.h"
+#include "plat/SString.h"
 
 #include <cstring>
 #include <vector>
@@ -120,11 +121,12 @@ bool base64Decode(const char* text, MBuf<uint8_t>& out) {
 
 String percentEncode(const char* text, const char* keep) {
     DString result;
-    for (const char* s = strOrEmpty(text); *s; ++s)
-        if (isAlnum(*s) || std::strchr(strOrEmpty(keep), *s))
-            result.append(s, 1);
-        else
-            result.format("%%%.2X", static_cast<unsigned>(static_cast<unsigned char>(*s)));
+    for (const char* s = strOrEmpty(text); *s; ++s) {
+        char encoded[4] = {*s, '\0'};
+        if (!isAlnum(*s) && !std::strchr(strOrEmpty(keep), *s))
+            SString::format(encoded, sizeof(encoded), "%%%.2X", static_cast<unsigned>(static_cast<unsigned char>(*s)));
+        result.append(encoded);
+    }
     return result.take();
 }
 

@@ -2,16 +2,20 @@
 
 #include "CapturedLog.h"
 #include "TempDir.h"
+#include "inChild.h"
 #include "plat/Exception.h"
 #include "plat/FilePtr.h"
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <string>
 
 namespace plat {
@@ -134,6 +138,62 @@ TEST_F(FileTest, LocksExcludeOtherDescriptors) {
     EXPECT_FALSE(fileTryLock(first));
     close(first);
     close(second);
+}
+
+int lockHolder = -1;
+int alarms = 0;
+
+void releaseOnThirdAlarm(int) {
+    if (++alarms == 3)
+        flock(lockHolder, LOCK_UN);
+}
+
+TEST_F(FileTest, SignalsDoNotEndTheWaitForALock) {
+    const std::string f = path("lock");
+    lockHolder = fileOpenFd(f.c_str(), O_RDWR | O_CREAT);
+    const int waiter = fileOpenFd(f.c_str(), O_RDWR);
+    fileLock(lockHolder);
+    alarms = 0;
+    struct sigaction action {};
+    action.sa_handler = releaseOnThirdAlarm; // without SA_RESTART
+    sigaction(SIGALRM, &action, nullptr);
+    const itimerval every{{0, 1000}, {0, 1000}};
+    setitimer(ITIMER_REAL, &every, nullptr);
+    fileLock(waiter);
+    const itimerval off{};
+    setitimer(ITIMER_REAL, &off, nullptr);
+    signal(SIGALRM, SIG_DFL);
+    EXPECT_GE(alarms, 3);
+    EXPECT_FALSE(fileTryLock(lockHolder));
+    close(lockHolder);
+    close(waiter);
+}
+
+TEST_F(FileTest, AnotherUsersThingsAreRefused) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can make another user's files";
+    mkDirs(path("theirs/closed").c_str());
+    writeTextFile(path("theirs/closed/file"), "");
+    writeTextFile(path("rootFile"), "root");
+    writeTextFile(path("otherFile"), "other");
+    ASSERT_EQ(chown(path("otherFile").c_str(), 54321, 54321), 0);
+    for (const char* open : {"", "theirs", "theirs/closed", "rootFile", "otherFile"})
+        chmod(path(open).c_str(), 0777);
+    chmod(path("theirs").c_str(), 0755);
+    inChild([this] {
+        ASSERT_EQ(seteuid(12345), 0);
+        EXPECT_EQ(thrownErrno([&] { mkDir(path("theirs").c_str(), /*isPrivate=*/true, /*fixPerms=*/true); }), EPERM);
+        EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(path("otherFile").c_str(), O_RDWR | O_TRUNC); }), EPERM);
+        EXPECT_EQ(readTextFile(path("otherFile")), "other");
+        close(fileOpenOwnFd(path("rootFile").c_str(), O_RDONLY)); // root's are trusted
+        EXPECT_EQ(thrownErrno([&] { fileMakePrivate(path("otherFile").c_str()); }), EPERM);
+        EXPECT_EQ(thrownErrno([&] { fileMakeSticky(path("theirs").c_str()); }), EPERM);
+        EXPECT_EQ(thrownErrno([&] { rmDir(path("theirs").c_str(), /*recursive=*/true); }), EACCES);
+        mkDirMatchParent(path("ours").c_str());
+        EXPECT_EQ(modeOf("ours"), 0777u);
+        ASSERT_EQ(seteuid(0), 0);
+    });
+    EXPECT_TRUE(fileExists(path("theirs/closed").c_str()));
 }
 
 TEST_F(FileTest, OwnFilesAreNoLinksPipesOrDirectories) {

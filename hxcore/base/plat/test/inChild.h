@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 
 namespace plat {
 
@@ -33,7 +34,11 @@ void inChild(Body body) {
     ASSERT_GE(pid, 0);
     if (pid == 0) {
         LogRegistryTest::startOver();
-        body();
+        try {
+            body();
+        } catch (const std::exception& e) { // must not go on with the parent's tests
+            ADD_FAILURE() << e.what();
+        }
         std::fflush(nullptr);
         std::exit(testing::Test::HasFailure() ? 1 : 0);
     }
