@@ -34,7 +34,8 @@ public:
         if (size == size_)
             return;
         T* fresh = size ? new T[static_cast<size_t>(size)]() : nullptr;
-        std::copy_n(data_, std::min(size, size_), fresh);
+        if (fresh && data_)
+            std::copy_n(data_, std::min(size, size_), fresh);
         clear();
         data_ = fresh;
         size_ = size;
@@ -43,7 +44,8 @@ public:
     /// Takes a copy; `from` may lie inside the buffer.
     void assign(const T* from, int size) {
         MBuf fresh(size, secure_);
-        std::copy_n(from, size, fresh.data_);
+        if (size > 0)
+            std::copy_n(from, size, fresh.data_);
         swap(fresh);
     }
 
