@@ -16,7 +16,7 @@ class StatusEventDb;
 namespace mui {
 class MuFrame;
 class MuText;
-}
+} // namespace mui
 
 namespace sui {
 
