@@ -80,7 +80,8 @@ void PersistentStoreFile::save(const char* name, std::span<const uint8_t> data) 
         plat::mkDir(plat::path::join(dir(), sub.c_str()).c_str(), /*isPrivate=*/true);
     }
     plat::TransactedFile file(path.c_str(), plat::FilePrivate);
-    file.write(data.data(), data.size());
+    if (!data.empty())
+        file.write(data.data(), data.size());
     file.commit();
 }
 
