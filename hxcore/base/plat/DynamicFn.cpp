@@ -35,13 +35,14 @@ Names fileNames(const std::string& library) {
     if (library.find(".so") != std::string::npos)
         return {library};
     const size_t bracket = library.find('[');
-    const std::string stem = "lib" + library.substr(0, bracket) + ".so";
+    std::string stem = "lib";
+    stem.append(library, 0, bracket).append(".so");
     if (bracket == std::string::npos)
         return {stem};
     const size_t end = std::min(library.find(']', bracket), library.size());
     Names names;
     for (const std::string& version : splitNames(library.substr(bracket + 1, end - bracket - 1)))
-        names.push_back(stem + "." + version);
+        names.push_back(std::string(stem).append(".").append(version));
     return names;
 }
 

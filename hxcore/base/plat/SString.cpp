@@ -44,7 +44,8 @@ bool SString::format(char* out, size_t size, const char* fmt, ...) {
 bool SString::formatV(char* out, size_t size, const char* fmt, va_list args) {
     if (size == 0)
         return false;
-    const int n = std::vsnprintf(out, size, fmt, args);
+    const int n =
+        std::vsnprintf(out, size, fmt, args); // NOLINT(clang-analyzer-valist.Uninitialized): the caller began it
     if (n >= 0 && static_cast<size_t>(n) < size)
         return true;
     if (n < 0)

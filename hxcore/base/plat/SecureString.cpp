@@ -26,7 +26,8 @@ bool secureCompare(const void* a, const void* b, size_t len) {
 SecureString::SecureString(SecureString&& other) noexcept : buf(std::exchange(other.buf, nullptr)) {}
 
 SecureString& SecureString::operator=(const SecureString& other) {
-    set(other.buf);
+    if (this != &other)
+        set(other.buf);
     return *this;
 }
 

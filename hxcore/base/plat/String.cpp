@@ -11,7 +11,11 @@ String::String(std::string_view s) : buf(new char[s.size() + 1]) {
     buf[s.size()] = '\0';
 }
 
-String& String::operator=(const String& other) { return *this = other.buf; }
+String& String::operator=(const String& other) {
+    if (this != &other)
+        *this = other.buf;
+    return *this;
+}
 
 String& String::operator=(String&& other) noexcept {
     if (this != &other) {
@@ -56,6 +60,7 @@ String strFormatV(const char* fmt, va_list args) {
         std::unique_ptr<char[]> text(new char[size]);
         va_list copy;
         va_copy(copy, args);
+        // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_copy is not followed
         const int n = std::vsnprintf(text.get(), size, fmt, copy);
         va_end(copy);
         if (n >= 0 && static_cast<size_t>(n) < size)

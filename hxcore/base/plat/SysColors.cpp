@@ -8,7 +8,7 @@
 namespace plat {
 namespace {
 
-BoolParameter darkMode("_DarkMode", "Draw light text on dark", false);
+BoolParameter darkMode("_DarkMode", "Draw light text on dark", /*defaultValue=*/false);
 SysColors* sysColorsImpl = nullptr;
 
 /// A theme colour, 0xrrggbb.

@@ -35,8 +35,8 @@ int64_t ticksInSecond(Time t) { return t.ticks - floorDivide(t.ticks, ticksPerSe
 
 // Date, "T", time and, if asked, thousandths.
 String isoText(const tm& date, Time t, bool withMillis) {
-    const String text = strFormat("%04d-%02d-%02dT%02d:%02d:%02d", date.tm_year + 1900, date.tm_mon + 1, date.tm_mday,
-                                  date.tm_hour, date.tm_min, date.tm_sec);
+    String text = strFormat("%04d-%02d-%02dT%02d:%02d:%02d", date.tm_year + 1900, date.tm_mon + 1, date.tm_mday,
+                            date.tm_hour, date.tm_min, date.tm_sec);
     if (!withMillis)
         return text;
     return strFormat("%s.%03d", text.c_str(), static_cast<int>(ticksInSecond(t) / (ticksPerSecond / 1000)));
@@ -126,7 +126,7 @@ bool readZone(TextReader& in, int64_t* offsetTicks) {
     int hours, minutes;
     if ((!west && !in.literal('+')) || !in.field(2, 0, 23, &hours) || !in.literal(':') || !in.field(2, 0, 59, &minutes))
         return false;
-    *offsetTicks = (hours * 60 + minutes) * 60 * ticksPerSecond * (west ? -1 : 1);
+    *offsetTicks = (hours * int64_t{60} + minutes) * 60 * ticksPerSecond * (west ? -1 : 1);
     return true;
 }
 

@@ -47,7 +47,7 @@ bool Uuid::parse(const char* text) {
 }
 
 String Uuid::toString(bool hyphens) const {
-    const String hex = binToHex(bytes.size(), bytes.data());
+    String hex = binToHex(bytes.size(), bytes.data());
     if (!hyphens)
         return hex;
     const char* s = hex.c_str();

@@ -22,7 +22,7 @@ public:
 
     String toString(bool hyphens = true) const; ///< lower case, 8-4-4-4-12 or 32 digits
     bool isZero() const { return *this == Uuid(); }
-    auto operator<=>(const Uuid&) const = default;
+    auto operator<=>(const Uuid&) const = default; // NOLINT(modernize-use-nullptr): of its own expansion
 
     std::array<uint8_t, 16> bytes{};
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <string_view>
 
 namespace plat {
 namespace {
@@ -75,8 +76,8 @@ bool endsWithNoCase(const char* s, const char* suffix) {
 bool contains(const char* start, const char* end, char ch) {
     if (!start)
         return false;
-    const size_t len = end ? static_cast<size_t>(end - start) : std::strlen(start);
-    return std::memchr(start, ch, len) != nullptr;
+    const std::string_view text = end ? std::string_view(start, static_cast<size_t>(end - start)) : start;
+    return text.find(ch) != std::string_view::npos;
 }
 
 const char* findNoCase(const char* s, const char* find) {

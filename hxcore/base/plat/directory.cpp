@@ -25,19 +25,22 @@ bool isDirectory(const char* path) {
     return stat(path, &info) == 0 && S_ISDIR(info.st_mode);
 }
 
+// 0, or why the directory can't be a private one of ours.
+int makePrivate(int fd) {
+    struct stat info;
+    if (fstat(fd, &info) != 0)
+        return errno;
+    if (info.st_uid != geteuid())
+        return EPERM;
+    return (info.st_mode & 07777) == 0700 || fchmod(fd, 0700) == 0 ? 0 : errno;
+}
+
 // A private directory that was there before: ours, no link, and mode 0700.
 void fixPrivate(const char* path) {
     const int fd = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (fd < 0)
         fail("mkDir", path, errno == ENOTDIR || errno == ELOOP ? EPERM : errno);
-    struct stat info;
-    int error = 0;
-    if (fstat(fd, &info) != 0)
-        error = errno;
-    else if (info.st_uid != geteuid())
-        error = EPERM;
-    else if ((info.st_mode & 07777) != 0700 && fchmod(fd, 0700) != 0)
-        error = errno;
+    const int error = makePrivate(fd);
     close(fd);
     if (error)
         fail("mkDir", path, error);
@@ -96,7 +99,7 @@ private:
             if (unlinkat(fd, entry->d_name, 0) == 0)
                 continue;
             if (errno == EISDIR || errno == EPERM)
-                pending.push_back({path + "/" + name, false});
+                pending.push_back({std::string(path).append("/").append(name), false});
             else if (errno != ENOENT)
                 error = errno;
         }

@@ -48,6 +48,18 @@ timespec timespecOf(Time time) {
     return {seconds, static_cast<long>((time - Time::fromUnix(seconds)) * 100)};
 }
 
+// 0, or the error for a file that isn't one of ours, or can't be made what `flags` ask for.
+int makeReady(int fd, int flags) {
+    struct stat info;
+    if (fstat(fd, &info) != 0)
+        return errno;
+    if (!S_ISREG(info.st_mode) || (info.st_uid != geteuid() && info.st_uid != 0))
+        return EPERM;
+    if ((flags & O_TRUNC) && retried([&] { return ftruncate(fd, 0); }) != 0)
+        return errno;
+    return fcntl(fd, F_SETFL, flags & (O_APPEND | O_NONBLOCK)) == 0 ? 0 : errno;
+}
+
 } // namespace
 
 bool fileExists(const char* path) {
@@ -92,17 +104,7 @@ int fileOpenFd(const char* path, int flags, mode_t mode) {
 int fileOpenOwnFd(const char* path, int flags, mode_t mode) {
     // O_TRUNC waits until we know that the file is ours.
     const int fd = fileOpenFd(path, (flags & ~O_TRUNC) | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, mode);
-    struct stat info;
-    int error = 0;
-    if (fstat(fd, &info) != 0)
-        error = errno;
-    else if (!S_ISREG(info.st_mode) || (info.st_uid != geteuid() && info.st_uid != 0))
-        error = EPERM;
-    else if ((flags & O_TRUNC) && retried([&] { return ftruncate(fd, 0); }) != 0)
-        error = errno;
-    else if (fcntl(fd, F_SETFL, flags & (O_APPEND | O_NONBLOCK)) != 0)
-        error = errno;
-    if (error) {
+    if (const int error = makeReady(fd, flags)) {
         close(fd);
         throw SystemExceptionFmt(error, "fileOpenFd(%s)", path);
     }

@@ -29,11 +29,9 @@ String normalize(const char* path) {
         start = end + 1;
         if (part.empty() || part == ".")
             continue;
-        if (part != "..")
-            parts.push_back(part);
-        else if (!parts.empty() && parts.back() != "..")
+        if (part == ".." && !parts.empty() && parts.back() != "..")
             parts.pop_back();
-        else if (!absolute) // above the root is the root
+        else if (part != ".." || !absolute) // above the root is the root
             parts.push_back(part);
     }
     DString result(absolute ? "/" : "");

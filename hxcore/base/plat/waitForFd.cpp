@@ -11,7 +11,7 @@ namespace plat {
 bool waitForFd(int fd, int timeoutMs, bool read, bool write) {
     if (fd < 0 || fd >= FD_SETSIZE)
         throw SystemException("select", fd < 0 ? EBADF : EMFILE);
-    timeval left{timeoutMs / 1000, timeoutMs % 1000 * 1000};
+    timeval left{timeoutMs / 1000, timeoutMs % 1000 * 1000L};
     for (;;) {
         fd_set readSet, writeSet;
         FD_ZERO(&readSet);
