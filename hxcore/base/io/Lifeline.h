@@ -11,11 +11,8 @@ public:
     /// On the stack around a callback: isCut() once the object is gone, when none of its members may be touched.
     class Watch : private plat::NonCopyable {
     public:
-        explicit Watch(Lifeline& line_) : line(&line_), outer(line_.innermost) { line_.innermost = this; }
-        ~Watch() {
-            if (line)
-                line->innermost = outer;
-        }
+        explicit Watch(Lifeline& line_);
+        ~Watch();
         bool isCut() const { return !line; }
 
     private:
@@ -25,10 +22,7 @@ public:
     };
 
     Lifeline() = default;
-    ~Lifeline() {
-        for (Watch* watch = innermost; watch; watch = watch->outer)
-            watch->line = nullptr;
-    }
+    ~Lifeline();
 
 private:
     Watch* innermost = nullptr;
