@@ -130,7 +130,10 @@ protected:
     /// Tells whether the window outlived a call. On the stack only; they nest.
     class EventScope {
     public:
-        explicit EventScope(TXWindow* target) : window(target), outer(target->scope) { target->scope = this; }
+        // Not inlined: GCC takes the address that the destructor takes out again for one that outlives its object.
+        [[gnu::noinline]] explicit EventScope(TXWindow* target) : window(target), outer(target->scope) {
+            target->scope = this;
+        }
         ~EventScope() {
             if (window)
                 window->scope = outer;
