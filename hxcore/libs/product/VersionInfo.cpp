@@ -71,8 +71,20 @@ plat::String VersionInfo::makeText() const {
 
 void VersionInfo::rebuild(const char* applicationName) {
     buildLine = plat::strFormat("%s %s %s (%s)", applicationName, displayVersion.c_str(), machineWord, builtAt);
-    aboutMarkup = makeMarkup();
-    aboutText = makeText();
+    markup = nullptr;
+    text = nullptr;
+}
+
+const plat::String& VersionInfo::aboutMarkup() {
+    if (markup.isNull())
+        markup = makeMarkup();
+    return markup;
+}
+
+const plat::String& VersionInfo::aboutText() {
+    if (text.isNull())
+        text = makeText();
+    return text;
 }
 
 } // namespace product

@@ -5,17 +5,20 @@
 
 namespace product {
 
-/// Made anew whenever the language changes.
+/// Made anew whenever the language changes; the About texts when they are next asked for.
 struct VersionInfo {
     plat::String displayVersion;
     plat::String dottedVersion;
     plat::String buildLine;
-    plat::String aboutMarkup;
-    plat::String aboutText;
 
     void rebuild(const char* applicationName);
+    const plat::String& aboutMarkup();
+    const plat::String& aboutText();
 
 private:
+    plat::String markup; // null until it is made
+    plat::String text;   // null until it is made
+
     plat::String acknowledgementsUri() const;
     plat::String makeMarkup() const;
     plat::String makeText() const;

@@ -166,7 +166,7 @@ bool isLogReady() { return logReady; }
 plat::String displayVersion() { return versionInfo().displayVersion; }
 plat::String dottedVersion() { return versionInfo().dottedVersion; }
 const char* buildLine() { return versionInfo().buildLine.c_str(); }
-const char* aboutMarkup() { return versionInfo().aboutMarkup.c_str(); }
-const char* aboutText() { return versionInfo().aboutText.c_str(); }
+const char* aboutMarkup() { return versionInfo().aboutMarkup().c_str(); }
+const char* aboutText() { return versionInfo().aboutText().c_str(); }
 
 } // namespace product
