@@ -4,6 +4,7 @@
 #include "plat/Exception.h"
 
 #include <cstring>
+#include <string_view>
 
 namespace plat {
 namespace {
@@ -30,6 +31,19 @@ constexpr uint32_t lowest[] = {0, 0, 0x80, 0x800, 0x10000};
 
 const char* endOf(const char* start, const char* end) { return end ? end : start + (start ? std::strlen(start) : 0); }
 
+// Passes over bytes below 0x80, eight at a time.
+const char* skipAscii(const char* start, const char* end) {
+    constexpr uint64_t highBits = 0x8080808080808080U;
+    for (uint64_t word; end - start >= 8; start += 8) {
+        std::memcpy(&word, start, sizeof word);
+        if (word & highBits)
+            break;
+    }
+    while (start < end && static_cast<unsigned char>(*start) < 0x80)
+        ++start;
+    return start;
+}
+
 } // namespace
 
 void encodeUtf8(uint32_t codepoint, char** pos) {
@@ -48,9 +62,13 @@ void encodeUtf8(uint32_t codepoint, char** pos) {
 }
 
 String repairUtf8(const char* text, int textLen, int maxLen) {
-    DString result;
     const char* pos = strOrEmpty(text);
     const char* end = pos + (text && textLen >= 0 ? textLen : strLen(text));
+    // Nearly every text is as it should be, and is copied in one piece.
+    const auto size = static_cast<size_t>(end - pos);
+    if ((maxLen < 0 || size <= static_cast<size_t>(maxLen)) && !std::memchr(pos, 0, size) && utf8::isValid(pos, end))
+        return String(std::string_view(pos, size));
+    DString result;
     while (pos < end) {
         const char* start = pos;
         uint32_t codepoint = 0;
@@ -71,10 +89,13 @@ namespace utf8 {
 bool isValid(const char* start, const char* end) {
     end = endOf(start, end);
     uint32_t codepoint;
-    while (start < end)
+    while (true) {
+        start = skipAscii(start, end);
+        if (start == end)
+            return true;
         if (!decode(&start, end, &codepoint))
             return false;
-    return true;
+    }
 }
 
 bool isValidCodepoint(uint32_t codepoint) {

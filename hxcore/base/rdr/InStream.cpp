@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 namespace rdr {
 namespace {
@@ -18,6 +19,21 @@ void repair(std::string& text) {
     if (plat::utf8::isValid(text.data(), text.data() + text.size()) && text.find('\0') == std::string::npos)
         return;
     text = plat::repairUtf8(text.data(), static_cast<int>(text.size())).c_str();
+}
+
+// A NUL ends it.
+plat::String textOf(std::string_view bytes, bool repairUtf8) {
+    const std::string_view text = bytes.substr(0, bytes.find('\0'));
+    if (text.empty())
+        return "";
+    return repairUtf8 ? plat::repairUtf8(text.data(), static_cast<int>(text.size())) : plat::String(text);
+}
+
+// A text that lies in the window in one piece.
+plat::String takeText(InStream& in, size_t len, bool repairUtf8) {
+    const std::string_view bytes(reinterpret_cast<const char*>(in.window()), len);
+    in.consume(len);
+    return textOf(bytes, repairUtf8);
 }
 } // namespace
 
@@ -116,13 +132,15 @@ std::string InStream::readStdString32(size_t maxLen, bool repairUtf8) {
 }
 
 plat::String InStream::readString8(bool repairUtf8) {
-    const std::string text = readStdString8(/*repairUtf8=*/false);
-    return repairUtf8 ? plat::repairUtf8(text.c_str()) : plat::String(text.c_str());
+    const size_t len = readU8();
+    return len <= buffered() ? takeText(*this, len, repairUtf8) : textOf(readText(len, false), repairUtf8);
 }
 
 plat::String InStream::readString32(size_t maxLen, bool repairUtf8) {
-    const std::string text = readStdString32(maxLen, /*repairUtf8=*/false);
-    return repairUtf8 ? plat::repairUtf8(text.c_str()) : plat::String(text.c_str());
+    const size_t len = readU32();
+    if (len > maxLen)
+        throw StringTooLongException();
+    return len <= buffered() ? takeText(*this, len, repairUtf8) : textOf(readText(len, false), repairUtf8);
 }
 
 void InStream::readLine(std::string& out, size_t maxLen, bool repairUtf8) {
