@@ -19,12 +19,23 @@ Fl_PNG_Image* image(const char* name, int size) {
     return scaled;
 }
 
-void text(int x, int y, int w, int h, const char* words, int size = 13, bool bold = false, Fl_Color colour = FL_BLACK) {
+void text(int x, int y, int w, int h, const char* words, int size = 12, bool bold = false, Fl_Color colour = FL_BLACK) {
     auto* box = new Fl_Box(x, y, w, h, words);
     box->align(FL_ALIGN_LEFT | FL_ALIGN_INSIDE | FL_ALIGN_WRAP);
     box->labelsize(size);
     box->labelfont(bold ? FL_HELVETICA_BOLD : FL_HELVETICA);
     box->labelcolor(colour);
+}
+
+void line(int x, int y, int w, int h, Fl_Color colour) {
+    auto* box = new Fl_Box(x, y, w, h);
+    box->box(FL_FLAT_BOX);
+    box->color(colour);
+}
+
+void link(int x, int y, int w, const char* words, Fl_Color colour) {
+    text(x, y, w, 15, words, 12, false, colour);
+    line(x + 4, y + 15, w - 10, 1, colour);
 }
 
 void icon(int x, int y, int size, const char* name) {
@@ -44,43 +55,43 @@ void button(int x, const char* name, const char* tooltip) {
 int main(int argc, char** argv) {
     imageDir = argc > 1 ? argv[1] : ".";
     const Fl_Color linkColour = fl_rgb_color(56, 56, 200);
-    Fl_Double_Window window(780, 470, "Velthar Server");
+    Fl_Double_Window window(780, 439, "Velthar Server");
     window.color(FL_WHITE);
     Fl_Group header(0, 0, 780, 42);
     header.box(FL_FLAT_BOX);
     header.color(fl_rgb_color(236, 236, 236));
     icon(9, 5, 32, "ZEFConnectLogo@2x");
     auto* title = new Fl_Box(200, 0, 380, 42, "Velthar Server - Service Mode");
-    title->labelsize(13);
+    title->labelsize(12);
     button(659, "sdWarning@2x", "Status");
+    icon(677, 23, 14, "badge1@2x");
     button(699, "sdUser@2x", "Connections");
     button(739, "sdHamburger@2x", "Menu");
     header.end();
 
-    text(35, 77, 400, 21, "Connectivity", 18);
+    text(35, 77, 400, 21, "Connectivity", 17);
     icon(35, 114, 16, "sdConn@2x");
-    text(63, 114, 500, 16, "192.168.4.17", 14, true);
-    text(63, 138, 300, 15, "Connecting users can enter this address in");
-    text(345, 138, 120, 15, "Velthar Viewer", 13, false, linkColour);
+    text(63, 114, 500, 16, "192.168.4.17", 13, true);
+    text(63, 138, 270, 15, "Connecting users can enter this address in");
+    link(326, 138, 96, "Velthar Viewer", linkColour);
     icon(38, 164, 10, "rightArrow@2x");
-    text(63, 161, 300, 15, "Other ways to connect", 13, false, linkColour);
-    Fl_Box divider(35, 200, 710, 2);
-    divider.box(FL_FLAT_BOX);
-    divider.color(fl_rgb_color(128, 128, 128));
-    text(35, 226, 400, 21, "Security", 18);
+    text(63, 161, 300, 15, "Other ways to connect", 12, false, linkColour);
+    line(35, 200, 710, 2, fl_rgb_color(128, 128, 128));
+    text(35, 226, 400, 21, "Security", 17);
     icon(35, 263, 16, "sdIdCheck@2x");
-    text(63, 263, 500, 16, "Identity check", 14, true);
-    text(63, 287, 682, 15,
+    text(63, 263, 500, 16, "Identity check", 13, true);
+    text(63, 287, 710, 15,
          "Connecting users should see exactly this signature and catchphrase. If they do not, they should not "
          "continue.");
-    text(63, 318, 300, 15, "Signature", 13, true);
+    text(63, 318, 300, 15, "Signature", 12, true);
     text(63, 333, 300, 15, "2c-7f-19-a4-55-e0-8b-d3");
-    text(412, 318, 300, 15, "Catchphrase", 13, true);
+    text(412, 318, 300, 15, "Catchphrase", 12, true);
     text(412, 333, 330, 15, "Calm harbour otter. Maple violin lantern.");
     icon(35, 364, 16, "sdAuth@2x");
-    text(63, 364, 500, 16, "Authentication", 14, true);
+    text(63, 364, 500, 16, "Authentication", 13, true);
     text(63, 388, 140, 15, "ZEF Device Password");
-    text(215, 388, 200, 15, "Change password", 13, false, linkColour);
+    icon(202, 388, 16, "shield@2x");
+    link(222, 388, 122, "Change password", linkColour);
     window.end();
     window.show();
     return Fl::run();
