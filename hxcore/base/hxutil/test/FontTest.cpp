@@ -5,8 +5,11 @@
 
 #include <gtest/gtest.h>
 
-using namespace hxutil::test;
 using hxutil::FontZefBm;
+using hxutil::test::Bytes;
+using hxutil::test::fontFile;
+using hxutil::test::plainFont;
+using hxutil::test::shown;
 
 namespace {
 

@@ -13,8 +13,8 @@
 
 #include <map>
 
-using namespace hxutil::test;
 using hxutil::NamedImagePixelBuffer;
+using hxutil::test::WithParameter;
 using rfb::Point;
 
 namespace {

@@ -4,7 +4,8 @@
 
 #include <gtest/gtest.h>
 
-using namespace hxutil::test;
+using hxutil::test::plainFont;
+using hxutil::test::shown;
 
 namespace {
 

@@ -7,9 +7,10 @@
 
 #include <gtest/gtest.h>
 
-using namespace hxutil::test;
 using hxutil::getFont;
 using hxutil::loadFont;
+using hxutil::test::shown;
+using hxutil::test::WithParameter;
 
 namespace {
 
