@@ -49,7 +49,6 @@ TransactedFile::~TransactedFile() {
 void TransactedFile::write(const void* data, size_t len) {
     ASSERT(file.isOpen());
     if (std::fwrite(data, 1, len, file.get()) != len) {
-        failed = true;
         throw SystemExceptionFmt(errno, "writing to file failed");
     }
 }
@@ -57,8 +56,10 @@ void TransactedFile::write(const void* data, size_t len) {
 void TransactedFile::commit() {
     ASSERT(file.isOpen());
     try {
-        if (failed || std::ferror(file.get()) || std::fflush(file.get()) != 0)
-            throw SystemExceptionFmt(failed ? EIO : errno, "writing to file failed");
+        // A short write before leaves its mark on the stream, whoever made it.
+        const bool wasShort = std::ferror(file.get());
+        if (wasShort || std::fflush(file.get()) != 0)
+            throw SystemExceptionFmt(wasShort ? EIO : errno, "writing to file failed");
         // Another writer may have taken the name, and be half way through.
         if (!fileIsSameAsFd(tmpPath.c_str(), file.fd()))
             throw SystemExceptionFmt(EBUSY, "fileRename(%s,%s)", tmpPath.c_str(), path.c_str());

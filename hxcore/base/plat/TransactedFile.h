@@ -32,7 +32,6 @@ private:
     String path;
     String tmpPath;
     FilePtr file;
-    bool failed = false; // a write was short: never to be committed
 };
 
 } // namespace plat
