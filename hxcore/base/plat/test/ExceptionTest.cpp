@@ -1,7 +1,7 @@
 #include "plat/Exception.h"
 
-#include "CapturedLog.h"
 #include "plat/Assert.h"
+#include "plat/test/CapturedLog.h"
 
 #include <gtest/gtest.h>
 

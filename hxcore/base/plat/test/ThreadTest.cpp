@@ -1,10 +1,10 @@
 #include "plat/Thread.h"
 
-#include "CapturedLog.h"
 #include "plat/DynamicFn.h"
 #include "plat/Exception.h"
 #include "plat/SysColors.h"
 #include "plat/builtInResource.h"
+#include "plat/test/CapturedLog.h"
 #include "plat/waitForFd.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "plat/Timer.h"
 
-#include "CapturedLog.h"
-#include "FakeClock.h"
 #include "plat/DeferredDeleter.h"
+#include "plat/test/CapturedLog.h"
+#include "plat/test/FakeClock.h"
 
 #include <gtest/gtest.h>
 

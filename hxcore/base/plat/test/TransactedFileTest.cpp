@@ -1,9 +1,9 @@
 #include "plat/TransactedFile.h"
 
-#include "CapturedLog.h"
-#include "TempDir.h"
-#include "inChild.h"
 #include "plat/Exception.h"
+#include "plat/test/CapturedLog.h"
+#include "plat/test/TempDir.h"
+#include "plat/test/inChild.h"
 
 #include <gtest/gtest.h>
 

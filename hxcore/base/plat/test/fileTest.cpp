@@ -1,10 +1,10 @@
 #include "plat/file.h"
 
-#include "CapturedLog.h"
-#include "TempDir.h"
-#include "inChild.h"
 #include "plat/Exception.h"
 #include "plat/FilePtr.h"
+#include "plat/test/CapturedLog.h"
+#include "plat/test/TempDir.h"
+#include "plat/test/inChild.h"
 
 #include <gtest/gtest.h>
 
