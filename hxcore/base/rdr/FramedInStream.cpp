@@ -49,6 +49,12 @@ bool FramedInStream::startMsg(bool wait) {
     if (state.inMsg)
         throw FrameException("FramedInStream::startMsg: already in msg");
     rewindable = underlying->isRewindable();
+    size_t one = 1;
+    if (!wait && underlying->buffered() == 0 && !underlying->check(1, &one, /*wait=*/false)) {
+        if (rewindable)
+            rewind(); // as the stream below has; most often nothing has come, and that is no case for an exception
+        return false;
+    }
     try {
         readHeader(/*first=*/true);
     } catch (const BlockException&) {
