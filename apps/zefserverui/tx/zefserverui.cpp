@@ -31,6 +31,7 @@ plat::LogSrc log("zefserverui");
 constexpr const char* displayVersion = "7.18.0 (r14)";
 constexpr const char* dottedVersion = "7.18.0.14";
 constexpr const char* programName = "zefserverui";
+constexpr int linkReadBytes = 262144; // one read empties a socket; what stays unused takes no memory
 
 /// Prints what can be set, and ends the process.
 class Usage : public plat::Configuration::HelpCallback {
@@ -96,7 +97,7 @@ int runServerUi(int argc, char** argv) {
     setupToolkit();
     setupInspection();
     const int fd = static_cast<int>(strtol(argv[2], nullptr, 10));
-    ServerUiApp app(new io::FdIo(fd, /*ownFd=*/true));
+    ServerUiApp app(new io::FdIo(fd, /*ownFd=*/true, /*connecting=*/false, linkReadBytes));
     return loop.run();
 }
 
