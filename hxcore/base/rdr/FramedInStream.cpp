@@ -45,14 +45,19 @@ void FramedInStream::readHeader(bool first) {
     }
 }
 
+// That nothing has come is found out many times a second: it must not cost an exception.
+bool FramedInStream::isMoreBelow() {
+    size_t one = 1;
+    return underlying->check(1, &one, /*wait=*/false) != nullptr;
+}
+
 bool FramedInStream::startMsg(bool wait) {
     if (state.inMsg)
         throw FrameException("FramedInStream::startMsg: already in msg");
     rewindable = underlying->isRewindable();
-    size_t one = 1;
-    if (!wait && underlying->buffered() == 0 && !underlying->check(1, &one, /*wait=*/false)) {
+    if (!wait && !isMoreBelow()) {
         if (rewindable)
-            rewind(); // as the stream below has; most often nothing has come, and that is no case for an exception
+            rewind(); // as the stream below has
         return false;
     }
     try {
@@ -132,6 +137,8 @@ bool FramedInStream::fillBuffer(size_t n) {
         throw FrameException("FramedInStream: not in msg");
     syncBelow();
     // An item that straddles frames can't be had in one piece: what this frame holds of it comes first.
+    if (ptr == end && state.frameSize == 0 && !state.lastFrame && !isMoreBelow())
+        return false;
     if (ptr == end && !nextFrame())
         throw EndOfMsg();
     size_t one = 1;

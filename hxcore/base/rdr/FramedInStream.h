@@ -53,6 +53,7 @@ private:
     void syncBelow();
     void showWindow();
     void readHeader(bool first);
+    bool isMoreBelow();
     bool nextFrame();
 
     FrameState state;

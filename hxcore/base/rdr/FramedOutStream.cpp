@@ -60,7 +60,10 @@ void FramedOutStream::endFrame(bool last) {
 
 size_t FramedOutStream::overrun(size_t itemSize, size_t nItems) {
     endFrame(/*last=*/false);
-    startFrame(itemSize);
+    // Many bytes at once go on in frames as long as may be: each costs a trip to the stream below, and often to the
+    // kernel.
+    const size_t run = std::min(itemSize * nItems, frameLimit);
+    startFrame(headerSize + run <= underlying->spaceAvailable() ? std::max(run, itemSize) : itemSize);
     if (itemSize > room())
         throw FrameException("FramedOutStream overrun: frame size exceeded");
     return std::min(nItems, room() / itemSize);
