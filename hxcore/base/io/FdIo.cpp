@@ -27,6 +27,9 @@ uint32_t flushTimeoutMs() {
     return static_cast<uint32_t>(std::min<int64_t>(int64_t{lazyFlushTimeout.value()} * 1000, INT_MAX));
 }
 
+// What takes 64 KiB with its frame headers in one read.
+constexpr int usualInBufBytes = 66 * 1024;
+
 const char* yesNo(bool value) { return value ? "true" : "false"; }
 
 struct Scope {
@@ -249,7 +252,7 @@ void FdIo::outputBlocked(rdr::FdOutStream*, bool isBlocked) {
 void FdIo::makeStreams() {
     if (makeNonBlocking)
         makeFdNonBlocking(fd);
-    in = std::make_unique<rdr::FdInStream>(fd, -1, inBufSize);
+    in = std::make_unique<rdr::FdInStream>(fd, -1, inBufSize < 0 ? usualInBufBytes : inBufSize);
     out = std::make_unique<Out>(this, outBufSize);
     inStream_ = in.get();
     outStream_ = out.get();
