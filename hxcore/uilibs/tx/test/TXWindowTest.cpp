@@ -200,9 +200,12 @@ TEST_F(TXWindowTest, ASizeFromBeforeOurOwnResizeIsOutOfDate) {
     SizedWindow window(50, 40);
     window.setWMProperties("race");
     window.resize(60, 60);
-    XSync(tx::dpy, False); // its ConfigureNotify waits in the queue
+    XSync(tx::dpy, False);      // its ConfigureNotify waits in the queue
+    XGrabServer(other.display); // the next one reaches the server later
+    other.sync();
     window.resize(80, 80);
     tx::processEvents();
+    XUngrabServer(other.display);
     pump();
     EXPECT_EQ(window.resizes, (std::vector<rfb::Point>{{60, 60}, {80, 80}}));
     window.resize(0, -5);
