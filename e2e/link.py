@@ -52,6 +52,8 @@ SESSION = b"".join([
 
 
 class Link(UiTest):
+    # In virtual mode the name of the inspection socket bears the display, so that this runs beside other tests.
+
     def start_raw(self, *args):
         ours, theirs = socket.socketpair()
         process = subprocess.Popen([UI, "user", str(theirs.fileno()), "-Log=*:stderr:100", *args],
@@ -82,7 +84,7 @@ class Link(UiTest):
             self.assertEqual(status, 0, f"cut at {cut}: {err}")
 
     def test_a_session_of_single_bytes_is_the_session(self):
-        core = self.start()
+        core = self.start("virtual")
         core.expect("ui: uiLocale")
         for byte in SESSION[: SESSION.index(b"someNewMessage") - 3]:
             core.say("raw %02x" % byte)
@@ -112,7 +114,7 @@ class Link(UiTest):
                 self.assertEqual(status, 0, err)
 
     def test_bad_utf8_in_texts_is_repaired(self):
-        core = self.start()
+        core = self.start("virtual")
         core.expect("ui: uiLocale")
         for data in (text(b"", b"Dlg", b""), text(b"Dlg", b"Banner", b"a\xc3(b"), message(b"StatusDbInfo", b"\2")):
             core.say("raw " + data.hex())
