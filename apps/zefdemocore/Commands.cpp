@@ -48,7 +48,7 @@ std::vector<std::string> parts(const std::string& text) {
 
 uint32_t number(const std::string& text) { return static_cast<uint32_t>(strtoul(text.c_str(), nullptr, 0)); }
 
-// "key=value | key=value"; "\n" in a value is a line feed.
+// "key=value | key=value".
 std::map<std::string, std::string> keyValues(const std::string& text) {
     std::map<std::string, std::string> map;
     for (const std::string& part : parts(text)) {

@@ -9,7 +9,7 @@
 
 namespace plat {
 
-/// The lists of sources and destinations, the memory store, and the specification that ties them together.
+/// The lists of sources and destinations, the memory store, and the setting that ties them together.
 ///
 /// Never destroyed, so that statics may log to the end of the process. Changed on the main thread only.
 class LogRegistry : private NonCopyable {

@@ -72,7 +72,7 @@ void logActivate();
 
 bool logIsActive(); ///< true once logActivate was called
 
-/// Empties all mappings, sets them from the specification in force and replays what memory holds.
+/// Empties all mappings, sets them from what is in force and replays what memory holds.
 void logApply();
 
 /// The names of all sources, newest first, joined by ", ", in lines of at most `width` columns after an indent of two.

@@ -65,7 +65,7 @@ TEST(Log, SourcesAreLetThroughUpToTheLevelOfTheirMapping) {
         EXPECT_EQ(foo.getMaxLevel(), 0);
         EXPECT_EQ(bar.getMaxLevel(), -1);
 
-        LogSrc later("Further"); // made when the specification is long in force
+        LogSrc later("Further"); // made when the mappings are long in force
         later.error("yes");
         EXPECT_EQ(rec.take(), (Lines{"0 Further: yes"}));
     });
