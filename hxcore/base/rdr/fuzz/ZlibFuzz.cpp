@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string b = inflateBytewise(data + 1, size - 1, bytewise);
     // The two sources name their end differently.
     for (std::string* text : {&a, &b})
-        for (const char* const end : {"End of IO stream", "Data buffer exhausted"})
+        for (const char* const end : {"End of in-memory input stream", "Data buffer exhausted"})
             if (text->ends_with(end))
                 text->resize(text->size() - std::string(end).size());
     if (a != b)
