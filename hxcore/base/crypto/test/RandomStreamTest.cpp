@@ -1,0 +1,41 @@
+#include "crypto/RandomStream.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <set>
+
+namespace {
+
+TEST(RandomStream, NeverGivesABlockTwiceHoweverItIsRead) {
+    crypto::RandomStream in;
+    std::set<std::array<uint8_t, 16>> seen;
+    std::array<uint8_t, 16> block;
+    for (int i = 0; i < 1000; ++i) {
+        in.readBytes(block.data(), block.size());
+        EXPECT_TRUE(seen.insert(block).second);
+        std::memset(block.data(), 0, block.size());
+        for (uint8_t& byte : block) // odd places, so that numbers straddle the buffer
+            byte = in.readU8();
+        EXPECT_TRUE(seen.insert(block).second);
+        in.readU16();
+        in.readU8();
+        EXPECT_LT(in.readUniform(7), 7u);
+    }
+}
+
+TEST(RandomStream, EveryBitTurnsUpAboutHalfOfTheTime) {
+    crypto::RandomStream in;
+    int ones[32] = {};
+    constexpr int draws = 4096;
+    for (int i = 0; i < draws; ++i) {
+        const uint32_t value = in.readU32();
+        for (int bit = 0; bit < 32; ++bit)
+            ones[bit] += value >> bit & 1;
+    }
+    for (const int count : ones) // the standard deviation is 32: chance gives 10 of them in no lifetime
+        EXPECT_NEAR(count, draws / 2, 320);
+}
+
+} // namespace
