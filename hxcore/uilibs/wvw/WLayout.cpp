@@ -141,6 +141,13 @@ void WLayout::setCutText(const char* text) {
         parent->setCutText(text);
 }
 
+plat::String WLayout::getPrimaryText() { return parent ? parent->getPrimaryText() : plat::String(); }
+
+void WLayout::showCursor(CursorShape shape) {
+    if (parent)
+        parent->showCursor(shape);
+}
+
 WRoot* WLayout::getRoot(Point* originOut) {
     WRoot* root = parent ? parent->getRoot(originOut) : nullptr;
     if (originOut && getParentLayout())
@@ -321,10 +328,14 @@ void WLayout::mouseEvent(const Point& position, int mask) {
 
 void WLayout::leaveChild(Widget* child) {
     // The layout itself is left only for a child of its own, which is no way out of its children.
-    if (child == this)
-        mouseExit(this);
-    else
+    if (child != this) {
         child->mouseLeft();
+        return;
+    }
+    const WidgetWatch self(this);
+    mouseExit(this);
+    if (self.alive())
+        trackCursor(/*inside=*/false);
 }
 
 void WLayout::mouseLeft() {

@@ -55,6 +55,8 @@ public:
     void ensureVisible(Widget* child, const rfb::Rect& rect) final { ensureChildVisible(child, rect); }
     plat::String getCutText() override;
     void setCutText(const char* text) override;
+    plat::String getPrimaryText() override;
+    void showCursor(CursorShape shape) override;
     WRoot* getRoot(rfb::Point* originOut) override;
     void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* image) override;
 

@@ -1,6 +1,8 @@
 // The services that a widget asks of what holds it.
 #pragma once
 
+#include "wvw/CursorShape.h"
+
 #include "plat/String.h"
 #include "rfb/Rect.h"
 
@@ -42,6 +44,12 @@ public:
     /// The clipboard, as UTF-8. What another program owns is waited for, within a limit; null when there is none.
     virtual plat::String getCutText() = 0;
     virtual void setCutText(const char* text) = 0;
+
+    /// What the user selected last in any program, as UTF-8; null when there is none. Default: the clipboard.
+    virtual plat::String getPrimaryText() { return getCutText(); }
+
+    /// The pointer is over a widget of that shape. Default, once it has left it. The default does nothing.
+    virtual void showCursor(CursorShape) {}
 
     /// `originOut` (may be null) becomes the root position of what this parent's children count from. Null while no
     /// window is there.

@@ -22,7 +22,7 @@ public:
     bool isDragging() const { return dragging; }
 
     void setMinThumb(int px); ///< longer than the 8 that always hold
-    rfb::Rect thumbRect() const;
+    virtual rfb::Rect thumbRect() const;
 
     // Widget
     void paint(rfb::FullFramePixelBuffer& pb) override;

@@ -95,6 +95,7 @@ void Widget::attach(WParent* newParent, WInputHandler* inputHandler, WMouseInput
 
 void Widget::detach() {
     clickTimer.cancel();
+    trackCursor(/*inside=*/false);
     parent = nullptr;
     parentHandler = nullptr;
     parentMouseHandler = nullptr;
@@ -121,14 +122,35 @@ void Widget::mouseEvent(const rfb::Point& position, int mask) {
         else
             mouseUp(button, this);
     }
+    if (self.alive())
+        trackCursor(mask != 0 || getRect().contains(mousePos));
 }
 
 void Widget::mouseLeft() {
     const WidgetWatch self(this);
     mouseExit(this);
+    if (!self.alive())
+        return;
     // So that a pointer that comes back to the same pixel is seen to move.
-    if (self.alive())
-        mousePos = nowhere;
+    mousePos = nowhere;
+    trackCursor(mouseMask != 0);
+}
+
+void Widget::trackCursor(bool inside) {
+    if (inside == cursorInside)
+        return;
+    cursorInside = inside;
+    // Also the plain shape is told: a widget that was hidden under the pointer told of no way out.
+    if (parent && (inside || cursor != CursorShape::Default))
+        parent->showCursor(inside ? cursor : CursorShape::Default);
+}
+
+void Widget::setCursor(CursorShape shape) {
+    if (shape == cursor)
+        return;
+    cursor = shape;
+    if (parent && cursorInside)
+        parent->showCursor(shape);
 }
 
 Widget* Widget::findDropTarget(const hxutil::DragDropData& data, const rfb::Point&) {
@@ -175,6 +197,8 @@ void Widget::setVisible(bool on) {
         return;
     const WidgetWatch self(this);
     visible = on;
+    if (!on)
+        trackCursor(/*inside=*/false);
     // Past our own invalidate, which is silent for what is hidden: the parent has to paint where we were.
     if (parent)
         parent->invalidate(this, rfb::Region(getRect()));

@@ -1,6 +1,7 @@
 // The node of a tree of widgets.
 #pragma once
 
+#include "wvw/CursorShape.h"
 #include "wvw/InputHandler.h"
 #include "wvw/MouseInputHandler.h"
 #include "wvw/WStyle.h"
@@ -121,6 +122,9 @@ public:
     bool paste(Widget* origin) override;
     bool copy(Widget* origin) override;
 
+    /// Of the pointer while it is over this widget, or was pressed here. At once, when it is there.
+    void setCursor(CursorShape shape);
+
     void setMouseCallback(hxutil::MouseCallback* callback) { mouseCallback = callback; } ///< borrowed, may be null
 
     bool isAttached() const { return parent != nullptr; }
@@ -183,10 +187,11 @@ protected:
 
 private:
     friend class WidgetWatch;
-    friend class WLayout; // sets parentLayout
+    friend class WLayout; // sets parentLayout, and leaves its own area for a child
 
     bool offer(bool (WInputHandler::*event)(Widget*), Widget* origin);
     bool defaultKey(uint32_t keysym);
+    void trackCursor(bool inside);
     void leaveFocusUnlessUsable();
     void sendClicks(int button, Widget* origin);
     void sendMouse(int type, Widget* origin); // a hxutil::MouseEvent::Type
@@ -197,6 +202,8 @@ private:
     WLayout* parentLayout = nullptr;
     plat::String tooltip;
     hxutil::MouseCallback* mouseCallback = nullptr;
+    CursorShape cursor = CursorShape::Default;
+    bool cursorInside = false;  // the pointer shows our shape
     rfb::Point lastClick{0, 0}; // root position
     plat::Timer clickTimer;
     WidgetWatch* watches = nullptr;

@@ -1,0 +1,33 @@
+// A slider with tick marks.
+#pragma once
+
+#include "wvw/WSlider.h"
+
+namespace wvw {
+
+/// Takes one of the whole positions from 0 to its range, by the pointer or by the keys of its axis.
+class WDiscreteSlider : public WSlider {
+public:
+    explicit WDiscreteSlider(WLayout* layout = nullptr, bool vertical = false);
+
+    // Widget
+    void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Point getPreferredSize() override;
+    bool acceptsFocus() override { return isEnabled() && isVisible(); }
+    bool focusChanged(bool backward, Widget* origin) override;
+    bool mouseDown(int button, Widget* origin) override; ///< the wheel steps
+
+    // WSlider2D
+    rfb::Rect thumbRect() const override;
+
+protected:
+    // Widget
+    bool ownKey(uint32_t keysym) override;
+
+private:
+    bool stepBy(int amount);
+    rfb::Rect onAxis(int from, int to, int acrossFrom, int acrossTo) const;
+    int tickAt(int position) const;
+};
+
+} // namespace wvw
