@@ -1,0 +1,29 @@
+#include "os/test/ChildRoad.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+
+namespace os {
+
+const ChildRoad* ChildRoad::find(int argc, char** argv) {
+    if (argc < 2)
+        return nullptr;
+    for (const ChildRoad* road = first; road; road = road->next) {
+        if (strcmp(road->word, argv[1]) == 0)
+            return road;
+    }
+    return nullptr;
+}
+
+std::string ChildRoad::program() { return std::filesystem::read_symlink("/proc/self/exe").string(); }
+
+} // namespace os
+
+int main(int argc, char** argv) {
+    if (const os::ChildRoad* road = os::ChildRoad::find(argc, argv))
+        return road->run(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
