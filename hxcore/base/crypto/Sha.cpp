@@ -54,8 +54,9 @@ void Sha::update(const void* data, size_t len) {
 }
 
 void Sha::digest(uint8_t* buf, int bufSize) {
-    // clang-format off: the text of the check is output
-    ASSERT(bufSize >= digestBits / 8);
+    // The text of the check is output.
+    // clang-format off
+    ASSERT(bufSize >= digestBits/8);
     // clang-format on
     check(mbedtls_md_finish(state.get(), buf), "mbedtls_md_finish");
     check(mbedtls_md_starts(state.get()), "mbedtls_md_starts");
