@@ -43,6 +43,26 @@ void Mui::addGlobalObserver(MuObserver* observer, bool add) {
         dialog->addObserver(observer, add);
 }
 
+void Mui::addMenu(const char* name, ui::Menu* menu) { menus.emplace_back(name ? name : "", menu); }
+
+void Mui::removeMenu(ui::Menu* menu) {
+    std::erase_if(menus, [=](const auto& entry) { return entry.second == menu; });
+}
+
+ui::Menu* Mui::findMenu(const char* name) const {
+    for (const auto& [itsName, menu] : menus)
+        if (itsName == name)
+            return menu;
+    return nullptr;
+}
+
+std::vector<std::string> Mui::getMenuNames() const {
+    std::vector<std::string> names;
+    for (const auto& [name, menu] : menus)
+        names.push_back(name);
+    return names;
+}
+
 void Mui::setMetrics(const int units[MetricCount]) {
     std::transform(units, units + MetricCount, metrics, hxutil::scaled);
 }

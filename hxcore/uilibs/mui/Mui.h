@@ -5,6 +5,12 @@
 
 #include <list>
 #include <map>
+#include <string>
+#include <vector>
+
+namespace ui {
+class Menu;
+}
 
 namespace mui {
 
@@ -38,7 +44,14 @@ public:
 
     /// Serial numbers count from 0 and are never used again.
     const std::map<int, MuElement*>& getDialogs() const { return dialogs; }
-    void addGlobalObserver(MuObserver* observer, bool add);   ///< on all dialogs, those to come included; borrowed
+    void addGlobalObserver(MuObserver* observer, bool add); ///< on all dialogs, those to come included; borrowed
+
+    /// Menus that inspection finds by name; of two with one name the older. Borrowed, removed before they die.
+    void addMenu(const char* name, ui::Menu* menu);
+    void removeMenu(ui::Menu* menu);
+    ui::Menu* findMenu(const char* name) const; ///< null if there is none
+    std::vector<std::string> getMenuNames() const;
+
     int metric(Metric index) const { return metrics[index]; } ///< pixels
     void setMetrics(const int units[MetricCount]);            ///< scaled here, rounding half away from zero
 
@@ -47,6 +60,7 @@ private:
 
     std::map<int, MuElement*> dialogs; // borrowed
     std::list<MuObserver*> globalObservers;
+    std::vector<std::pair<std::string, ui::Menu*>> menus;
     int nextSerial = 0;
     int metrics[MetricCount];
 };
