@@ -62,6 +62,8 @@ plat::String MuButton::getState() {
 bool MuButton::handleCommand(const char* command, const char*) {
     if (std::strcmp(command, "click") != 0 || isInert())
         return false;
+    if (!confirmAct())
+        return false;
     notify(EventActivated);
     return true;
 }

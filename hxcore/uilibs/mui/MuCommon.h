@@ -27,6 +27,8 @@ public:
     virtual void styleChanged() = 0;
     virtual void ensureVisible(const rfb::Rect& rect) = 0;
     virtual void repaint(const rfb::Rect& rect) = 0;
+    virtual void setDeliberate(bool /*on*/) {}
+    virtual bool confirmAct() { return true; } ///< of the input being handled
 };
 
 } // namespace mui

@@ -67,7 +67,8 @@ bool MuDialog::runAction(int action) {
     MuElement* button = actionButtons[action];
     if (!button || button->isInert())
         return false;
-    button->notify(EventActivated);
+    if (button->confirmAct())
+        button->notify(EventActivated);
     return true;
 }
 

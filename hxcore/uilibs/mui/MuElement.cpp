@@ -107,6 +107,13 @@ void MuElement::setLocked(bool locked) {
     stateChanged();
 }
 
+void MuElement::setDeliberate(bool on) {
+    if (common)
+        common->setDeliberate(on);
+}
+
+bool MuElement::confirmAct() { return !common || common->confirmAct(); }
+
 bool MuElement::isShownFully() {
     for (MuElement* element = this; element; element = element->parent_)
         if (!element->isShown())

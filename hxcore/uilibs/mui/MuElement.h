@@ -57,6 +57,11 @@ public:
     bool isInert() const { return flags_ != 0; } ///< disabled or locked
     bool isShownFully();                         ///< itself and all above
 
+    /// Where access is granted: only a deliberate act of the person at the screen may activate this element or one
+    /// below it. What that is, the window decides (wvw::WParent::confirmInput).
+    void setDeliberate(bool on);
+    bool confirmAct(); ///< to be asked by whoever turns an input into EventActivated; false: drop it
+
     // Style
     const MuStyle& getStyle() const;  ///< own or the nearest ancestor's; asserts that there is one
     const MuStyle* findStyle() const; ///< the same, null while the tree has no styled top

@@ -57,7 +57,8 @@ void WButton::detach() {
 bool WButton::ownKey(uint32_t keysym) {
     if ((keysym != rfb::key::Return && keysym != rfb::key::Space) || !isEnabled())
         return false;
-    press();
+    if (confirmAct())
+        press();
     return true;
 }
 
@@ -93,7 +94,8 @@ bool WButton::mouseUp(int button, Widget* origin) {
     const bool used = WLayout::mouseUp(button, origin);
     if (!inside || !self.alive())
         return used;
-    press();
+    if (confirmAct())
+        press();
     return true;
 }
 

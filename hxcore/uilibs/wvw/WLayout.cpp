@@ -160,6 +160,16 @@ void WLayout::startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::P
         parent->startDrag(std::move(data), image);
 }
 
+void WLayout::guardInput() {
+    if (parent)
+        parent->guardInput();
+}
+
+void WLayout::setTextCursor(Widget* child, const rfb::Rect& rect) {
+    if (parent)
+        parent->setTextCursor(this, rect.isEmpty() ? rect : rect.translate(getChildPosition(child)));
+}
+
 void WLayout::ensureChildVisible(Widget* child, const Rect& rect) {
     if (parent)
         parent->ensureVisible(this, rect.translate(getChildPosition(child)));

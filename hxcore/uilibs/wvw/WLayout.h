@@ -59,6 +59,9 @@ public:
     void showCursor(CursorShape shape) override;
     WRoot* getRoot(rfb::Point* originOut) override;
     void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* image) override;
+    void guardInput() override;
+    bool confirmInput() override { return parent && parent->confirmInput(); }
+    void setTextCursor(Widget* child, const rfb::Rect& rect) override;
 
     // Widget and WParent
     void bell() override { Widget::bell(); }

@@ -60,6 +60,18 @@ public:
 
     /// `image` is borrowed for the call.
     virtual void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* image) = 0;
+
+    /// The window shall watch where its input comes from, so that confirmInput can tell. Once asked, for good.
+    virtual void guardInput() {}
+
+    /// Whether the input being handled is a deliberate act of the person at this screen: begun anew after the window
+    /// was in view for long enough, and neither made up by another client nor, by policy, injected from afar. Where it
+    /// isn't, the window says so in the log and, if the person can do something about it, beside the pointer.
+    virtual bool confirmInput() { return true; }
+
+    /// Where the text cursor of `child` stands, in its coordinates, for an input method; an empty rectangle says that
+    /// it takes no text. Told by the widget with the focus when it gets it, and when the cursor moves.
+    virtual void setTextCursor(Widget* /*child*/, const rfb::Rect& /*rect*/) {}
 };
 
 } // namespace wvw

@@ -89,6 +89,8 @@ void Widget::attach(WParent* newParent, WInputHandler* inputHandler, WMouseInput
     parent = newParent;
     parentHandler = inputHandler;
     parentMouseHandler = mouseInputHandler;
+    if (deliberate)
+        parent->guardInput();
     repaint();
     attached(this);
 }
@@ -320,6 +322,20 @@ bool Widget::timerExpired(plat::Timer* timer) {
     if (timer == &clickTimer && mouseCallback && parent)
         sendMouseAt(hxutil::MouseEvent::Click, lastClick - getRootPosition());
     return false;
+}
+
+void Widget::setDeliberate(bool on) {
+    deliberate = on;
+    if (on && parent)
+        parent->guardInput();
+}
+
+bool Widget::confirmAct() {
+    for (const Widget* widget = this; widget; widget = widget->parentLayout) {
+        if (widget->deliberate)
+            return parent && parent->confirmInput();
+    }
+    return true;
 }
 
 bool Widget::isKeyDown(uint32_t keysym) const { return parent && parent->isKeyDown(keysym); }

@@ -106,6 +106,14 @@ public:
 
     virtual bool isKeyDown(uint32_t keysym) const;
 
+    /// What this widget starts, or one below it, must be a deliberate act of the person at the screen (confirmAct).
+    void setDeliberate(bool on);
+    bool isDeliberate() const { return deliberate; } ///< this one alone
+
+    /// To be asked before an input has its effect: true unless this widget, or one above, needs a deliberate act and
+    /// the input is none.
+    virtual bool confirmAct();
+
     // plat::Timer::Callback
     bool timerExpired(plat::Timer* timer) override;
 
@@ -184,6 +192,7 @@ protected:
     rfb::Point size{0, 0};
     rfb::Point mousePos{0, 0}; // last position seen
     int mouseMask = 0;         // last button mask
+    bool deliberate = false;
 
 private:
     friend class WidgetWatch;

@@ -93,7 +93,7 @@ void MuButtonWvw::mouseEvent(const hxutil::MouseEvent& event) {
         const bool clicked = held && inside;
         held = false;
         setState(inside, /*nowPressed=*/false);
-        if (clicked)
+        if (clicked && widget.confirmAct())
             notify(EventActivated);
         break;
     }
@@ -106,7 +106,8 @@ bool MuButtonWvw::hotKey(uint32_t keysym) {
     if (!mnemonic || keysym != mnemonic || isInert() || !isShownFully())
         return false;
     setFocus();
-    notify(EventActivated);
+    if (widget.confirmAct())
+        notify(EventActivated);
     return true;
 }
 
@@ -114,7 +115,8 @@ bool MuButtonWvw::keyEvent(uint32_t keysym, bool down, wvw::Widget* origin) {
     const bool presses = keysym == rfb::key::Return || keysym == rfb::key::Space;
     if (origin != &widget || !down || !presses || isInert())
         return false;
-    notify(EventActivated);
+    if (widget.confirmAct())
+        notify(EventActivated);
     return true;
 }
 

@@ -80,4 +80,8 @@ void MuCommonWvw::ensureVisible(const rfb::Rect& rect) {
 
 void MuCommonWvw::repaint(const rfb::Rect& rect) { widget->invalidate(rfb::Region(rect)); }
 
+void MuCommonWvw::setDeliberate(bool on) { widget->setDeliberate(on); }
+
+bool MuCommonWvw::confirmAct() { return widget->confirmAct(); }
+
 } // namespace mui

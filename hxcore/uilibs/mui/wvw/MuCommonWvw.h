@@ -42,6 +42,8 @@ public:
     void styleChanged() override;
     void ensureVisible(const rfb::Rect& rect) override;
     void repaint(const rfb::Rect& rect) override;
+    void setDeliberate(bool on) override;
+    bool confirmAct() override;
 
 private:
     MuElement* element;
