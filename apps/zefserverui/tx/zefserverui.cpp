@@ -19,6 +19,7 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -129,6 +130,7 @@ void report(const plat::Exception& failure) {
 } // namespace
 
 int main(int argc, char** argv) {
+    signal(SIGPIPE, SIG_IGN); // a reader that has gone, of whatever we write to, is told by the write
     try {
         return runRoad(argc, argv);
     } catch (const plat::Exception& failure) {

@@ -1,6 +1,7 @@
 #include "io/FdManager.h"
 
 #include "io/FdHandler.h"
+#include "plat/Assert.h"
 
 #include <algorithm>
 #include <functional>
@@ -46,7 +47,7 @@ void FdHandlerSet::takeFrom(FdHandlerSet& other) {
 FdManager::FdManager(bool nested) : timers(nested), previous(currentManager) { currentManager = this; }
 
 FdManager::~FdManager() {
-    dismissHandlers();
+    ASSERT(handlers.isEmpty());
     currentManager = previous;
 }
 
@@ -110,6 +111,11 @@ void FdManager::dismissHandlers() {
         forget(handler);
         handler->fdManagerGone();
     }
+}
+
+void FdManager::dismissAll() {
+    for (FdManager* manager = currentManager; manager; manager = manager->previous)
+        manager->dismissHandlers();
 }
 
 void FdManager::loseRead(FdHandler* handler) {

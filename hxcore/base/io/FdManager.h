@@ -54,12 +54,17 @@ public:
     /// Closes the descriptors of all handlers but `except` (null: of all), in a forked child.
     void closeFds(const FdHandler* except);
 
+    /// Takes all handlers out, calling fdManagerGone on each, last first: the end of every manager begins so.
+    void dismissHandlers();
+
+    /// For exit(), which leaves the stack as it is: dismissHandlers on this thread's managers, from the innermost out.
+    static void dismissAll();
+
 protected:
     explicit FdManager(bool nested);
-    ~FdManager() override;
+    ~FdManager() override; ///< the derived destructor has called dismissHandlers
 
-    void dispatch();        ///< one round: timers, then readable, then writable handlers
-    void dismissHandlers(); ///< for destructors: fdManagerGone on each, last first
+    void dispatch(); ///< one round: timers, then readable, then writable handlers
     void loseRead(FdHandler* handler);
     void loseWrite(FdHandler* handler);
 

@@ -13,6 +13,18 @@ struct Running {
     bool& flag;
 };
 
+/// Ends the process's manager at exit.
+struct ManagerHolder : private plat::NonCopyable {
+    ~ManagerHolder() {
+        io::FdManager::dismissAll();
+        // Called inside a nested loop, exit leaves that one's manager and timers on the stack, and this below them.
+        if (io::FdManager::current() == manager)
+            delete manager;
+    }
+
+    io::FdSelectManager* const manager = new io::FdSelectManager(/*nested=*/io::FdManager::current() != nullptr);
+};
+
 } // namespace
 
 AppLoop* AppLoop::inst = nullptr;
@@ -53,8 +65,8 @@ void AppLoopImpl::stop() {
 }
 
 io::FdSelectManager& AppLoopImpl::processManager() {
-    static io::FdSelectManager manager(/*nested=*/io::FdManager::current() != nullptr);
-    return manager;
+    static const ManagerHolder holder;
+    return *holder.manager;
 }
 
 } // namespace os

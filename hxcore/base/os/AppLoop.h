@@ -51,7 +51,7 @@ public:
     int run(AppLoop& loop) override;
     void stop() override;
 
-    /// The process's descriptor manager: made by the first call, destroyed at exit.
+    /// The process's descriptor manager: made by the first call, destroyed at exit, wherever that is called.
     static io::FdSelectManager& processManager();
 
 protected:

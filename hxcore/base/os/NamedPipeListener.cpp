@@ -128,10 +128,15 @@ int NamedPipeListener::bindAnew(bool askFirst) {
     if (listening.get() < 0)
         throw plat::SystemException("socket", errno);
     bindUnder(options.openToAll ? openToAllMask : ownerOnlyMask, listening.get(), inDir.c_str());
-    makeSticky(dir, file.c_str(), path());
-    giveTo(owner, dir, file.c_str(), path());
-    if (listen(listening.get(), backlog) < 0)
-        throw plat::SystemException("listen", errno);
+    try {
+        makeSticky(dir, file.c_str(), path());
+        giveTo(owner, dir, file.c_str(), path());
+        if (listen(listening.get(), backlog) < 0)
+            throw plat::SystemException("listen", errno);
+    } catch (const plat::SystemException&) {
+        unlinkat(dir.fd(), file.c_str(), 0); // nobody will ever listen there
+        throw;
+    }
     struct stat info;
     if (dir.stat(file.c_str(), &info)) {
         boundDev = info.st_dev;

@@ -18,13 +18,13 @@
 namespace os {
 namespace {
 
-// A name whose every part is a plain one, so that it stays within the store.
+// A name whose every part is a plain one, so that it stays within the store. While "x" is written there is an "x.tmp".
 void checkName(const char* name) {
     std::string_view rest = plat::strOrEmpty(name);
     for (bool more = true; more;) {
         const size_t slash = rest.find('/');
         const std::string_view part = rest.substr(0, slash);
-        if (part.empty() || part == "." || part == "..")
+        if (part.empty() || part == "." || part == ".." || part.ends_with(".tmp"))
             throw plat::ExceptionFmt("Bad name in the store: '%s'", plat::strOrEmpty(name));
         more = slash != std::string_view::npos;
         rest.remove_prefix(more ? slash + 1 : rest.size());

@@ -8,7 +8,8 @@ namespace os {
 
 /// Keeps blobs as files, nothing added, in a directory of the application.
 ///
-/// A name may contain "/"; one that leads out of the directory ("..", a leading "/") throws plat::Exception.
+/// A name may contain "/"; one that leads out of the directory ("..", a leading "/"), or has a part that ends in
+/// ".tmp", throws plat::Exception.
 class PersistentStoreFile : public PersistentStore {
 public:
     /// The directory is `<user config dir>/<app>.d`, null standing for this application.

@@ -38,7 +38,11 @@ int socketTo(const char* path, int flags) {
     const timeval limit{connectTimeoutS, 0};
     const timeval none{0, 0};
     setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
-    if (connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+    int result;
+    do // with a limit on its time, a signal ends the wait whatever its handler asked for (signal(7))
+        result = connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    while (result < 0 && errno == EINTR);
+    if (result == 0) {
         setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &none, sizeof none);
         return fd;
     }

@@ -15,25 +15,24 @@ namespace plat {
 namespace {
 LogSrc log("TransactedFile");
 
-void openNew(FilePtr& file, const char* path, int flags) {
+int openNew(const char* path, int flags) {
     // Whatever has the name goes: a file left by a process that was killed, a link, a FIFO.
     if (unlink(path) != 0 && errno != ENOENT)
         throw SystemExceptionFmt(errno, "Error opening \"%s\"", path);
     const mode_t mode = flags & FilePrivate ? 0600 : 0664;
-    int fd = -1;
     try {
-        fd = fileOpenFd(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
+        return fileOpenFd(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
     } catch (const SystemException& e) {
         throw SystemExceptionFmt(e.errNo, "Error opening \"%s\"", path);
     }
-    file.adopt(fd, path, "w");
 }
 
 } // namespace
 
 TransactedFile::TransactedFile(const char* target, int flags) : path(target), tmpPath(strFormat("%s.tmp", target)) {
-    openNew(file, tmpPath.c_str(), flags);
+    const int fd = openNew(tmpPath.c_str(), flags);
     try {
+        file.adopt(fd, tmpPath.c_str(), "w");
         copyPerms(flags);
     } catch (const Exception&) {
         removeTmp();
@@ -60,6 +59,7 @@ void TransactedFile::commit() {
         const bool wasShort = std::ferror(file.get());
         if (wasShort || std::fflush(file.get()) != 0)
             throw SystemExceptionFmt(wasShort ? EIO : errno, "writing to file failed");
+        fileSync(file.fd()); // or the name might be on the disk before the bytes when the power goes
         // Another writer may have taken the name, and be half way through.
         if (!fileIsSameAsFd(tmpPath.c_str(), file.fd()))
             throw SystemExceptionFmt(EBUSY, "fileRename(%s,%s)", tmpPath.c_str(), path.c_str());

@@ -19,7 +19,8 @@ public:
 
     void write(const void* data, size_t len); ///< throws "writing to file failed"
 
-    /// Flushes, closes, renames; throws, leaving the old file, if one of these fails or another writer took the name.
+    /// Flushes as far as the disk, closes, renames; throws, leaving the old file, if one of these fails or another
+    /// writer took the name.
     void commit();
 
     FILE* get() const { return file.get(); } ///< null after commit

@@ -60,6 +60,16 @@ int makeReady(int fd, int flags) {
     return fcntl(fd, F_SETFL, flags & (O_APPEND | O_NONBLOCK)) == 0 ? 0 : errno;
 }
 
+// A link that leads nowhere takes the name as well.
+bool isFree(const char* path) {
+    struct stat info;
+    if (lstat(path, &info) == 0)
+        return false;
+    if (errno != ENOENT)
+        throw SystemExceptionFmt(errno, "fileUniqueName(%s)", path);
+    return true;
+}
+
 } // namespace
 
 bool fileExists(const char* path) {
@@ -171,6 +181,11 @@ void fileTruncate(int fd, int64_t size) {
     checkFd(retried([&] { return ftruncate(fd, size); }) == 0, "fileTruncate", fd);
 }
 
+void fileSync(int fd) {
+    const bool synced = retried([&] { return fsync(fd); }) == 0;
+    checkFd(synced || errno == EINVAL || errno == EROFS, "fileSync", fd);
+}
+
 int64_t fileTell(int fd) {
     const off_t pos = lseek(fd, 0, SEEK_CUR);
     checkFd(pos >= 0, "fileTell", fd);
@@ -181,9 +196,7 @@ void fileSeek(int fd, int64_t pos) { checkFd(lseek(fd, pos, SEEK_SET) >= 0, "fil
 
 String fileUniqueName(const char* dir, const char* name, const char* prefix, const char* suffix, int max) {
     String candidate = path::join(dir, name);
-    struct stat info;
-    // A link that leads nowhere takes the name as well.
-    if (lstat(candidate.c_str(), &info) != 0 && errno == ENOENT)
+    if (isFree(candidate.c_str()))
         return candidate;
     const std::string_view all(strOrEmpty(name));
     const size_t dot = all.rfind('.');
@@ -193,11 +206,8 @@ String fileUniqueName(const char* dir, const char* name, const char* prefix, con
         const String numbered = strFormat("%s%s%d%s%s", stem.c_str(), strOrEmpty(prefix), i, strOrEmpty(suffix),
                                           strOrEmpty(name) + stemLen);
         candidate = path::join(dir, numbered.c_str());
-        if (lstat(candidate.c_str(), &info) == 0)
-            continue;
-        if (errno != ENOENT)
-            throw SystemExceptionFmt(errno, "fileUniqueName(%s)", candidate.c_str());
-        return candidate;
+        if (isFree(candidate.c_str()))
+            return candidate;
     }
     throw Exception("Too many files with same name");
 }

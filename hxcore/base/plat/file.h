@@ -37,6 +37,7 @@ void fileMakePrivate(const char* path); ///< mode 0600, owner the effective user
 void fileMakePrivate(int fd);
 void fileMakeSticky(const char* path); ///< adds the sticky bit
 void fileTruncate(int fd, int64_t size);
+void fileSync(int fd); ///< what was written is on the disk, where the file system knows of such a thing
 int64_t fileTell(int fd);
 void fileSeek(int fd, int64_t pos); ///< from the start
 

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 
@@ -82,6 +84,32 @@ TEST(AppLoop, OwnsAnotherImplAndLetsGoOfItsPlace) {
     }
     EXPECT_TRUE(gone);
     EXPECT_EQ(AppLoop::instance(), nullptr);
+}
+
+// A toolkit may exit in the middle of a dialog, whose loop then stays on the stack.
+TEST(AppLoopDeathTest, ExitInsideANestedLoopTellsTheHandlersAndEnds) {
+    class Teller : public io::FdHandler {
+    public:
+        explicit Teller(const char* name_) : name(name_) { io::FdManager::current()->addHandler(this, true); }
+        void fdManagerGone() override { std::fprintf(stderr, "%s gone,", name); }
+        const char* name;
+    };
+    EXPECT_EXIT(
+        {
+            AppLoop loop;
+            Teller outer("outer");
+            plat::Timer idle(nullptr);
+            idle.start(1000);
+            Later dialog([] {
+                io::FdSelectManager nested(/*nested=*/true);
+                Teller inner("inner");
+                plat::Timer innerIdle(nullptr);
+                innerIdle.start(1000);
+                std::exit(7);
+            });
+            loop.run();
+        },
+        testing::ExitedWithCode(7), "inner gone,outer gone,$");
 }
 
 TEST(AppLoopDeathTest, AssertsItsRules) {
