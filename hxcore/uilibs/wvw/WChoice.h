@@ -1,7 +1,6 @@
 // A drop-down list.
 #pragma once
 
-#include "wvw/WBevelButton.h"
 #include "wvw/WEdit.h"
 #include "wvw/WMenu.h"
 
@@ -28,7 +27,7 @@ public:
     int getSelected() const; ///< the first key whose text is shown, -1 for none
     const char* getText() const { return edit.getText(); }
 
-    /// To the next item in key order, around the ends. Gives its key, -1 without items.
+    /// Shows the next item in key order, around the ends. Gives its key, -1 without items.
     int next(bool forward);
 
     WEdit& getEdit() { return edit; }
@@ -37,7 +36,6 @@ public:
     void drop(bool show);
 
     // Widget
-    void styleChanged() override;
     void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override;
     bool acceptsFocus() override { return isEnabled() && isVisible(); }
@@ -45,34 +43,44 @@ public:
     void detach() override;
     bool keyEvent(uint32_t keysym, bool down, Widget* origin) override;
     bool sizeChanged(Widget* origin) override;
-    bool activated(Widget* origin) override;
     bool valueChanged(Widget* origin) override;
     bool focusChanged(bool backward, Widget* origin) override;
     bool mouseMove(const rfb::Point& position, Widget* origin) override;
     bool mouseDown(int button, Widget* origin) override;
     bool mouseExit(Widget* origin) override;
+    const char* getTooltip() const override; ///< its own, else the text where it is cut short
 
 protected:
     // Widget
     bool ownKey(uint32_t keysym) override;
 
 private:
-    struct Item;
-    class ListMenu;
-    using Items = std::map<int, std::unique_ptr<Item>>;
+    using Items = std::map<int, std::unique_ptr<WMenuItem>>;
 
-    void menuHidden(WRootMenu*) override;
+    /// Hears of the items alone, whose other events are nobody's business.
+    struct ItemHandler : WInputHandler {
+        explicit ItemHandler(WChoice* owner_) : owner(owner_) {}
+        bool activated(Widget* origin) override;
+        WChoice* owner;
+    };
+
+    void menuHidden(WRootMenu*) override { repaint(); }
     void buildMenu();
     void choose(int key);
     bool findByLetter(uint32_t keysym);
     void showText(const char* text);
+    int arrowWidth() const;
+    rfb::Rect arrowRect() const;
+    rfb::Rect textRect() const;
+    void setHovered(bool on);
 
     bool editable;
     bool settingText = false; // the edit tells of a text that we give it
+    bool hovered = false;     // the arrow is under the pointer
+    ItemHandler itemHandler{this};
     Items items;
     WEdit edit;
-    WArrowButton arrow;
-    std::unique_ptr<ListMenu> menu; // made on first use
+    std::unique_ptr<WRootMenu> menu; // made on first use
 };
 
 } // namespace wvw

@@ -15,7 +15,6 @@ public:
     rfb::Point getPreferredSize() override;
     bool acceptsFocus() override { return isEnabled() && isVisible(); }
     bool focusChanged(bool backward, Widget* origin) override;
-    bool mouseDown(int button, Widget* origin) override; ///< the wheel steps
 
     // WSlider2D
     rfb::Rect thumbRect() const override;
@@ -25,9 +24,11 @@ protected:
     bool ownKey(uint32_t keysym) override;
 
 private:
-    bool stepBy(int amount);
+    int length() const; // of the axis
+    int thumbLength() const;
+    int across() const;             // where the thumb begins across the axis
+    int tickAt(int position) const; // along the axis
     rfb::Rect onAxis(int from, int to, int acrossFrom, int acrossTo) const;
-    int tickAt(int position) const;
 };
 
 } // namespace wvw

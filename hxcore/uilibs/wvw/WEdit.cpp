@@ -51,7 +51,9 @@ bool isWordByte(char c) {
 } // namespace
 
 WEdit::WEdit(WLayout* layout, int maxLengthBytes)
-    : Widget(layout), maxLength(std::max(0, maxLengthBytes)), pressTimer(this) {}
+    : Widget(layout), maxLength(std::max(0, maxLengthBytes)), pressTimer(this) {
+    setCursor(CursorShape::Text);
+}
 
 WEdit::~WEdit() {
     if (password)
@@ -79,6 +81,7 @@ void WEdit::setText(const char* newText, bool cursorToEnd) {
     cursor = cursorToEnd ? lengthOf(text) : 0;
     selection = 0;
     deadKeys.reset();
+    undoStack.clear();
     changed();
 }
 
@@ -87,6 +90,7 @@ void WEdit::setMaxLength(int bytes) {
     if (lengthOf(text) <= maxLength)
         return;
     cutTo(text, maxLength);
+    undoStack.clear();
     setSelection(std::min(cursor, lengthOf(text)), std::min(insertionPoint(), lengthOf(text)));
     repaint();
 }
@@ -94,6 +98,7 @@ void WEdit::setMaxLength(int bytes) {
 void WEdit::setSelection(int start, int end) {
     cursor = std::clamp(start, 0, lengthOf(text));
     selection = std::clamp(end, 0, lengthOf(text)) - cursor;
+    undoStack.endStep();
     keepCursorInside();
     repaint();
 }
@@ -115,6 +120,9 @@ bool WEdit::replaceSelection(const char* newText, uint32_t character) {
         return false;
     if (!self.alive())
         return true;
+    // A filter may have changed the text on its own; what it saw is what counts.
+    if (!password && wanted != text)
+        undoStack.note({text, cursor + std::max(0, selection)}, character != 0 && selection == 0);
     storeText(std::move(wanted));
     cursor = std::min(from + static_cast<int>(strlen(newText)), lengthOf(text));
     selection = 0;
@@ -124,6 +132,7 @@ bool WEdit::replaceSelection(const char* newText, uint32_t character) {
 
 void WEdit::setPassword(bool on) {
     password = on;
+    undoStack.clear();
     setSelection(cursor, insertionPoint());
 }
 
@@ -135,6 +144,11 @@ void WEdit::setPlaceholder(const char* hint) {
 void WEdit::setAlign(int newHAlign, int newVAlign) {
     hAlign = newHAlign;
     vAlign = newVAlign;
+    repaint();
+}
+
+void WEdit::setFrame(bool on) {
+    frame = on;
     repaint();
 }
 
@@ -202,7 +216,8 @@ bool WEdit::eraseByKey(uint32_t keysym) {
     if (keysym != key::Delete && keysym != key::BackSpace)
         return false;
     if (selection == 0) {
-        const int other = step(cursor, keysym == key::Delete);
+        const bool forward = keysym == key::Delete;
+        const int other = ctrlDown() && !password ? stepWord(cursor, forward) : step(cursor, forward);
         if (other == cursor)
             return true;
         const int before = cursor;
@@ -238,13 +253,67 @@ bool WEdit::typeKey(uint32_t keysym) {
 bool WEdit::ownKey(uint32_t keysym) {
     if (!isEnabled())
         return false;
-    if (moveByKey(keysym) || eraseByKey(keysym))
+    if (clipboardKey(keysym) || undoKey(keysym) || moveByKey(keysym) || eraseByKey(keysym))
         return true;
     if (ctrlDown() && (keysym == 'a' || keysym == 'A')) {
         selectAll();
         return true;
     }
+    if (contextMenu && (keysym == key::Menu || (keysym == key::F10 && shiftDown()))) {
+        showMenu({textOrigin().x + widthTo(insertionPoint()), getHeight()});
+        return true;
+    }
     return !ctrlDown() && !altDown() && typeKey(keysym);
+}
+
+bool WEdit::clipboardKey(uint32_t keysym) {
+    const bool ctrl = ctrlDown();
+    const bool shift = shiftDown();
+    if ((ctrl && (keysym == 'x' || keysym == 'X')) || (shift && !ctrl && keysym == key::Delete && selection != 0)) {
+        cut();
+    } else if (ctrl && keysym == key::Insert) {
+        if (!copy(this))
+            bell();
+    } else if (shift && keysym == key::Insert) {
+        if (!paste(this))
+            bell();
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void WEdit::cut() {
+    const WidgetWatch self(this);
+    if (selection == 0 || password || !copy(this)) {
+        bell();
+        return;
+    }
+    if (self.alive() && !replaceSelection("") && self.alive())
+        bell();
+}
+
+bool WEdit::undoKey(uint32_t keysym) {
+    const bool undo = keysym == 'z' || (keysym == 'Z' && !shiftDown());
+    const bool redo = keysym == 'y' || keysym == 'Y' || keysym == 'Z';
+    if (!ctrlDown() || altDown() || (!undo && !redo))
+        return false;
+    UndoStack::State state{text, insertionPoint()};
+    const bool found = undo ? undoStack.undo(state) : undoStack.redo(state);
+    const WidgetWatch self(this);
+    // An earlier text may be one that the filter takes no longer.
+    if (!found || (filter && !filter->accept(this, state.text.c_str(), 0))) {
+        if (self.alive())
+            bell();
+        return true;
+    }
+    if (!self.alive())
+        return true;
+    storeText(std::move(state.text));
+    cursor = std::clamp(state.cursor, 0, lengthOf(text));
+    selection = 0;
+    changed();
+    return true;
 }
 
 bool WEdit::copy(Widget* origin) {
@@ -259,10 +328,13 @@ bool WEdit::copy(Widget* origin) {
 bool WEdit::paste(Widget* origin) {
     if (origin != this || !parent || !isEnabled())
         return Widget::paste(origin);
-    const WidgetWatch self(this);
-    const plat::String pasted = parent->getCutText();
-    if (!self.alive() || pasted.isEmpty() || !plat::utf8::isValid(pasted.c_str()))
+    return insertPasted(parent->getCutText());
+}
+
+bool WEdit::insertPasted(const plat::String& pasted) {
+    if (pasted.isEmpty() || !plat::utf8::isValid(pasted.c_str()))
         return true;
+    const WidgetWatch self(this);
     std::string plain;
     for (const char* p = pasted.c_str(); *p; ++p) {
         if (static_cast<unsigned char>(*p) >= 32 && *p != 127)
@@ -294,6 +366,8 @@ bool WEdit::focusChanged(bool backward, Widget* origin) {
         deadKeys.reset();
         if (hasFocus() && isKeyDown(key::Tab))
             selectAll();
+        undoStack.endStep();
+        tellCaret();
         repaint();
     }
     return Widget::focusChanged(backward, origin);
@@ -314,6 +388,15 @@ bool WEdit::mouseMove(const Point& position, Widget* origin) {
 }
 
 bool WEdit::mouseDown(int button, Widget* origin) {
+    if (origin == this && button == 1 && isEnabled() && parent) {
+        takeFocus();
+        const WidgetWatch self(this);
+        const plat::String pasted = parent->getPrimaryText(); // first: our own selection may be what it is
+        if (!self.alive() || !parent)
+            return true;
+        place(positionAt(mousePos.x), /*extend=*/false);
+        return insertPasted(pasted);
+    }
     if (origin != this || button != 0 || !isEnabled() || !parent)
         return Widget::mouseDown(button, origin);
     const WidgetWatch self(this);
@@ -340,10 +423,14 @@ bool WEdit::mouseUp(int button, Widget* origin) {
     const bool used = Widget::mouseUp(button, origin);
     if (!self.alive() || origin != this || button != 2 || !contextMenu || !isEnabled() || !parent)
         return used;
+    showMenu(mousePos);
+    return true;
+}
+
+void WEdit::showMenu(const Point& position) {
     if (!menu)
         menu = std::make_unique<WEditMenu>(this, WEditMenu::Copy | WEditMenu::Paste | WEditMenu::SelectAll);
-    menu->show(this, mousePos);
-    return true;
+    menu->show(this, position);
 }
 
 std::string WEdit::shown() const {
@@ -391,6 +478,13 @@ void WEdit::keepCursorInside() {
     const int at = widthTo(insertionPoint());
     scroll = std::clamp(scroll, at - room, at);
     scroll = std::clamp(scroll, 0, std::max(0, whole - room));
+    tellCaret();
+}
+
+void WEdit::tellCaret() {
+    if (hasFocus())
+        parent->caretMoved(
+            this, Rect::xywh(textOrigin().x + widthTo(insertionPoint()), textOrigin().y, 1, getStyle().font->height));
 }
 
 bool WEdit::sizeChanged(Widget* origin) {
@@ -403,9 +497,11 @@ Point WEdit::getPreferredSize() { return {widthTo(lengthOf(text)) + 2 * padX, ge
 
 void WEdit::paint(rfb::FullFramePixelBuffer& pb) {
     const WStyle& look = getStyle();
-    fill(pb, getRect().expandBy(-1), isEnabled() ? look.contentBg : look.canvas);
-    drawBevel(pb, getRect(), /*sunken=*/true, /*thin=*/false);
-    if (hasFocus())
+    if (frame) {
+        fill(pb, getRect().expandBy(-1), isEnabled() ? look.contentBg : look.canvas);
+        drawBevel(pb, getRect(), /*sunken=*/true, /*thin=*/false);
+    }
+    if (frame && hasFocus())
         rfb::frameRect(pb, getRect().expandBy(-1), pixel(pb, themeColour("customBigBtnBg", look.selectionBg)));
     // The text may touch the frame, and nothing beyond.
     const Rect inner = getRect().expandBy(-2).intersect(pb.getRect());

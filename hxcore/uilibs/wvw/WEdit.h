@@ -2,6 +2,7 @@
 #pragma once
 
 #include "wvw/DeadKeyUtil.h"
+#include "wvw/UndoStack.h"
 #include "wvw/WEditMenu.h"
 #include "wvw/Widget.h"
 
@@ -10,6 +11,9 @@
 namespace wvw {
 
 /// One line of text that the user edits. Each change, also by setText, runs valueChanged(this).
+///
+/// Besides the keys that type, move and erase: Ctrl+A, C, X, V, Z, Y, their older forms with Insert and Delete, and the
+/// menu key. The middle button pastes what was selected last in any program.
 ///
 /// Positions are bytes, and always lie between characters. The text of a password field is wiped before it is freed.
 class WEdit : public Widget, public WEditMenu::Callback {
@@ -44,6 +48,7 @@ public:
     void setFocusable(bool on) { focusable = on; }
     void setContextMenu(bool on) { contextMenu = on; } ///< true at first
     void setAlign(int newHAlign, int newVAlign);       ///< 0 start, 1 centre, 2 end
+    void setFrame(bool on);                            ///< true at first; without, the text alone is painted
 
     // Widget
     void paint(rfb::FullFramePixelBuffer& pb) override;
@@ -71,6 +76,11 @@ private:
     void place(int position, bool extend);
     bool moveByKey(uint32_t keysym);
     bool eraseByKey(uint32_t keysym);
+    bool clipboardKey(uint32_t keysym);
+    bool undoKey(uint32_t keysym);
+    void cut();
+    bool insertPasted(const plat::String& pasted);
+    void showMenu(const rfb::Point& position);
     bool typeKey(uint32_t keysym);
     int step(int position, bool forward) const;
     int stepWord(int position, bool forward) const;
@@ -82,6 +92,7 @@ private:
     void keepCursorInside();
     rfb::Rect textArea() const;
     rfb::Point textOrigin() const;
+    void tellCaret();
     void paintText(rfb::FullFramePixelBuffer& pb);
 
     std::string text;
@@ -95,6 +106,8 @@ private:
     bool focusable = true;
     bool dragging = false;
     bool contextMenu = true;
+    bool frame = true;
+    UndoStack undoStack; // of the user's changes; not for passwords
     Filter* filter = nullptr;
     int hAlign = 0;
     int vAlign = 1;

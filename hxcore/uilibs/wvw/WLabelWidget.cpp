@@ -46,6 +46,11 @@ void WLabelWidget::setGap(int px) {
     place();
 }
 
+void WLabelWidget::setLabelWidth(int px) {
+    labelWidth = px;
+    place();
+}
+
 void WLabelWidget::setVAlign(unsigned align) {
     if (align > 2) {
         log.error("Unexpected vertical alignment: %u", align);
@@ -57,15 +62,25 @@ void WLabelWidget::setVAlign(unsigned align) {
 
 Point WLabelWidget::controlSize() const { return control ? control->getPreferredSize() : Point(); }
 
+Point WLabelWidget::labelSize() {
+    Point text = label.getPreferredSize();
+    if (labelFirst && labelWidth > 0) {
+        text.x = labelWidth;
+        text.y = label.getPreferredHeight(labelWidth);
+    }
+    return text;
+}
+
 Point WLabelWidget::getPreferredSize() {
-    const Point text = label.getPreferredSize();
+    const Point text = labelSize();
     const Point box = controlSize();
     return {text.x + (text.x > 0 ? gap : 0) + box.x, std::max(text.y, box.y)};
 }
 
 int WLabelWidget::getPreferredHeight(int width) {
     const Point box = controlSize();
-    return std::max(box.y, label.getPreferredHeight(std::max(1, width - box.x - gap)));
+    const int textHeight = labelFirst ? labelSize().y : label.getPreferredHeight(std::max(1, width - box.x - gap));
+    return std::max(box.y, textHeight);
 }
 
 bool WLabelWidget::sizeChanged(Widget* origin) {
@@ -81,15 +96,21 @@ void WLabelWidget::place() {
         return;
     // Where one of the two takes the spare room, it is the label of a check and the control behind a label.
     const Point box = controlSize();
-    const Point natural = label.getPreferredSize();
-    const int spare = std::max(0, getWidth() - gap - (labelFirst ? natural.x : box.x));
+    const Point natural = labelSize();
+    const int space = labelFirst && natural.x == 0 ? 0 : gap;
+    const int spare = std::max(0, getWidth() - space - (labelFirst ? natural.x : box.x));
     const int textWidth = labelFirst ? natural.x : spare;
     const int boxWidth = labelFirst ? spare : box.x;
     const int textHeight = label.getPreferredHeight(std::max(1, textWidth));
     const int textLeft = labelFirst ? 0 : box.x + gap;
-    const int boxLeft = labelFirst ? textWidth + gap : 0;
+    const int boxLeft = labelFirst ? textWidth + space : 0;
     setChildRect(&label, Rect::xywh(textLeft, offset(textHeight), textWidth, textHeight));
     setChildRect(control, Rect::xywh(boxLeft, offset(box.y), boxWidth, box.y));
+}
+
+bool WLabelWidget::isHotKey(uint32_t keysym) {
+    const uint32_t key = label.getMnemonic();
+    return key && foldKeysym(keysym) == key && altDown() && control && control->acceptsFocus() && isEnabled();
 }
 
 WLabelCheckBox::WLabelCheckBox(WLayout* layout, const char* markedText, const char* imageName)
@@ -155,12 +176,12 @@ bool WLabelCheckBox::mouseExit(Widget* origin) {
 }
 
 bool WLabelCheckBoxHK::hotKey(uint32_t keysym) {
-    WCheckBox& box = getCheck();
-    const uint32_t key = getLabel().getMnemonic();
-    if (!key || foldKeysym(keysym) != key || !altDown() || !box.acceptsFocus() || !isEnabled())
+    if (!isHotKey(keysym))
         return false;
-    box.takeFocus();
-    box.press();
+    const WidgetWatch self(this);
+    getCheck().takeFocus();
+    if (self.alive())
+        getCheck().press();
     return true;
 }
 

@@ -15,6 +15,7 @@ public:
     WLabelWithMnemonic& getLabel() { return label; }
     void setText(const char* markedText);
     void setGap(int px);            ///< between label and control, 4 at first
+    void setLabelWidth(int px);     ///< of a label on the left, so that the controls of a form line up; 0: its own
     void setVAlign(unsigned align); ///< 0 top, 1 middle (at first), 2 bottom; any other is logged and counts as top
 
     // Widget
@@ -25,17 +26,20 @@ public:
 
 protected:
     void setControl(Widget* newControl); ///< borrowed
+    bool isHotKey(uint32_t keysym);      ///< Alt and the mnemonic of the label, while the control can have the focus
     rfb::Rect labelRect() const { return getChildRect(&label); }
     void place();
 
 private:
     int offset(int height) const;
     rfb::Point controlSize() const;
+    rfb::Point labelSize();
 
     WLabelWithMnemonic label;
     Widget* control = nullptr;
     bool labelFirst;
     int gap = 4;
+    int labelWidth = 0;
     unsigned vAlign = 1;
 };
 

@@ -8,17 +8,19 @@
 #include "rfb/keySymbols.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace wvw {
 namespace {
 constexpr int spacing = 4; // pixels, around the items and between columns
+constexpr int dragPx = 4;  // a held button that moved less meant to open the menu, not to choose
 } // namespace
 
 using rfb::Point;
 using rfb::Rect;
 
-WMenu::WMenu() = default;
+WMenu::WMenu() : WLayout(nullptr, /*routeMouse=*/false) {}
 
 WMenu::~WMenu() {
     hide();
@@ -96,6 +98,11 @@ void WMenu::moveSelection(bool down) {
     }
 }
 
+void WMenu::selectEnd(bool last) {
+    selectItem(nullptr);
+    moveSelection(/*down=*/!last);
+}
+
 WMenu* WMenu::topMenu() {
     WMenu* top = this;
     while (top->parentMenu)
@@ -107,6 +114,7 @@ void WMenu::hideAll() { topMenu()->hide(); }
 
 void WMenu::showAt(WRoot* onRoot, const Point& position, bool grab) {
     shownRoot = onRoot;
+    hoverSeen = dragSeen = false;
     layoutItems();
     setSize(laidOut);
     onRoot->showPopup(this, /*show=*/true, grab, position);
@@ -159,7 +167,8 @@ void WMenu::openSubmenu(WMenuItem* item, bool byKey) {
     const int right = place.br.x;
     const int x = right + wanted.x > screen.x ? std::max(0, corner.x - wanted.x) : right;
     const int y = std::max(0, std::min(place.tl.y - spacing, screen.y - wanted.y));
-    sub->showAt(shownRoot, {x, y}, /*grab=*/false);
+    // It takes the pointer over: what grabs gets the presses that happen in it.
+    sub->showAt(shownRoot, {x, y}, /*grab=*/true);
     if (byKey)
         sub->moveSelection(/*down=*/true);
 }
@@ -223,7 +232,7 @@ void WMenu::paint(rfb::FullFramePixelBuffer& pb) {
 }
 
 bool WMenu::handleKey(uint32_t keysym, bool down) {
-    // The grab is with the menu at the top; the deepest one that is open is meant.
+    // Whoever gets the key, the deepest menu that is open is meant.
     WMenu* deepest = this;
     while (deepest->openMenu)
         deepest = deepest->openMenu;
@@ -236,8 +245,13 @@ bool WMenu::navigate(uint32_t keysym) {
         hideAll();
         return true;
     case rfb::key::Return:
+    case rfb::key::Space:
         if (selected)
             selected->press();
+        return true;
+    case rfb::key::Home:
+    case rfb::key::End:
+        selectEnd(keysym == rfb::key::End);
         return true;
     case rfb::key::Up:
     case rfb::key::Down:
@@ -268,14 +282,44 @@ bool WMenu::activateByLetter(uint32_t letter) {
     return true;
 }
 
+WMenuItem* WMenu::itemUnder(const Point& position) const {
+    const auto i = std::find_if(items.begin(), items.end(), [&](WMenuItem* item) {
+        return item->canSelect() && getChildRect(item).contains(position);
+    });
+    return i == items.end() ? nullptr : *i;
+}
+
+void WMenu::mouseEvent(const Point& position, int mask) {
+    if (mask && !dragSeen)
+        dragStart = position;
+    dragSeen = dragSeen || mask;
+    hoverSeen = hoverSeen || !mask;
+    WLayout::mouseEvent(position, mask);
+}
+
 bool WMenu::mouseMove(const Point& position, Widget* origin) {
-    auto* item = dynamic_cast<WMenuItem*>(origin);
-    if (item && item->menu == this && item->canSelect() && item->getRect().contains(position) && item != selected) {
+    WMenuItem* item = origin == this ? itemUnder(position) : nullptr;
+    if (item && item != selected) {
         if (openMenu && openMenu != item->getSubmenu())
             closeSubmenu();
         openSubmenu(item, /*byKey=*/false);
     }
     return WLayout::mouseMove(position, origin);
+}
+
+bool WMenu::mouseUp(int button, Widget* origin) {
+    const WidgetWatch self(this);
+    const bool used = WLayout::mouseUp(button, origin);
+    if (!self.alive() || origin != this || button > 2 || !isShown())
+        return used;
+    const Point way = mousePos - dragStart;
+    const bool meant = hoverSeen || std::abs(way.x) >= dragPx || std::abs(way.y) >= dragPx;
+    WMenuItem* item = itemUnder(mousePos);
+    if (!item || !meant)
+        return used;
+    selectItem(item);
+    item->press();
+    return true;
 }
 
 bool WMenu::mouseExit(Widget* origin) {

@@ -59,6 +59,9 @@ private:
 };
 
 /// An ordered list of items, in columns when it would be too high. It does not own them.
+///
+/// A click chooses an item, and so does a button that was held on the way into the menu when it is let go there. Keys:
+/// arrows, Home, End, Enter, Space, Escape, and the letters of the items.
 class WMenu : public WLayout {
 public:
     WMenu();
@@ -74,6 +77,7 @@ public:
     void selectItem(WMenuItem* item); ///< null for none
     WMenuItem* getSelected() const { return selected; }
     void moveSelection(bool down); ///< wraps; skips what can't be selected
+    void selectEnd(bool last);     ///< the first or last item that can be selected
 
     bool isShown() const { return shownRoot != nullptr; }
     void hideAll(); ///< this menu, its submenus and all menus that led here
@@ -84,7 +88,9 @@ public:
     bool handleKey(uint32_t keysym, bool down) override;
     void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override;
+    void mouseEvent(const rfb::Point& position, int mask) override;
     bool mouseMove(const rfb::Point& position, Widget* origin) override;
+    bool mouseUp(int button, Widget* origin) override;
     bool mouseExit(Widget* origin) override;
 
 protected:
@@ -106,6 +112,7 @@ private:
     int layoutColumns(int width); // gives their number
     bool activateByLetter(uint32_t letter);
     bool navigate(uint32_t keysym);
+    WMenuItem* itemUnder(const rfb::Point& position) const;
 
     std::vector<WMenuItem*> items;
     WMenuItem* selected = nullptr;
@@ -116,6 +123,9 @@ private:
     int maxHeight = 0;
     rfb::Point laidOut{0, 0};
     bool hasColumn = false; // for checks, images and marks
+    bool hoverSeen = false; // the pointer was here with no button held
+    bool dragSeen = false;  // or came with one
+    rfb::Point dragStart;   // where that was first seen
 };
 
 /// A menu at the top: a popup with a grab.

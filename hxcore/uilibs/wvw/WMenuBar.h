@@ -2,6 +2,7 @@
 #pragma once
 
 #include "wvw/WMenu.h"
+#include "wvw/WidgetWatch.h"
 
 namespace wvw {
 
@@ -25,20 +26,23 @@ public:
         // Widget
         void paint(rfb::FullFramePixelBuffer& pb) override;
         rfb::Point getPreferredSize() override;
+        bool acceptsFocus() override; ///< only while the keyboard is in the bar
         bool sizeChanged(Widget* origin) override;
+        void setEnabled(bool on) override;
+        void detach() override;
         bool mouseMove(const rfb::Point& position, Widget* origin) override;
         bool mouseDown(int button, Widget* origin) override;
 
     protected:
         // WButton
         bool ownKey(uint32_t keysym) override;
-        void pressedByUser() override;
 
     private:
         friend class WMenuBar;
         class Popup;
 
         void menuHidden(WRootMenu*) override;
+        void updateLook();
 
         WMenuBar* bar = nullptr;
         WLabelWithMnemonic label;
@@ -60,12 +64,16 @@ public:
     void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override;
     bool sizeChanged(Widget* origin) override;
+    bool focusChanged(bool backward, Widget* origin) override;
 
 private:
     void arrange();
     void go(Menu* from, bool forward, bool openIt);
+    void enter(Menu* menu);
+    void leaveByKey();
 
     std::vector<Menu*> menus;
+    std::unique_ptr<WidgetWatch> cameFrom; // who had the focus before the bar; null while the keyboard is elsewhere
 };
 
 } // namespace wvw

@@ -1,5 +1,7 @@
 #include "wvw/WSlider.h"
 
+#include "wvw/WidgetWatch.h"
+
 #include "rfb/PixelBuffer.h"
 
 #include <algorithm>
@@ -101,14 +103,16 @@ bool WSlider2D::dragTo(const Point& corner) {
 }
 
 bool WSlider2D::mouseDown(int button, Widget* origin) {
-    if (origin != this || button != 0 || !isEnabled())
-        return Widget::mouseDown(button, origin);
+    const WidgetWatch self(this);
+    const bool used = Widget::mouseDown(button, origin);
+    if (!self.alive() || origin != this || button != 0 || !isEnabled())
+        return used;
     const Rect thumb = thumbRect();
     if (thumb.contains(mousePos)) {
         dragging = true;
         grip = mousePos - thumb.tl;
         repaint();
-        return Widget::mouseDown(button, origin);
+        return used;
     }
     const auto towards = [](int at, int low, int high) { return at < low ? -1 : at >= high ? 1 : 0; };
     change(value + Point(towards(mousePos.x, thumb.tl.x, thumb.br.x) * step.x,

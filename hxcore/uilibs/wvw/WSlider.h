@@ -35,9 +35,12 @@ public:
     /// The length of the thumb on an axis of `length` pixels: at least 8, at most `length`.
     static int thumbLength(int length, int range, int step);
 
+protected:
+    bool change(const rfb::Point& newValue); ///< by the user
+    bool isHovered() const { return hovered; }
+
 private:
-    bool change(const rfb::Point& newValue); // by the user
-    bool dragTo(const rfb::Point& corner);   // of the thumb
+    bool dragTo(const rfb::Point& corner); // of the thumb
     void setHovered(bool on);
 
     rfb::Point range{0, 0};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "wvw/WBevelButton.h"
+#include "wvw/WLabelWithMnemonic.h"
 
 #include <memory>
 #include <vector>
@@ -97,6 +98,10 @@ public:
 private:
     void arrange();
     void placeTabs();
+    void revealTab(int index);
+    int tabRoom() const; // for the tabs alone
+    int buttonWidth() const;
+    int tabWidths(int from, int to) const;
     int indexOf(const Widget* tab) const;
 
     Callback* callback;
