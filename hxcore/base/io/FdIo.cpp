@@ -176,6 +176,13 @@ void FdIo::setTimeout(int ms) {
     out->setTimeout(ms);
 }
 
+void FdIo::setDeadline(int ms) {
+    if (!in)
+        return;
+    in->setDeadline(ms);
+    out->setDeadline(ms);
+}
+
 void FdIo::fdReadable() {
     if (!handler || shutdownState == State::ShuttingDown)
         return;

@@ -44,6 +44,7 @@ public:
     bool isConnecting() const override { return connecting; }
     plat::String getName() const override;
     void setTimeout(int ms) override;
+    void setDeadline(int ms) override;
 
 protected:
     // io::FdHandler

@@ -46,6 +46,9 @@ public:
     /// The longest wait of a blocking read or write, in milliseconds; -1 for no limit.
     virtual void setTimeout(int ms) = 0;
 
+    /// The end, in milliseconds from now, of all blocking reads and writes; -1 for none. By default there is none.
+    virtual void setDeadline(int /*ms*/) {}
+
     virtual ~Io() = default;
 
     rdr::InStream* inStream() const { return inStream_; }    ///< null until the Io is on a descriptor

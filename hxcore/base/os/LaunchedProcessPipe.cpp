@@ -5,7 +5,8 @@
 #include "os/UnixIo.h"
 #include "os/launchArgs.h"
 #include "plat/Exception.h"
-#include "rdr/FdInStream.h"
+#include "plat/waitForFd.h"
+#include "rdr/exceptions.h"
 
 #include <cerrno>
 #include <cstring>
@@ -59,11 +60,25 @@ plat::String utcStamp() {
     return text;
 }
 
+// Not by a stream: bytes behind these are the link's.
+void readSecret(int fd, plat::MBuf<uint8_t>& secret) {
+    for (int have = 0; have < secret.size();) {
+        if (!plat::waitForFd(fd, secretTimeoutMs, /*read=*/true, /*write=*/false))
+            throw plat::TimedOut();
+        const ssize_t count = read(fd, secret.data() + have, static_cast<size_t>(secret.size() - have));
+        if (count == 0)
+            throw rdr::EndOfStream();
+        if (count > 0)
+            have += static_cast<int>(count);
+        else if (errno != EINTR)
+            throw plat::StdlibException("read");
+    }
+}
+
 // Whoever answers at the name must know what the hash on our command line was made of.
 void checkSecret(int fd, const plat::MBuf<uint8_t>& expected) {
-    rdr::FdInStream in(fd, secretTimeoutMs, secretBytes, /*secure=*/true); // no byte more: those are the link's
     plat::MBuf<uint8_t> secret(secretBytes, /*secure=*/true);
-    in.readBytes(secret.data(), static_cast<size_t>(secret.size()));
+    readSecret(fd, secret);
     uint8_t hash[sha256Bits / 8];
     crypto::sha(sha256Bits, secret.data(), static_cast<size_t>(secret.size()), hash, sizeof hash);
     if (expected.size() != static_cast<int>(sizeof hash) || !plat::secureCompare(expected.data(), hash, sizeof hash))

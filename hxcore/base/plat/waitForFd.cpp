@@ -1,9 +1,11 @@
 #include "plat/waitForFd.h"
 
 #include "plat/Exception.h"
+#include "plat/monoTime.h"
 
 #include <sys/select.h>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace plat {
@@ -27,6 +29,17 @@ bool waitForFd(int fd, int timeoutMs, bool read, bool write) {
         if (errno != EINTR)
             throw SystemException("select", errno);
     }
+}
+
+void WaitLimit::setDeadline(int ms) { deadline = ms < 0 ? 0 : monoTicks() + ms * ticksPerMs; }
+
+bool WaitLimit::hasPassed() const { return deadline != 0 && monoTicks() >= deadline; }
+
+int WaitLimit::nextMs() const {
+    if (deadline == 0)
+        return timeoutMs;
+    const int64_t leftMs = std::max<int64_t>((deadline - monoTicks() + ticksPerMs - 1) / ticksPerMs, 0);
+    return timeoutMs < 0 ? static_cast<int>(leftMs) : static_cast<int>(std::min<int64_t>(timeoutMs, leftMs));
 }
 
 } // namespace plat

@@ -1,7 +1,6 @@
 #include "rdr/FdInStream.h"
 
 #include "plat/Exception.h"
-#include "plat/waitForFd.h"
 #include "rdr/exceptions.h"
 
 #include <cerrno>
@@ -10,10 +9,10 @@
 namespace rdr {
 
 FdInStream::FdInStream(int fd_, int timeout, int size, bool isSecure)
-    : BufferedNonBlockableInStream(size, isSecure), fd(fd_), timeoutMs(timeout) {}
+    : BufferedNonBlockableInStream(size, isSecure), fd(fd_), limit(timeout) {}
 
 size_t FdInStream::readData(void* buf, size_t len) {
-    if (timedOut)
+    if (timedOut || (!nonBlocking && limit.hasPassed()))
         throw plat::TimedOut();
     for (;;) {
         const ssize_t count = ::read(fd, buf, len);
@@ -28,7 +27,7 @@ size_t FdInStream::readData(void* buf, size_t len) {
             throw plat::SystemException("read", errNo);
         if (nonBlocking)
             return 0;
-        if (!plat::waitForFd(fd, timeoutMs, /*read=*/true, /*write=*/false))
+        if (!plat::waitForFd(fd, limit.nextMs(), /*read=*/true, /*write=*/false))
             throw plat::TimedOut();
     }
 }

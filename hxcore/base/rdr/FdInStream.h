@@ -1,6 +1,7 @@
 // Reading a file descriptor.
 #pragma once
 
+#include "plat/waitForFd.h"
 #include "rdr/BufferedInStream.h"
 
 namespace rdr {
@@ -14,7 +15,8 @@ public:
 
     int getFd() const { return fd; }
     void attachFd(int newFd) { fd = newFd; } ///< for a stream that was built with fd -1
-    void setTimeout(int ms) { timeoutMs = ms; }
+    void setTimeout(int ms) { limit.setTimeout(ms); }
+    void setDeadline(int ms) { limit.setDeadline(ms); } ///< from now, of all blocking reads; -1: none
     /// Makes each further read throw plat::TimedOut: the peer has been given up.
     void setTimedOut(bool on) { timedOut = on; }
     bool isTimedOut() const { return timedOut; }
@@ -24,7 +26,7 @@ protected:
 
 private:
     int fd;
-    int timeoutMs;
+    plat::WaitLimit limit;
     bool timedOut = false;
 };
 

@@ -3,7 +3,6 @@
 #include "plat/Assert.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
-#include "plat/waitForFd.h"
 
 #include <cerrno>
 #include <sys/socket.h>
@@ -73,7 +72,7 @@ size_t FdOutStream::writeData(const void* buf, size_t len, bool needWrite) {
             return 0;
         }
         ASSERT(doesThrowErrors());
-        if (!plat::waitForFd(fd, timeoutMs, /*read=*/false, /*write=*/true))
+        if (!plat::waitForFd(fd, limit.nextMs(), /*read=*/false, /*write=*/true))
             throw plat::TimedOut();
     }
 }

@@ -1,6 +1,7 @@
 // Writing to a file descriptor.
 #pragma once
 
+#include "plat/waitForFd.h"
 #include "rdr/BufferedOutStream.h"
 
 #include <sys/types.h>
@@ -25,7 +26,8 @@ public:
 
     int getFd() const { return fd; }
     void attachFd(int newFd) { fd = newFd; } ///< for a stream that was built with fd -1
-    void setTimeout(int ms) { timeoutMs = ms; }
+    void setTimeout(int ms) { limit.setTimeout(ms); }
+    void setDeadline(int ms) { limit.setDeadline(ms); }       ///< from now, of all blocking writes; -1: none
     void setCallback(Callback* target) { callback = target; } ///< borrowed, may be null
 
     // OutStream
@@ -42,7 +44,7 @@ private:
     int fd;
     bool ownFd;
     bool isSocket = true; // until it turns out not to be one
-    int timeoutMs = 30000;
+    plat::WaitLimit limit{30000};
     Callback* callback;
 };
 

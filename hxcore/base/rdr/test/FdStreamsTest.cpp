@@ -97,6 +97,26 @@ TEST_F(Pair, ABlockingReadTimesOut) {
     EXPECT_THROW(in.readU8(), plat::TimedOut); // given up, whatever comes
 }
 
+// Each byte comes in time, but all of them don't.
+TEST_F(Pair, ADeadlineIsForAllReadsTogether) {
+    const pid_t dripping = fork();
+    if (dripping == 0) {
+        for (int i = 0; i < 5000; ++i) {
+            if (::write(fds[0], "abc", 3) < 0 && errno != EAGAIN)
+                break;
+            ::usleep(1000);
+        }
+        ::_exit(0);
+    }
+    rdr::FdInStream in(fds[1], /*timeoutMs=*/1000);
+    in.setDeadline(30);
+    EXPECT_THROW(in.skip(1000000), plat::TimedOut);
+    in.setDeadline(-1);
+    in.skip(10);
+    ::kill(dripping, SIGKILL);
+    ::waitpid(dripping, nullptr, 0);
+}
+
 TEST(FdInStream, AnErrorTellsItsNumber) {
     rdr::FdInStream in(-1);
     try {
