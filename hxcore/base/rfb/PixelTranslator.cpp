@@ -3,6 +3,7 @@
 #include "plat/Assert.h"
 #include "rfb/ColourMap.h"
 #include "rfb/pixelAccess.h"
+#include "rfb/pixelRows.h"
 
 #include <array>
 #include <vector>
@@ -135,6 +136,18 @@ private:
     int outBytes;
 };
 
+/// From the pixels of buffers to those of a 16-bit screen.
+class Rgb888To565 : public PixelTranslator {
+public:
+    void translate(const uint8_t* in, int inStride, uint8_t* out, int outStride, Point size) const override {
+        for (int y = 0; y < size.y; ++y) {
+            pixelRows().to565(out, in, size.x);
+            in += static_cast<std::ptrdiff_t>(inStride) * 4;
+            out += static_cast<std::ptrdiff_t>(outStride) * 2;
+        }
+    }
+};
+
 bool wholeBytes(const PixelFormat& pf) {
     return pf.trueColour && (pf.bpp == 32 || pf.bpp == 24) && pf.isByteAligned() && pf.redMax == 255 &&
            pf.greenMax == 255 && pf.blueMax == 255 && (pf.alphaMax == 255 || pf.alphaMax == 0) && pf.isValid();
@@ -239,6 +252,8 @@ std::unique_ptr<PixelTranslator> PixelTranslator::make(const PixelFormat& inPF, 
         return nullptr;
     if (wholeBytes(inPF) && wholeBytes(pf))
         return makeByteMover(inPF, pf);
+    if ((inPF.equal(pfRGB888()) || inPF.equal(pfARGB8888())) && pf.equal(pfRGB565()))
+        return std::make_unique<Rgb888To565>();
     if (!inPF.trueColour || inPF.bpp == 8 || (inPF.bpp == 16 && !channelTables16))
         return makeOneTable(inPF, inMap, pf, outMap);
     auto tables = std::make_unique<ChannelTables>(inPF, pf.bytesPerPixel());

@@ -2,6 +2,7 @@
 
 #include "rfb/PixelBuffer.h"
 #include "rfb/pixelAccess.h"
+#include "rfb/pixelRows.h"
 
 #include <cstring>
 
@@ -25,38 +26,6 @@ bool sameLayout(const PixelFormat& dst, const PixelFormat& src) {
 }
 
 uint32_t channel(uint32_t pixel, int shift) { return pixel >> shift & 255; }
-
-uint32_t blend(uint32_t s, uint32_t d, uint32_t keep) {
-    uint32_t result = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-        const uint32_t sum = channel(s, shift) + (channel(d, shift) * keep + 127) / 255;
-        result |= (sum > 255 ? 255 : sum) << shift;
-    }
-    return result;
-}
-
-/// overOp on a row of 0xaarrggbb over 0x??rrggbb. `opaque` is ORed to sources that have no alpha, `ink` keeps what
-/// the destination stores.
-void overRow(uint8_t* dst, const uint8_t* src, int width, uint32_t opaque, uint32_t ink) {
-    for (int x = 0; x < width; ++x, dst += 4, src += 4) {
-        const uint32_t s = loadPixel<4>(src) | opaque;
-        const uint32_t a = s >> 24;
-        if (a == 255)
-            storePixel<4>(dst, s & ink);
-        else if (s != 0)
-            storePixel<4>(dst, blend(s, loadPixel<4>(dst), 255 - a) & ink);
-    }
-}
-
-/// premultiplyOp on a row of 0xaarrggbb.
-void premultiplyRow(uint8_t* dst, const uint8_t* src, int width) {
-    for (int x = 0; x < width; ++x, dst += 4, src += 4) {
-        const uint32_t s = loadPixel<4>(src);
-        const uint32_t a = s >> 24;
-        const auto scaled = [&](int shift) { return (channel(s, shift) * a + 127) / 255 << shift; };
-        storePixel<4>(dst, a == 255 ? s : (a << 24 | scaled(16) | scaled(8) | scaled(0)));
-    }
-}
 
 /// d = (s * c + d * (255 - s.a * c / 255) + 127) / 255, each channel.
 Colour throughMask(const Colour& s, const Colour& d, int c) {
@@ -132,14 +101,15 @@ void compose(WritablePixelBuffer& dst, Point position, const PixelBuffer& src, c
     const int dstBytes = dstPf.bytesPerPixel();
     const bool over = op == overOp && isArgbOrRgb(srcPf) && isArgbOrRgb(dstPf);
     const bool copy = op == copyOp && sameLayout(dstPf, srcPf);
+    const PixelRows& rows = pixelRows();
     const bool premultiply = op == premultiplyOp && dstPf.equal(pfARGB8888()) && srcPf.equal(pfARGB8888());
     for (int y = 0; y < r.height(); ++y) {
         if (copy) {
             std::memmove(to, from, static_cast<size_t>(r.width()) * 4);
         } else if (premultiply) {
-            premultiplyRow(to, from, r.width());
+            rows.premultiply(to, from, r.width());
         } else if (over) {
-            overRow(to, from, r.width(), srcPf.alphaMax ? 0 : 0xff000000, dstPf.alphaMax ? 0xffffffff : 0x00ffffff);
+            rows.over(to, from, r.width(), srcPf.alphaMax ? 0 : 0xff000000, dstPf.alphaMax ? 0xffffffff : 0x00ffffff);
         } else {
             for (int x = 0; x < r.width(); ++x) {
                 const Colour s = colourFromPixel(srcPf, loadPixel(from + x * srcBytes, srcBytes), src.getColourMap());

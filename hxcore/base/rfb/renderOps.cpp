@@ -4,6 +4,7 @@
 #include "rfb/PixelBuffer.h"
 #include "rfb/Region.h"
 #include "rfb/pixelAccess.h"
+#include "rfb/pixelRows.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -17,6 +18,8 @@ template <int bytes>
 void fillRow(uint8_t* row, int width, uint32_t pixel) {
     if constexpr (bytes == 1) {
         std::memset(row, static_cast<int>(pixel & 255), static_cast<size_t>(width));
+    } else if constexpr (bytes == 4) {
+        pixelRows().fill(row, width, pixel);
     } else {
         for (uint8_t* end = row + width * bytes; row != end; row += bytes)
             storePixel<bytes>(row, pixel);
@@ -241,7 +244,16 @@ void monoBlit(WritablePixelBuffer& pb, const Rect& rect, uint32_t pixel, const u
     uint8_t* row = pb.getPixelsRW(r, &stride);
     const uint8_t* mask = bits + static_cast<std::ptrdiff_t>(r.tl.y - rect.tl.y) * strideBytes;
     const int first = firstBit + r.tl.x - rect.tl.x;
+    const int columns = (r.width() + 7) / 8;
     withPixelSize(pb.getPf().bytesPerPixel(), [&]<int bytes>() {
+        if (bytes == 4 && first % 8 == 0 && r.tl.x + columns * 8 <= pb.getRect().br.x) { // whole eights are ours
+            for (int i = 0; i < columns; ++i) {
+                const int last = std::min(8, r.width() - i * 8);
+                pixelRows().mono(row + i * 32, static_cast<std::ptrdiff_t>(stride) * bytes, mask + first / 8 + i,
+                                 strideBytes, r.height(), static_cast<uint8_t>(0xff00 >> last), pixel);
+            }
+            return;
+        }
         for (int y = r.tl.y; y < r.br.y; ++y) {
             forEachBit(mask, first, r.width(), [&](int x) { storePixel<bytes>(row + x * bytes, pixel); });
             row += static_cast<std::ptrdiff_t>(stride) * bytes;

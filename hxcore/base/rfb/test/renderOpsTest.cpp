@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -180,6 +181,22 @@ TEST(MonoBlit, SetsWhatTheMaskSetsWithinTheClip) {
     Picture shifted(4, 1, rfb::pfRGB565());
     rfb::monoBlit(shifted.pb, Rect(0, 0, 4, 1), '#', bits, 2, /*firstBit=*/7);
     EXPECT_EQ(shifted.lines(), (Lines{".##."}));
+}
+
+// Wherever a glyph is cut, pixels of 32 bits, which go by eights, are those of 16 bits, which go one by one.
+TEST(MonoBlit, PathsAgreeWhereverTheMaskIsCut) {
+    const uint8_t bits[] = {0b10110011, 0b11111111, 0b01001101, 0b11111111}; // 11 columns; what lies behind is noise
+    for (int x = -12; x <= 20; ++x)
+        for (int y = -2; y <= 3; ++y) {
+            rfb::ManagedPixelBuffer wide(rfb::pfRGB888(), 20, 3), narrow(rfb::pfRGB565(), 20, 3);
+            rfb::monoBlit(wide, Rect::xywh(x, y, 11, 2), 1, bits, 2);
+            rfb::monoBlit(narrow, Rect::xywh(x, y, 11, 2), 1, bits, 2);
+            uint32_t wides[60];
+            uint16_t narrows[60];
+            wide.getImage(wides, wide.getRect());
+            narrow.getImage(narrows, narrow.getRect());
+            EXPECT_TRUE(std::equal(wides, wides + 60, narrows)) << x << "," << y;
+        }
 }
 
 TEST(MaskedCopy, CopiesWhatTheMaskSets) {
