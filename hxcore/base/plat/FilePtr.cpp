@@ -63,7 +63,7 @@ void FilePtr::open(const char* name, int mode, int flags) {
     const mode_t permissions = flags & FilePrivate ? 0600 : 0664;
     int fd = -1;
     try {
-        const auto opener = flags & FileOwn ? fileOpenOwnFd : fileOpenFd;
+        const auto opener = flags & FileOwn ? fileOpenOwnFd : flags & FileRegular ? fileOpenRegularFd : fileOpenFd;
         fd = opener(path.c_str(), openFlags(mode, flags), permissions);
     } catch (const SystemException& e) {
         if (e.errNo == ENOENT && (flags & FileOptional))

@@ -17,6 +17,7 @@ enum FileFlag : int {
     FilePrivate = 16,  ///< a new file gets mode 0600 instead of 0664 under the umask
     FileOptional = 32, ///< a missing file is no error: nothing is open then
     FileOwn = 64,      ///< only a regular file of ours or root's, not through a link (fileOpenOwnFd)
+    FileRegular = 128, ///< only a regular file (fileOpenRegularFd)
 };
 
 /// Owns a FILE, opened close-on-exec. The name "-" means stdin or stdout, which stay open.

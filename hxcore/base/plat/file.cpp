@@ -48,16 +48,29 @@ timespec timespecOf(Time time) {
     return {seconds, static_cast<long>((time - Time::fromUnix(seconds)) * 100)};
 }
 
-// 0, or the error for a file that isn't one of ours, or can't be made what `flags` ask for.
-int makeReady(int fd, int flags) {
+// 0, or the error for what is no regular file, or with `own` not one of ours, or can't be made what `flags` ask for.
+int makeReady(int fd, int flags, bool own) {
     struct stat info;
     if (fstat(fd, &info) != 0)
         return errno;
-    if (!S_ISREG(info.st_mode) || (info.st_uid != geteuid() && info.st_uid != 0))
+    if (S_ISDIR(info.st_mode) && !own)
+        return EISDIR;
+    if (!S_ISREG(info.st_mode) || (own && info.st_uid != geteuid() && info.st_uid != 0))
         return EPERM;
     if ((flags & O_TRUNC) && retried([&] { return ftruncate(fd, 0); }) != 0)
         return errno;
     return fcntl(fd, F_SETFL, flags & (O_APPEND | O_NONBLOCK)) == 0 ? 0 : errno;
+}
+
+int openRegular(const char* path, int flags, mode_t mode, bool own) {
+    // O_TRUNC waits until we know what the file is.
+    const int follow = own ? O_NOFOLLOW : 0;
+    const int fd = fileOpenFd(path, (flags & ~O_TRUNC) | follow | O_NONBLOCK | O_NOCTTY, mode);
+    if (const int error = makeReady(fd, flags, own)) {
+        close(fd);
+        throw SystemExceptionFmt(error, "fileOpenFd(%s)", path);
+    }
+    return fd;
 }
 
 // A link that leads nowhere takes the name as well.
@@ -111,15 +124,11 @@ int fileOpenFd(const char* path, int flags, mode_t mode) {
     return fd;
 }
 
-int fileOpenOwnFd(const char* path, int flags, mode_t mode) {
-    // O_TRUNC waits until we know that the file is ours.
-    const int fd = fileOpenFd(path, (flags & ~O_TRUNC) | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, mode);
-    if (const int error = makeReady(fd, flags)) {
-        close(fd);
-        throw SystemExceptionFmt(error, "fileOpenFd(%s)", path);
-    }
-    return fd;
+int fileOpenRegularFd(const char* path, int flags, mode_t mode) {
+    return openRegular(path, flags, mode, /*own=*/false);
 }
+
+int fileOpenOwnFd(const char* path, int flags, mode_t mode) { return openRegular(path, flags, mode, /*own=*/true); }
 
 void fileCopyPerms(const char* from, int toFd) {
     struct stat info;
@@ -213,7 +222,7 @@ String fileUniqueName(const char* dir, const char* name, const char* prefix, con
 }
 
 String fileReadAll(const char* path, int maxLen) {
-    const File file{fileOpenFd(path, O_RDONLY)};
+    const File file{fileOpenRegularFd(path, O_RDONLY)};
     std::string text;
     char piece[16384];
     for (;;) {

@@ -21,6 +21,10 @@ void fileRename(const char* from, const char* to);            ///< replaces `to`
 /// An open(2) that is always close-on-exec and repeats on EINTR.
 int fileOpenFd(const char* path, int flags, mode_t mode = 0664);
 
+/// Opens a regular file, also by way of a link, never waiting for a FIFO's other end. A directory throws EISDIR, what
+/// else is none EPERM.
+int fileOpenRegularFd(const char* path, int flags, mode_t mode = 0664);
+
 /// Opens a regular file of ours (or root's) that is no symbolic link, never waiting for a FIFO's other end.
 ///
 /// What is something else throws EPERM, a link ELOOP. With O_CREAT a missing one is made.
@@ -55,7 +59,7 @@ void rmDir(const char* path, bool recursive = false); ///< never follows links
 String fileUniqueName(const char* dir, const char* name, const char* prefix = " (", const char* suffix = ")",
                       int max = 10000);
 
-/// The whole file, at most `maxLen` bytes, beyond which EFBIG is thrown; a NUL in it ends what c_str() shows.
+/// The whole of a regular file, at most `maxLen` bytes, beyond which EFBIG is thrown; a NUL ends what c_str() shows.
 String fileReadAll(const char* path, int maxLen = 16 << 20);
 
 } // namespace plat

@@ -8,7 +8,8 @@
 
 namespace rdr {
 
-FileInStream::FileInStream(const char* path, int size, bool isSecure) : BufferedInStream(size, isSecure), file(path) {}
+FileInStream::FileInStream(const char* path, int size, bool isSecure)
+    : BufferedInStream(size, isSecure), file(path, plat::FileRead, plat::FileRegular) {}
 
 size_t FileInStream::readData(void* buf, size_t len) {
     // Past stdio, which would keep a second copy of what may be secret.

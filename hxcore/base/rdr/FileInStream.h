@@ -6,7 +6,8 @@
 
 namespace rdr {
 
-/// Reads a file from its start; "-" is standard input. Throws plat::SystemExceptionFmt if it can't be opened or read.
+/// Reads a regular file from its start; "-" is standard input, of whatever kind. Throws plat::SystemExceptionFmt if it
+/// can't be opened or read, and for a directory, a FIFO and the like.
 class FileInStream : public BufferedInStream {
 public:
     explicit FileInStream(const char* path, int bufSize = -1, bool secure = false);

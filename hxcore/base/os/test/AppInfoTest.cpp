@@ -24,6 +24,27 @@ protected:
     }
 };
 
+TEST_F(AppInfoTest, KeepsWhatIsSetUntilReset) {
+    const struct {
+        void (*set)(const char*);
+        const char* (*get)();
+    } words[] = {{AppInfo::setDisplayNameKey, AppInfo::displayNameKey},
+                 {AppInfo::setProgramPath, AppInfo::programPath},
+                 {AppInfo::setUserDir, AppInfo::userDir},
+                 {AppInfo::setProfileDir, AppInfo::profileDir},
+                 {AppInfo::setConfigDir, AppInfo::configDir},
+                 {AppInfo::setSharedDir, AppInfo::sharedDir}};
+    for (size_t i = 0; i < std::size(words); ++i)
+        words[i].set(std::to_string(i).c_str());
+    for (size_t i = 0; i < std::size(words); ++i)
+        EXPECT_EQ(std::to_string(i), words[i].get());
+    AppInfo::setCompany("Company");
+    EXPECT_STREQ(AppInfo::company(), "Company");
+    AppInfo::reset();
+    for (const auto& word : words)
+        EXPECT_STREQ(word.get(), "");
+}
+
 TEST_F(AppInfoTest, DerivesTheUsersFiles) {
     EXPECT_STREQ(AppInfo::userConfigFile().c_str(), "");
     AppInfo::setConfigDir("/home/me/.zef");

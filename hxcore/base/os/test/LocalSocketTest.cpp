@@ -9,12 +9,12 @@
 #include "plat/ConfigParameter.h"
 #include "plat/Configuration.h"
 #include "plat/Exception.h"
+#include "plat/test/FailingCalls.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <fstream>
 #include <functional>
@@ -42,15 +42,6 @@ public:
     UnixIo& last() { return dynamic_cast<UnixIo&>(*ios.back()); }
     std::vector<io::Io*> ios;
 };
-
-int openDescriptors() {
-    int count = 0;
-    DIR* dir = opendir("/proc/self/fd");
-    while (readdir(dir))
-        ++count;
-    closedir(dir);
-    return count;
-}
 
 /// Runs something in a child that is another user; gives its exit status. Only root can.
 int asUser(uid_t uid, const std::function<int()>& what) {
@@ -89,14 +80,6 @@ protected:
         struct stat info;
         return lstat(path.c_str(), &info) == 0;
     }
-    static int errorOf(const std::function<void()>& what) {
-        try {
-            what();
-        } catch (const plat::SystemException& failure) {
-            return failure.errNo;
-        }
-        return 0;
-    }
 
     io::FakeClock clock;
     io::FdSelectManager mgr{/*nested=*/true}; // the process has one once an AppLoop was made
@@ -121,8 +104,8 @@ TEST_F(LocalSocketTest, NamesHoldUserAppPidAndCounter) {
 TEST_F(LocalSocketTest, APathOf108BytesIsTooLong) {
     const size_t room = 107 - (scoped + "/prog").size();
     EXPECT_EQ(strlen(PipeNameScoped(std::string(room, 'x').c_str()).path()), 107u);
-    EXPECT_EQ(errorOf([&] { PipeNameScoped name(std::string(room + 1, 'x').c_str()); }), ENAMETOOLONG);
-    EXPECT_EQ(errorOf([&] { NamedPipeListener listener((dir / std::string(100, 'x')).c_str()); }), ENAMETOOLONG);
+    EXPECT_EQ(plat::errorOf([&] { PipeNameScoped name(std::string(room + 1, 'x').c_str()); }), ENAMETOOLONG);
+    EXPECT_EQ(plat::errorOf([&] { NamedPipeListener listener((dir / std::string(100, 'x')).c_str()); }), ENAMETOOLONG);
 }
 
 TEST_F(LocalSocketTest, ListensPrivatelyAndTellsWhoConnects) {
@@ -152,7 +135,7 @@ TEST_F(LocalSocketTest, ListensPrivatelyAndTellsWhoConnects) {
     client->shutdown(false, false);
     listener.reset();
     EXPECT_FALSE(exists(path));
-    EXPECT_EQ(errorOf([&] { UnixIo::connect(path.c_str()); }), ENOENT);
+    EXPECT_EQ(plat::errorOf([&] { UnixIo::connect(path.c_str()); }), ENOENT);
 }
 
 TEST_F(LocalSocketTest, EndpointsArePercentEncodedByComponent) {
@@ -178,7 +161,7 @@ TEST_F(LocalSocketTest, InheritedDescriptorsAreWrappedByTheirKind) {
     EXPECT_EQ(dynamic_cast<UnixIo*>(pipeEnd), nullptr);
     pipeEnd->shutdown(false, false);
     close(ends[1]);
-    EXPECT_EQ(errorOf([] { fdToFdIo(9999); }), EBADF);
+    EXPECT_EQ(plat::errorOf([] { fdToFdIo(9999); }), EBADF);
 }
 
 TEST_F(LocalSocketTest, ANameInUseIsRefusedUnlessTakenOver) {
@@ -219,11 +202,11 @@ TEST_F(LocalSocketTest, ADeadSocketIsReplacedAndWhatIsNoSocketIsNot) {
     std::ofstream(path) << "precious";
     NamedPipeListener::Options takeOver;
     takeOver.takeOver = true;
-    EXPECT_EQ(errorOf([&] { NamedPipeListener listener(path.c_str(), takeOver); }), ENOTSOCK);
+    EXPECT_EQ(plat::errorOf([&] { NamedPipeListener listener(path.c_str(), takeOver); }), ENOTSOCK);
     EXPECT_TRUE(S_ISREG(statOf(path).st_mode));
     unlink(path.c_str());
     ASSERT_EQ(symlink((dir / "elsewhere").c_str(), path.c_str()), 0);
-    EXPECT_EQ(errorOf([&] { NamedPipeListener listener(path.c_str()); }), ENOTSOCK);
+    EXPECT_EQ(plat::errorOf([&] { NamedPipeListener listener(path.c_str()); }), ENOTSOCK);
     EXPECT_FALSE(exists(dir / "elsewhere"));
 }
 
@@ -232,20 +215,20 @@ TEST_F(LocalSocketTest, AHostileDirectoryIsRefusedAndNothingIsMadeElsewhere) {
     plat::mkDir(target.c_str(), /*isPrivate=*/true);
 
     ASSERT_EQ(symlink(target.c_str(), scoped.c_str()), 0);
-    EXPECT_EQ(errorOf([] { PipeNameScoped name("X"); }), ENOTDIR);
-    EXPECT_EQ(errorOf([&] { NamedPipeListener listener((scoped + "/s").c_str()); }), ENOTDIR);
+    EXPECT_EQ(plat::errorOf([] { PipeNameScoped name("X"); }), ENOTDIR);
+    EXPECT_EQ(plat::errorOf([&] { NamedPipeListener listener((scoped + "/s").c_str()); }), ENOTDIR);
     EXPECT_FALSE(exists(target + "/s"));
     unlink(scoped.c_str());
 
     std::ofstream(scoped) << "a file";
-    EXPECT_EQ(errorOf([] { PipeNameScoped name("X"); }), ENOTDIR);
+    EXPECT_EQ(plat::errorOf([] { PipeNameScoped name("X"); }), ENOTDIR);
     unlink(scoped.c_str());
 
     for (const mode_t mode : {0777, 0770, 0701, 0740}) {
         ASSERT_EQ(mkdir(scoped.c_str(), 0700), 0);
         chmod(scoped.c_str(), mode);
-        EXPECT_EQ(errorOf([] { PipeNameScoped name("X"); }), EPERM) << mode;
-        EXPECT_EQ(errorOf([&] { NamedPipeListener listener((scoped + "/s").c_str()); }), EPERM);
+        EXPECT_EQ(plat::errorOf([] { PipeNameScoped name("X"); }), EPERM) << mode;
+        EXPECT_EQ(plat::errorOf([&] { NamedPipeListener listener((scoped + "/s").c_str()); }), EPERM);
         EXPECT_FALSE(exists(scoped + "/s"));
         rmdir(scoped.c_str());
     }
@@ -257,9 +240,9 @@ TEST_F(LocalSocketTest, AnothersDirectoryIsRefused) {
         GTEST_SKIP() << "only root can make one";
     ASSERT_EQ(mkdir(scoped.c_str(), 0700), 0);
     ASSERT_EQ(chown(scoped.c_str(), otherUser, otherUser), 0);
-    EXPECT_EQ(errorOf([] { PipeNameScoped name("X"); }), EPERM);
-    EXPECT_EQ(errorOf([&] { NamedPipeListener listener((scoped + "/s").c_str()); }), EPERM);
-    EXPECT_EQ(errorOf([] { PipeNameScoped::clearStale("X", 0); }), EPERM);
+    EXPECT_EQ(plat::errorOf([] { PipeNameScoped name("X"); }), EPERM);
+    EXPECT_EQ(plat::errorOf([&] { NamedPipeListener listener((scoped + "/s").c_str()); }), EPERM);
+    EXPECT_EQ(plat::errorOf([] { PipeNameScoped::clearStale("X", 0); }), EPERM);
 }
 
 TEST_F(LocalSocketTest, RootMakesDirectoryAndSocketForAnother) {
@@ -289,7 +272,8 @@ TEST_F(LocalSocketTest, RootMakesDirectoryAndSocketForAnother) {
     EXPECT_FALSE(exists(name.path()));
     { NamedPipeListener again(name.path(), options); }
     chown(name.dir(), 0, 0);
-    EXPECT_EQ(errorOf([&] { NamedPipeListener listener(name.path(), options); }), EPERM) << "not the owner's any more";
+    EXPECT_EQ(plat::errorOf([&] { NamedPipeListener listener(name.path(), options); }), EPERM)
+        << "not the owner's any more";
     rmdir(name.dir());
 }
 
@@ -338,7 +322,7 @@ TEST_F(LocalSocketTest, TheFileIsTouchedAndBroughtBackWithoutLosingDescriptors) 
     rounds();
     EXPECT_GT(statOf(path).st_mtime, 1000000000);
 
-    const int before = openDescriptors();
+    const int before = plat::openDescriptors();
     for (int i = 0; i < 100; ++i) {
         unlink(path.c_str());
         if (i % 10 == 0)
@@ -347,7 +331,7 @@ TEST_F(LocalSocketTest, TheFileIsTouchedAndBroughtBackWithoutLosingDescriptors) 
         rounds(1);
         ASSERT_TRUE(exists(path));
     }
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(plat::openDescriptors(), before);
     close(connectUnixSocket(path.c_str()));
     rounds();
     EXPECT_EQ(acceptor.ios.size(), 1u) << "the acceptor is kept";

@@ -1,9 +1,12 @@
 // System calls that fail, or do less than they could, when a test says so.
 #pragma once
 
+#include "plat/Exception.h"
 #include "plat/NonCopyable.h"
 
 #include <cstddef>
+#include <filesystem>
+#include <iterator>
 
 namespace plat {
 
@@ -38,5 +41,21 @@ public:
 
     static size_t cut(size_t bytes); ///< for the wrappers
 };
+
+/// The number of the SystemException that `call` throws, or 0.
+template <class Call>
+int errorOf(Call call) {
+    try {
+        call();
+    } catch (const SystemException& e) {
+        return e.errNo;
+    }
+    return 0;
+}
+
+/// To see that none is lost.
+inline int openDescriptors() {
+    return static_cast<int>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+}
 
 } // namespace plat

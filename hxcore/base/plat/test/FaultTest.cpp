@@ -23,20 +23,6 @@
 namespace plat {
 namespace {
 
-int openDescriptors() {
-    return static_cast<int>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
-}
-
-/// The error number that `call` throws, or 0.
-int errorOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const SystemException& e) {
-        return e.errNo;
-    }
-    return 0;
-}
-
 class FaultTest : public testing::Test {
 protected:
     FaultTest() { writeTextFile(path, "old"); }

@@ -3,6 +3,8 @@
 
 #include "streamTesting.h"
 
+#include "plat/test/FailingCalls.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -231,6 +233,27 @@ TEST(FdOutStream, AFullDiskIsAnError) {
         EXPECT_EQ(e.errNo, ENOSPC);
     }
     out.setThrowErrors(false);
+}
+
+// A write that fails loses nothing that can still be sent.
+TEST_F(Pair, AFailedWriteKeepsItsBytes) {
+    const plat::ShortCounts three(3);
+    rdr::FdOutStream out(fds[0], /*ownFd=*/false);
+    out.writeStr("0123456789");
+    for (const int errNo : {EIO, ENOSPC, ENOBUFS}) {
+        const plat::FailingCalls failing("send", errNo, 1, /*after=*/1);
+        try {
+            out.flush();
+            FAIL();
+        } catch (const plat::SystemException& e) {
+            EXPECT_EQ(e.errNo, errNo);
+        }
+    }
+    const plat::FailingCalls interrupted("send", EINTR, 2);
+    out.waitUntilFlushed();
+    EXPECT_EQ(drain(), "0123456789");
+    const plat::FailingCalls notThere("shutdown", ENOTCONN);
+    EXPECT_THROW(out.shutdownWrite(), plat::SystemException);
 }
 
 // Reads and writes that wait go on after each signal, and after each short count of a small socket buffer.
