@@ -6,6 +6,7 @@
 #include "tx/ErrorCatcher.h"
 #include "tx/TXImage.h"
 #include "tx/TXState.h"
+#include "tx/TXWRoot.h"
 
 #include <csignal>
 #include <cstdio>
@@ -131,7 +132,8 @@ void TXClose() {
         XFreeFont(dpy, shared.defaultFont);
     if (shared.defaultGC)
         XFreeGC(dpy, shared.defaultGC);
-    XCloseDisplay(dpy);
+    XCloseDisplay(dpy); // cursors go with it
+    shared.cursors.clear();
     shared.atoms.fill(none);
     shared.atomNames.clear();
     shared.pointerMap.clear();
@@ -152,6 +154,7 @@ void processEvents() {
         XNextEvent(dpy, &event);
         handleXEvent(&event);
     }
+    TXWRoot::instance().reap();
     if (state().shmFailed)
         recoverFromShmFailure();
 }
@@ -245,6 +248,13 @@ bool enumWindows(EnumWindowsCallback* callback, Window parent, bool recursive) {
     if (children)
         XFree(children);
     return goOn;
+}
+
+Cursor getFontCursor(unsigned shape) {
+    Cursor& cursor = state().cursors[shape];
+    if (cursor == none)
+        cursor = XCreateFontCursor(dpy, shape);
+    return cursor;
 }
 
 GC getDefaultGC() {

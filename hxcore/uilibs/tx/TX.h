@@ -64,6 +64,9 @@ public:
 /// vanishes meanwhile is skipped. Returns false if a call did.
 bool enumWindows(EnumWindowsCallback* callback, Window parent, bool recursive);
 
+/// A pointer of the cursor font (X11/cursorfont.h), in the desktop's theme where there is one; made once.
+Cursor getFontCursor(unsigned shape);
+
 GC getDefaultGC(); ///< made on first use, for any window of the default depth
 
 /// The server's font for text that we don't draw ourselves, loaded on first use and set in the default GC. With no font

@@ -30,7 +30,8 @@ struct TXState {
     std::vector<unsigned char> pointerMap; // empty until asked for
     GC defaultGC = nullptr;
     XFontStruct* defaultFont = nullptr;
-    Window timeWindow = none; // hidden, of getServerTime
+    std::map<unsigned, Cursor> cursors; // by shape of the cursor font
+    Window timeWindow = none;           // hidden, of getServerTime
     Time cutBufferTime = 0;
     bool shmFailed = false; // an error came back for a request that was thought fine
     int shmOpcode = -1;

@@ -23,8 +23,7 @@ wvw::Widget* live(const std::unique_ptr<wvw::WidgetWatch>& watch) { return watch
 
 TXWDragAndDrop::TXWDragAndDrop(TXWParent* parent_, std::unique_ptr<hxutil::DragDropData> data_,
                                const rfb::PixelBuffer* picture_)
-    : parent(parent_), data(std::move(data_)), acceptCursor(XCreateFontCursor(dpy, XC_hand2)),
-      refuseCursor(XCreateFontCursor(dpy, XC_circle)) {
+    : parent(parent_), data(std::move(data_)) {
     if (picture_) {
         picture.setPF(picture_->getPf());
         picture.setSize(picture_->width(), picture_->height());
@@ -33,13 +32,12 @@ TXWDragAndDrop::TXWDragAndDrop(TXWParent* parent_, std::unique_ptr<hxutil::DragD
         picture_->getImage(to, picture_->getRect(), stride);
         pictureHasAlpha = picture.getPf().alphaMax != 0;
     }
-    XDefineCursor(dpy, parent->win(), refuseCursor);
+    XDefineCursor(dpy, parent->win(), getFontCursor(XC_circle));
 }
 
 TXWDragAndDrop::~TXWDragAndDrop() {
-    XUndefineCursor(dpy, parent->win());
-    XFreeCursor(dpy, acceptCursor);
-    XFreeCursor(dpy, refuseCursor);
+    if (parent)
+        parent->defineCursor();
 }
 
 bool TXWDragAndDrop::handleEvent(XEvent* event) {
@@ -83,20 +81,25 @@ void TXWDragAndDrop::setTarget(wvw::Widget* next) {
     target = next ? std::make_unique<wvw::WidgetWatch>(next) : nullptr;
     if (old)
         old->dragEnd();
-    XDefineCursor(dpy, parent->win(), next ? acceptCursor : refuseCursor);
+    XDefineCursor(dpy, parent->win(), getFontCursor(next ? XC_hand2 : XC_circle));
 }
 
 void TXWDragAndDrop::finish(bool dropIt) {
     wvw::Widget* const root = parent->root;
     const std::unique_ptr<TXWDragAndDrop> self =
         std::move(parent->dragAndDrop); // dies at the end, whatever a drop does
+    parent->defineCursor();
+    parent = nullptr; // a drop may close the window
     wvw::Widget* const over = live(target);
+    const wvw::WidgetWatch rootWatch(root);
     root->mouseEvent(pointer, 0); // the press that began the drag is over
+    if (!rootWatch.alive())
+        return;
     root->repaint();
     if (!over || !live(target))
         return;
     over->dragEnd();
-    if (dropIt && live(target))
+    if (dropIt && live(target) && rootWatch.alive() && root->isAttached())
         over->drop(*data, root->translate(pointer, *over));
 }
 

@@ -40,15 +40,13 @@ private:
     void setTarget(wvw::Widget* target);
     void finish(bool dropIt);
 
-    TXWParent* parent;
+    TXWParent* parent; // null once the drag has ended
     std::unique_ptr<hxutil::DragDropData> data;
     rfb::ManagedPixelBuffer picture;
     bool pictureHasAlpha = false;
     std::unique_ptr<TXImage> canvas; // the window's picture with the dragged one over it
     rfb::Point pointer;
     std::unique_ptr<wvw::WidgetWatch> target; // accepts the data where the pointer is, or null
-    Cursor acceptCursor;
-    Cursor refuseCursor;
 };
 
 } // namespace tx

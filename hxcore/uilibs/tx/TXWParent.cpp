@@ -2,8 +2,10 @@
 
 #include "hxutil/DragDropData.h"
 #include "hxutil/metrics.h"
+#include "loc/Localize.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
+#include "tx/ConsentGuard.h"
 #include "tx/TX.h"
 #include "tx/TXImage.h"
 #include "tx/TXState.h"
@@ -13,6 +15,7 @@
 #include "wvw/Widget.h"
 #include "wvw/WidgetWatch.h"
 
+#include <X11/cursorfont.h>
 #include <X11/keysym.h>
 
 #include <algorithm>
@@ -28,10 +31,26 @@ plat::LogSrc log("TXWParent");
 constexpr unsigned repaintDelayMs = 10;
 constexpr unsigned tooltipDelayMs = 500;
 constexpr int tooltipWidthUnits = 320;
+constexpr unsigned hintMs = 6000;
+constexpr int hintWidthUnits = 800;
 constexpr rfb::Point tooltipOffset{2, 16}; // clear of the pointer
 constexpr unsigned syntheticKeycode = 0;   // the server's begin at 8
 constexpr long inputEvents = KeyPressMask | KeyReleaseMask | ButtonPressMask | ButtonReleaseMask | EnterWindowMask |
                              LeaveWindowMask | PointerMotionMask | ExposureMask | StructureNotifyMask;
+
+/// What stands for a shape in the cursor font; one that isn't here leaves the pointer to the screen.
+struct FontCursor {
+    wvw::CursorShape shape;
+    unsigned glyph;
+};
+
+constexpr FontCursor fontCursors[] = {
+    {wvw::CursorShape::Text, XC_xterm},
+    {wvw::CursorShape::Hand, XC_hand2},
+    {wvw::CursorShape::ResizeAcross, XC_sb_h_double_arrow},
+    {wvw::CursorShape::ResizeAlong, XC_sb_v_double_arrow},
+    {wvw::CursorShape::Busy, XC_watch},
+};
 
 int widthOf(const wvw::Widget* root) { return root ? root->getWidth() : 1; }
 int heightOf(const wvw::Widget* root) { return root ? root->getHeight() : 1; }
@@ -123,6 +142,11 @@ void TXWParent::attachRoot() {
 
 void TXWParent::detachRoot() {
     cancelTooltip();
+    hintTimer.cancel();
+    if (hint)
+        hint->hide();
+    guard.reset();
+    showCursor(wvw::CursorShape::Default);
     dragAndDrop.reset();
     repaintTimer.cancel();
     image.reset();
@@ -235,6 +259,11 @@ void TXWParent::handleExpose(XEvent* event) {
 // Input.
 
 bool TXWParent::handleEvent(XEvent* event) {
+    const ConsentGuard::Scope judged(guard, *event);
+    if (guard && guard->isIgnored()) {
+        refuseInput();
+        return false;
+    }
     noteOrigin(*event);
     if (event->type == MotionNotify) {
         while (XCheckTypedWindowEvent(dpy, win(), MotionNotify, event))
@@ -363,6 +392,8 @@ plat::String TXWParent::getCutText() {
     return TXWindow::getCutText(nobody ? XA_PRIMARY : clipboardAtom());
 }
 
+plat::String TXWParent::getPrimaryText() { return TXWindow::getCutText(XA_PRIMARY); }
+
 void TXWParent::setCutText(const char* text) {
     TXWindow::setCutText(static_cast<size_t>(plat::strLen(text)), text, getServerTime());
 }
@@ -382,6 +413,67 @@ void TXWParent::ensureVisible(wvw::Widget*, const rfb::Rect&) {}
 void TXWParent::startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* dragImage) {
     if (image && attachedRoot)
         dragAndDrop = std::make_unique<TXWDragAndDrop>(this, std::move(data), dragImage);
+}
+
+// The pointer.
+
+void TXWParent::showCursor(wvw::CursorShape shape) {
+    if (shape == cursorShape)
+        return;
+    cursorShape = shape;
+    if (!dragAndDrop)
+        defineCursor();
+}
+
+void TXWParent::defineCursor() {
+    for (const FontCursor& cursor : fontCursors) {
+        if (cursor.shape == cursorShape) {
+            XDefineCursor(dpy, win(), getFontCursor(cursor.glyph));
+            return;
+        }
+    }
+    XUndefineCursor(dpy, win());
+}
+
+// Consent.
+
+void TXWParent::guardInput() {
+    if (guard || !isMapped())
+        return;
+    guard = std::make_shared<ConsentGuard>();
+    guard->shown();
+    refusalsTold = 0;
+}
+
+bool TXWParent::confirmInput() {
+    if (guard && guard->verdict() == ConsentGuard::Verdict::Deliberate)
+        return true;
+    refuseInput();
+    return false;
+}
+
+void TXWParent::refuseInput() {
+    if (!guard)
+        return;
+    const ConsentGuard::Verdict verdict = guard->verdict();
+    const unsigned bit = 1U << static_cast<unsigned>(verdict);
+    if (!(refusalsTold & bit))
+        log.info("input has no effect on 0x%lx: %s", win(), ConsentGuard::describe(verdict));
+    refusalsTold |= bit;
+    if (verdict == ConsentGuard::Verdict::Injected || verdict == ConsentGuard::Verdict::Unknown)
+        showHint();
+}
+
+void TXWParent::showHint() {
+    if (!root || !attachedRoot)
+        return;
+    if (!hint)
+        hint = std::make_unique<wvw::WTooltip>(hxutil::scaled(hintWidthUnits));
+    if (!hint->isShown()) {
+        hint->setText(LOC_TEXT("tx_consent_local_only"));
+        hint->show(root->getRootPosition({0, root->getHeight()}), root); // below the window
+    }
+    hintTimer.start(hintMs);
 }
 
 // Tooltips.
@@ -429,6 +521,8 @@ bool TXWParent::timerExpired(plat::Timer* timer) {
         repaintNow();
     else if (timer == &tooltipTimer)
         showTooltip();
+    else if (timer == &hintTimer)
+        hint->hide();
     return false;
 }
 

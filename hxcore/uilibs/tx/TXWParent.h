@@ -20,6 +20,7 @@ class WTooltip;
 
 namespace tx {
 
+class ConsentGuard;
 class TXImage;
 class TXWDragAndDrop;
 
@@ -71,6 +72,10 @@ public:
     wvw::WRoot* getRoot(rfb::Point* originOut) override;
     void ensureVisible(wvw::Widget* child, const rfb::Rect& rect) override;
     void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* dragImage) override;
+    plat::String getPrimaryText() override;
+    void showCursor(wvw::CursorShape shape) override;
+    void guardInput() override;
+    bool confirmInput() override;
 
     using TXWindow::getCutText;
     using TXWindow::isFocused;
@@ -113,6 +118,9 @@ private:
     void cancelTooltip();
     void showTooltip();
     bool isShiftDown() const;
+    void defineCursor();
+    void refuseInput();
+    void showHint();
 
     std::unique_ptr<TXImage> image; // only while mapped; null also when there is no memory for it
     wvw::Widget* root = nullptr;
@@ -123,9 +131,14 @@ private:
     std::unique_ptr<wvw::WTooltip> tooltip; // made when first needed
     rfb::Point tooltipPosition;
     std::unique_ptr<wvw::WidgetWatch> tooltipWidget; // whose tooltip is pending or shown
+    wvw::CursorShape cursorShape{};                  // over the widget that the pointer is on
     bool inputBlocked = false;
     bool attachedRoot = false;
     bool originKnown = false;
+    std::shared_ptr<ConsentGuard> guard; // only while mapped, and a widget asks for it
+    unsigned refusalsTold = 0;           // bit per verdict: a remote user must not fill the log
+    plat::Timer hintTimer{this};
+    std::unique_ptr<wvw::WTooltip> hint;         // made when first needed
     rfb::Point rootOrigin;                       // root position of the window, as the last event told
     std::unique_ptr<TXWDragAndDrop> dragAndDrop; // while something is dragged
 };

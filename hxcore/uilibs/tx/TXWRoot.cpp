@@ -26,8 +26,10 @@ void TXWRoot::showPopup(wvw::Widget* widget, bool show, bool grab, const rfb::Po
         window = std::move(shown->second);
         popups.erase(shown);
     }
-    if (!show)
-        return; // the window goes
+    if (!show) {
+        retire(std::move(window));
+        return;
+    }
     if (!window) {
         window = std::make_unique<TXWParent>(widget, nullptr, /*overrideRedirect=*/true);
         window->addEventHandler(this, /*add=*/true);
@@ -55,7 +57,23 @@ bool TXWRoot::handleEvent(XEvent* event) {
 }
 
 void TXWRoot::closePopups() {
-    const auto closing = std::exchange(popups, {}); // widgets hear of it and may show others
+    auto closing = std::exchange(popups, {}); // widgets hear of it and may show others
+    for (auto& [widget, window] : closing)
+        retire(std::move(window));
+}
+
+/// Hides the window at once; it goes when no event of its own needs it any more.
+void TXWRoot::retire(std::unique_ptr<TXWParent> window) {
+    if (!window)
+        return;
+    window->addEventHandler(this, /*add=*/false);
+    window->setRootWidget(nullptr);
+    if (window->isInEvent())
+        closed.push_back(std::move(window));
+}
+
+void TXWRoot::reap() {
+    std::erase_if(closed, [](const auto& window) { return !window->isInEvent(); });
 }
 
 TXWParent* TXWRoot::findPopup(const wvw::Widget* widget) {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <vector>
 
 namespace tx {
 
@@ -26,13 +27,16 @@ public:
     bool handleEvent(XEvent* event) override;
 
     void closePopups();
+    void reap(); ///< destroys windows of closed popups that were still in their own event
     size_t popupCount() const { return popups.size(); }
     TXWParent* findPopup(const wvw::Widget* widget); ///< null if it isn't shown
 
 private:
     TXWRoot();
+    void retire(std::unique_ptr<TXWParent> window);
 
     std::map<const wvw::Widget*, std::unique_ptr<TXWParent>> popups;
+    std::vector<std::unique_ptr<TXWParent>> closed; // hidden, and in their own event when they were
 };
 
 } // namespace tx

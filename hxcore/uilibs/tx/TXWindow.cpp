@@ -10,6 +10,7 @@
 #include "tx/latin1.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -112,6 +113,7 @@ void TXWindow::setWMProperties(const char* name, TXDeleteWindowCallback* callbac
         resourceClass = plat::strFormat("%s-%s", os::AppInfo::group(/*emptyIfUnset=*/true), program);
     XClassHint classHint{const_cast<char*>(program), resourceClass.get()}; // Xlib only reads them
     XSetWMProperties(dpy, win_, nullptr, nullptr, nullptr, 0, &sizeHints, nullptr, &classHint);
+    writtenHints = sizeHints;
     writeWMHints();
     setName(name);
     Atom protocols[2] = {wmTakeFocus(), wmDeleteWindow()};
@@ -124,25 +126,24 @@ void TXWindow::setWMProperties(const char* name, TXDeleteWindowCallback* callbac
         writeLongs(win_, netWmIcon(), XA_CARDINAL, icon.data(), static_cast<int>(icon.size()));
 }
 
-void TXWindow::setMaxSize(int width, int height) {
+/// Removes the hint if either is 0.
+void TXWindow::setSizeHint(long flag, int width, int height) {
     if (width == 0 || height == 0) {
-        sizeHints.flags &= ~PMaxSize;
-    } else {
-        sizeHints.flags |= PMaxSize;
-        sizeHints.max_width = width;
-        sizeHints.max_height = height;
+        sizeHints.flags &= ~flag;
+        return;
     }
+    sizeHints.flags |= flag;
+    (flag == PMaxSize ? sizeHints.max_width : sizeHints.min_width) = width;
+    (flag == PMaxSize ? sizeHints.max_height : sizeHints.min_height) = height;
+}
+
+void TXWindow::setMaxSize(int width, int height) {
+    setSizeHint(PMaxSize, width, height);
     writeNormalHints();
 }
 
 void TXWindow::setMinSize(int width, int height) {
-    if (width == 0 || height == 0) {
-        sizeHints.flags &= ~PMinSize;
-    } else {
-        sizeHints.flags |= PMinSize;
-        sizeHints.min_width = width;
-        sizeHints.min_height = height;
-    }
+    setSizeHint(PMinSize, width, height);
     writeNormalHints();
 }
 
@@ -152,13 +153,17 @@ void TXWindow::setFixedSize(bool fixed) {
 }
 
 void TXWindow::fixHints(bool fix) {
-    setMinSize(fix ? width_ : 0, height_);
-    setMaxSize(fix ? width_ : 0, height_);
+    setSizeHint(PMinSize, fix ? width_ : 0, height_);
+    setSizeHint(PMaxSize, fix ? width_ : 0, height_);
+    writeNormalHints();
 }
 
 void TXWindow::writeNormalHints() {
-    if (wmPropertiesSet)
-        XSetWMNormalHints(dpy, win_, &sizeHints);
+    // A manager looks at the property anew whenever it is written.
+    if (!wmPropertiesSet || std::memcmp(&writtenHints, &sizeHints, sizeof sizeHints) == 0)
+        return;
+    XSetWMNormalHints(dpy, win_, &sizeHints);
+    writtenHints = sizeHints;
 }
 
 void TXWindow::writeWMHints() {
@@ -425,7 +430,7 @@ bool TXWindow::handleOwnEvent(XEvent* event) {
         break;
     case MapNotify:
     case UnmapNotify:
-        if (event->xmap.window == win_)
+        if (event->xmap.window == win_ && !event->xany.send_event) // a client's claim is no map
             handleMapped(event->type == MapNotify);
         break;
     case ConfigureNotify:

@@ -117,7 +117,8 @@ public:
     bool isFocused() const { return focused; }
     bool isOverrideRedirect() const { return overrideRedirect; }
     bool hasWMProperties() const { return wmPropertiesSet; }
-    bool isModal() const; ///< in the modal stack, whoever is on top
+    bool isInEvent() const { return scope != nullptr; } ///< a call of ours is under way that may need it to the end
+    bool isModal() const;                               ///< in the modal stack, whoever is on top
     bool grabsPointer() const { return grab.pointer; }
     bool grabsKeyboard() const { return grab.keyboard; }
     bool hasCutText() const { return !cutText.isEmpty(); }
@@ -177,6 +178,7 @@ private:
     void applyGrabs(const TXWindow* oldPointer, const TXWindow* oldKeyboard);
     void changeSize(int width, int height);
     void fixHints(bool fix);
+    void setSizeHint(long flag, int width, int height);
     void writeNormalHints();
     void writeWMHints();
     void forgetSelections();
@@ -188,6 +190,7 @@ private:
     EventHandlerList eventHandlers;
     long eventMask = 0;
     XSizeHints sizeHints{};
+    XSizeHints writtenHints{}; // what the manager has been told
     TXDeleteWindowCallback* deleteWindowCallback = nullptr;
     std::map<Atom, Time> selectionTimes;
     bool wmPropertiesSet = false;

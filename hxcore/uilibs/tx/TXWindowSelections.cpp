@@ -204,7 +204,7 @@ void TXWindow::handleProperty(const XPropertyEvent& event) {
 
 void TXWindow::handleSelectionClear(const XSelectionClearEvent& event) {
     const auto ours = selectionTimes.find(event.selection);
-    if (ours == selectionTimes.end())
+    if (ours == selectionTimes.end() || event.send_event)
         return;
     selectionTimes.erase(ours);
     const auto owner = state().selectionOwners.find(event.selection);

@@ -1,6 +1,7 @@
 // The road of an event to its window, and the rules of grabs and modality.
 #include "plat/ConfigParameter.h"
 #include "plat/SString.h"
+#include "tx/InputSources.h"
 #include "tx/TX.h"
 #include "tx/TXState.h"
 #include "tx/TXWindow.h"
@@ -141,6 +142,10 @@ TXWindow* keyboardGrabber() { return latestGrabber(&TXWindow::grabsKeyboard); }
 void handleXEvent(XEvent* event) {
     if (debugEvents.value())
         printEvent(*event);
+    if (event->type == GenericEvent) { // of an extension, and of no window that could be read here
+        InputSources::instance().handleGenericEvent(&event->xcookie);
+        return;
+    }
     if (event->type == MappingNotify)
         refreshMapping(&event->xmapping);
     if (event->type == FocusIn)

@@ -10,6 +10,7 @@
 
 #undef Always
 #undef Bool
+#undef CursorShape
 #undef None
 #undef Status
 #undef Success
