@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <iterator>
 
 namespace loc {
@@ -83,6 +84,8 @@ public:
         try {
             if (!plat::fileExists(path.c_str()))
                 return;
+            if (!std::filesystem::is_regular_file(path.c_str()))
+                throw plat::Exception("not a regular file"); // a FIFO would hold us up
             rdr::FileInStream in(path.c_str());
             load(in, path.c_str());
         } catch (const plat::Exception& e) {
@@ -162,14 +165,13 @@ void Localize::addSystemLocales() {
     static const std::string environment = environmentLocale();
     static const char* const languageVariable = std::getenv("LANGUAGE");
     static const std::string language = languageVariable ? languageVariable : "";
-    const LocaleName name = LocaleName::parse(environment);
-    if (name.language == "C" || name.language == "POSIX") {
-        setProcessOsLocale(OsLocale());
-        return;
-    }
     setProcessOsLocale(chooseOsLocale({environment}));
+    if (environment == "C" || environment == "POSIX")
+        return;
+    const LocaleName name = LocaleName::parse(environment);
     locales = normaliseLocales(language, name);
-    if (locales.empty() && !name.language.empty())
+    // C.UTF-8 says how text is written, not in which language.
+    if (locales.empty() && !name.language.empty() && name.language != "C")
         locales.push_back(environment.substr(0, environment.find_first_of(".@")));
 }
 
@@ -199,10 +201,10 @@ void Localize::setLocales(const std::vector<std::string>& list, TransMap* map) {
 bool Localize::loadLocale(const std::string& locale) {
     if (!loadedLocales.insert(locale).second)
         return false;
-    if (!isFileLocale(locale))
-        return true;
     TextLoader loader(*this, locale);
     loader.loadResource();
+    if (!isFileLocale(locale))
+        return true;
     for (const std::string& dir : searchDirs)
         loader.loadFile(dir);
     return true;

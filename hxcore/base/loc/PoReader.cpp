@@ -1,5 +1,6 @@
 #include "loc/PoReader.h"
 
+#include "loc/quotedText.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
 #include "plat/utf8.h"
@@ -12,38 +13,6 @@ namespace {
 plat::LogSrc log("Localize");
 
 [[noreturn]] void fail(const char* text) { throw plat::Exception(text); }
-
-// The character that a backslash and `code` stand for.
-char unescape(char code) {
-    static constexpr std::string_view codes = "abfnrtv\"'?\\";
-    static constexpr std::string_view values = "\a\b\f\n\r\t\v\"'?\\";
-    const size_t place = codes.find(code);
-    if (place == std::string_view::npos)
-        fail("Invalid escape code");
-    return values[place];
-}
-
-std::string unquote(std::string_view text) {
-    const size_t open = text.find_first_not_of(' ');
-    if (open == std::string_view::npos || text[open] != '"')
-        fail("Junk preceding string data");
-    std::string result;
-    for (size_t i = open + 1; i < text.size(); ++i) {
-        if (text[i] == '"') {
-            if (i + 1 != text.size())
-                fail("Junk following string data");
-            return result;
-        }
-        if (text[i] == '\\') {
-            if (++i == text.size())
-                fail("Invalid escape at end");
-            result += unescape(text[i]);
-        } else {
-            result += text[i];
-        }
-    }
-    fail("Missing terminator");
-}
 
 bool nextLine(rdr::InStream& in, std::string& line) {
     try {
@@ -115,6 +84,10 @@ void PoReader::readCommand(std::string_view line) {
     addQuoted(line.substr(blank + 1));
 }
 
-void PoReader::addQuoted(std::string_view text) { (state == State::Id ? id : message) += unquote(text); }
+void PoReader::addQuoted(std::string_view text) {
+    const char* const problem = unquote(text, state == State::Id ? id : message);
+    if (problem)
+        fail(problem);
+}
 
 } // namespace loc

@@ -1,60 +1,18 @@
 #include "loc/format.h"
 
+#include "loc/Directive.h"
 #include "loc/Localize.h"
 #include "plat/LogSrc.h"
 #include "plat/utf8.h"
 
-#include <algorithm>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
-#include <utility>
+#include <string_view>
 
 namespace loc {
 namespace {
 
 plat::LogSrc log("Localize");
-
-struct Directive {
-    bool plus = false;
-    int limit = 0;    // bytes of a string, 0: none
-    int position = 0; // from 1, 0: none
-    char letter = '\0';
-};
-
-// Reads a number above 0 and moves `text`; 0 if there is none or it doesn't fit.
-int readNumber(const char*& text) {
-    int64_t number = 0;
-    for (; *text >= '0' && *text <= '9'; ++text)
-        number = std::min<int64_t>(number * 10 + (*text - '0'), int64_t{INT_MAX} + 1);
-    return number > INT_MAX ? 0 : static_cast<int>(number);
-}
-
-// Reads one part, or the letter; false if it can't stand here.
-bool readPart(const char*& text, Directive& directive) {
-    if (*text == '+') {
-        ++text;
-        return !std::exchange(directive.plus, true);
-    }
-    const bool isLimit = *text == '.';
-    if (isLimit)
-        ++text;
-    if (!isLimit && (*text < '0' || *text > '9')) {
-        directive.letter = *text++;
-        return directive.letter == 'S' || directive.letter == 'D' || directive.letter == 'X';
-    }
-    const int number = readNumber(text);
-    if (!isLimit && *text++ != '$')
-        return false;
-    return number > 0 && std::exchange(isLimit ? directive.limit : directive.position, number) == 0;
-}
-
-bool readDirective(const char*& text, Directive& directive) {
-    while (!directive.letter)
-        if (!*text || !readPart(text, directive))
-            return false;
-    return true;
-}
 
 // Null if the directive names none.
 const Arg* findArg(const Directive& directive, std::initializer_list<Arg> args) {
@@ -72,38 +30,32 @@ void writeString(plat::DString& out, const char* text, int limit) {
 // False, with nothing written, if the argument doesn't fit the directive.
 bool writeArg(plat::DString& out, const Directive& directive, const Arg& arg) {
     const bool isString = arg.type == Arg::Type::String;
-    const bool isSigned = arg.type == Arg::Type::Int;
-    if (directive.letter == 'S') {
-        if (!isString || directive.plus)
-            return false;
+    if (isString != (directive.letter == 'S'))
+        return false;
+    if (isString) {
         writeString(out, arg.stringValue, directive.limit);
         return true;
     }
-    if (isString || directive.limit > 0 || (directive.plus && !isSigned))
+    const bool isSigned = arg.type == Arg::Type::Int;
+    if (isSigned ? directive.letter == 'X' : directive.plus)
         return false;
-    if (directive.letter == 'D') {
-        if (isSigned)
-            out.format(directive.plus ? "%+d" : "%d", arg.intValue);
-        else
-            out.format("%u", arg.uintValue);
-        return true;
-    }
     if (isSigned)
-        return false;
-    out.format("%x", arg.uintValue);
+        out.format(directive.plus ? "%+d" : "%d", arg.intValue);
+    else
+        out.format(directive.letter == 'X' ? "%x" : "%u", arg.uintValue);
     return true;
 }
 
 // Writes the directive behind a "%" at `text` and moves behind it; false if that can't be done.
 bool writeDirective(plat::DString& out, const char*& text, std::initializer_list<Arg> args) {
     Directive directive;
-    const char* pos = text;
-    if (!readDirective(pos, directive))
+    std::string_view rest = text;
+    if (!directive.read(rest))
         return false;
     const Arg* const arg = findArg(directive, args);
     if (!arg || !writeArg(out, directive, *arg))
         return false;
-    text = pos;
+    text = rest.data();
     return true;
 }
 

@@ -73,7 +73,10 @@ void wordWrap(plat::DString& text, int width, int indent) {
 int collate(const char* a, const char* b) {
     const LocaleSetter setter;
     const Charset charset = setter.getCharset();
-    return std::strcoll(fromUtf8(plat::strOrEmpty(a), charset).c_str(), fromUtf8(plat::strOrEmpty(b), charset).c_str());
+    const char* const left = plat::strOrEmpty(a);
+    const char* const right = plat::strOrEmpty(b);
+    const int order = std::strcoll(fromUtf8(left, charset).c_str(), fromUtf8(right, charset).c_str());
+    return order != 0 ? order : std::strcmp(left, right); // what the charset lacks looks alike to strcoll
 }
 
 plat::String toUpper(const char* text) { return changeCase(text, std::towupper); }

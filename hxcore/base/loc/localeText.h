@@ -14,7 +14,8 @@ void formatInt(plat::DString& out, int64_t value); ///< appends, with thousands 
 /// Breaks lines at blanks; see plat::DString::wordWrap.
 void wordWrap(plat::DString& text, int width, int indent = 0);
 
-/// Below, at or above 0 as `a` sorts before, with or behind `b` for the user. Null counts as empty.
+/// Below, at or above 0 as `a` sorts before, with or behind `b` for the user. Null counts as empty. 0 only for
+/// texts that are equal byte by byte.
 int collate(const char* a, const char* b);
 plat::String toUpper(const char* text); ///< UTF-8 both ways
 plat::String toLower(const char* text);

@@ -75,8 +75,8 @@ bool tryCodesets(const std::string& name, std::initializer_list<const char*> cod
 }
 
 Answer find(const std::string& name) {
-    if (name == "C" || name == "POSIX")
-        return {true, OsLocale()};
+    if (name == "POSIX")
+        return find("C"); // another name for the same
     Answer answer{true, {name, charsetOf(name)}};
     const Charset charset = answer.locale.charset;
     if (charset == Charset::Utf8)
@@ -126,6 +126,7 @@ OsLocale chooseOsLocale(const std::vector<std::string>& list) {
             return chosen;
         log.info("No OS support for locale \"%s\"", name.c_str());
     }
+    findOsLocale("C", &chosen);
     return chosen;
 }
 

@@ -20,7 +20,8 @@ Charset parseCharset(std::string_view codeset); ///< a name such as "UTF-8", how
 /// The operating system's form of a name such as "de_DE"; false if it has none. The answer is kept.
 bool findOsLocale(const std::string& name, OsLocale* found);
 
-/// The first of the list that works; for each that doesn't there is a log line. "C" is the last resort.
+/// The first of the list that works; for each that doesn't there is a log line. "C" is the last resort, as C.UTF-8
+/// where the operating system has that: letters beyond ASCII keep their case and order.
 OsLocale chooseOsLocale(const std::vector<std::string>& list);
 
 OsLocale getProcessOsLocale(); ///< the one that a LocaleSetter without a list enters

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <string_view>
 
 namespace plat {
 namespace {
@@ -185,16 +186,21 @@ void LogRegistry::updateMaxLevels() {
 }
 
 void LogRegistry::listSources(int width, FILE* stream) const {
-    int column = 2;
+    std::vector<std::string_view> names; // files of one idea share a name
     for (const LogSrc* source = sources; source; source = source->next) {
-        const int nameLen = strLen(source->name);
-        if (source != sources) {
+        if (std::find(names.begin(), names.end(), source->name) == names.end())
+            names.emplace_back(source->name);
+    }
+    int column = 2;
+    for (const std::string_view& name : names) {
+        const int nameLen = static_cast<int>(name.size());
+        if (&name != &names.front()) {
             // The comma that follows the name must fit too.
-            const bool fits = column + 2 + nameLen + (source->next ? 1 : 0) <= width;
+            const bool fits = column + 2 + nameLen + (&name != &names.back() ? 1 : 0) <= width;
             std::fputs(fits ? ", " : ",\n  ", stream);
             column = fits ? column + 2 : 2;
         }
-        std::fputs(source->name, stream);
+        std::fwrite(name.data(), 1, name.size(), stream);
         column += nameLen;
     }
 }

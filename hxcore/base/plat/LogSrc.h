@@ -75,7 +75,8 @@ bool logIsActive(); ///< true once logActivate was called
 /// Empties all mappings, sets them from what is in force and replays what memory holds.
 void logApply();
 
-/// The names of all sources, newest first, joined by ", ", in lines of at most `width` columns after an indent of two.
+/// The names of all sources, each once, newest first, joined by ", ", in lines of at most `width` columns after an
+/// indent of two.
 void logListSources(int width, FILE* stream);
 
 } // namespace plat

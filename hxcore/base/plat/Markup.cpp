@@ -67,7 +67,7 @@ void setStyleProperty(Markup::Style& style, const std::string& name, const std::
     double number = 0;
     if (names(name, "font-style")) {
         if (value == "normal")
-            style.flags &= Markup::Link;
+            style.flags = 0;
         else if (value == "italic")
             style.flags |= Markup::Italic;
     } else if (names(name, "font-size")) {
@@ -173,7 +173,6 @@ private:
         if (!href)
             throw ExceptionFmt("Invalid hyperlink spec!");
         style.link = href;
-        style.flags |= Markup::Link;
         const size_t before = runCount;
         walk(node, style);
         if (runCount == before)

@@ -16,14 +16,14 @@ namespace plat {
 class Markup {
 public:
     enum Align : int { Left = 0, Center = 1, Right = 2, Justify = 3 };
-    enum Flags : int { Italic = 1, Underline = 2, Link = 4 };
+    enum Flags : int { Italic = 1, Underline = 2 };
 
     /// The look of a run. Sizes are in tenths of a point.
     struct Style {
         static constexpr int defaultSize = 120;
         static constexpr int defaultWeight = 400;
 
-        int flags = 0; ///< of Flags; Link is set exactly where `link` is
+        int flags = 0; ///< of Flags
         int size = defaultSize;
         int weight = defaultWeight;
         String color; ///< a name or "#rrggbb" as written, or null

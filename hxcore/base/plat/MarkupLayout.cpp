@@ -82,7 +82,6 @@ void Markup::Layout::addText(const Style& style, const char* text) { runs.push_b
 void Markup::Layout::addLink(const Style& style, const char* text, const char* href) {
     runs.push_back({style, text ? text : href});
     runs.back().style.link = href;
-    runs.back().style.flags |= Link;
 }
 
 void Markup::Layout::endBlock() {

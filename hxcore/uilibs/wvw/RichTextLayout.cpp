@@ -69,7 +69,7 @@ const hxutil::Font* RichTextLayout::fontFor(const Markup::Style& style) const {
 }
 
 rfb::Colour RichTextLayout::colourFor(const Markup::Style& style) const {
-    const rfb::Colour own = style.flags & Markup::Link ? colours::blue : look->text;
+    const rfb::Colour own = style.link.isNull() ? look->text : colours::blue;
     return style.color.isEmpty() ? own : themeColour(style.color.get(), own);
 }
 
@@ -86,7 +86,7 @@ void RichTextLayout::fragment(const Markup::Layout::Fragment& f) {
     Run run;
     run.font = fontFor(f.style);
     run.colour = colourFor(f.style);
-    run.underline = f.style.flags & (Markup::Link | Markup::Underline);
+    run.underline = f.href || (f.style.flags & Markup::Underline);
     run.text = plat::String(std::string_view(piece));
     run.link = f.href;
     run.start = findInText(piece);

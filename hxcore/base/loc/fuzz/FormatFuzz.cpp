@@ -1,6 +1,6 @@
 // Raw texts with the arguments that the first byte chooses; what comes out of good text is good text.
 #include "loc/format.h"
-#include "plat/LogSrc.h"
+#include "plat/fuzz/quietLog.h"
 #include "plat/utf8.h"
 
 #include <cstdlib>
@@ -26,12 +26,6 @@ bool run(plat::DString& out, const std::string& raw, unsigned choice) {
 }
 
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    plat::logSetSpec(""); // what is wrong with the input is logged, and that takes most of the time
-    plat::logActivate();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0)

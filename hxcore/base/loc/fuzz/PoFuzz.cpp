@@ -1,6 +1,6 @@
 // Text files of translations; what is read is valid text under a valid key.
 #include "loc/PoReader.h"
-#include "plat/LogSrc.h"
+#include "plat/fuzz/quietLog.h"
 #include "plat/utf8.h"
 #include "rdr/MemInStream.h"
 #include "rdr/exceptions.h"
@@ -18,12 +18,6 @@ public:
 };
 
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    plat::logSetSpec(""); // what is wrong with the input is logged, and that takes most of the time
-    plat::logActivate();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Checker checker;

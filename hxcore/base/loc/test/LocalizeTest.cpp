@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -131,11 +132,10 @@ TEST_F(Localize, FilesAddAndReplaceTextsWithoutTakingAwayWhatWasHandedOut) {
 
 TEST_F(Localize, AFileThatCantBeReadIsLogged) {
     write("en", "");
-    std::filesystem::create_directory(dir + "/strings.en_US.po");
+    ASSERT_EQ(::mkfifo((dir + "/strings.en_US.po").c_str(), 0600), 0);
     LogLines log;
     localize().setDirs({dir});
-    ASSERT_EQ(log.lines.size(), 1U);
-    EXPECT_EQ(log.lines[0].find("Error loading strings from " + dir + "/strings.en_US.po: "), 0U);
+    EXPECT_EQ(log.lines, (Lines{"Error loading strings from " + dir + "/strings.en_US.po: not a regular file"}));
 }
 
 TEST_F(Localize, ALocaleNameNeverLeavesTheDirectory) {
@@ -221,7 +221,9 @@ void checkSystem(const char* lang, const char* language, const char* locales, co
 
 TEST_F(Localize, TheSystemChoosesWhereTheUserDoesnt) {
     checkSystem("C", nullptr, "en_US", "en_US");
-    checkSystem("C.UTF-8", "de", "en_US", "en_US:de");
+    checkSystem("C", "de", "en_US", "en_US:de");
+    checkSystem("C.UTF-8", nullptr, "en_US", "en_US");
+    checkSystem("C.UTF-8", "de", "de_DE:en_US", "de_DE:de");
     checkSystem("de_CH.UTF-8", nullptr, "de_CH:en_US", "de_CH");
     checkSystem("de_CH.UTF-8@euro", "de:fr:it_CH", "de_CH:fr_FR:it_CH:en_US", "de_CH:de:fr:it_CH");
     checkSystem("de_CH.UTF-8", ":.", "de_CH:en_US", "de_CH::.");

@@ -216,22 +216,6 @@ TEST_F(TimeString, CaseInUtf8) {
     EXPECT_STREQ(loc::toLower("\xc3\x89\xd0\x96").c_str(), "\xc3\xa9\xd0\xb6");
 }
 
-// Needs a locale that few build machines have; tools that generate one may be used before.
-TEST_F(TimeString, NumbersAndDatesInGermanWhereTheSystemKnowsIt) {
-    locale_t probe = ::newlocale(LC_ALL_MASK, "de_DE.UTF-8", nullptr);
-    if (!probe)
-        GTEST_SKIP() << "no de_DE.UTF-8 here";
-    ::freelocale(probe);
-    speak("de");
-    plat::DString out;
-    loc::formatInt(out, 1234567);
-    out.append(" ");
-    loc::TimeString::formatByteSize(out, 1536);
-    out.append(" ");
-    loc::TimeString::formatDateTime(out, DateStyle::Numeric, TimeStyle::NoSeconds, leapDay());
-    EXPECT_STREQ(out.c_str(), "1.234.567 1,5 KB 29.02.2024, 21:05");
-}
-
 TEST(LocalizedPath, LeavesOutTheHomeDirectory) {
     const struct {
         const char* home;

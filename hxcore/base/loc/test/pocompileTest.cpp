@@ -17,7 +17,7 @@ protected:
         ASSERT_NE(::mkdtemp(dir.data()), nullptr);
         for (const char* const language : {"en", "de", "es", "fr", "pt"})
             write(language,
-                  "msgid \"t_b\"\nmsgstr \"%1$S of %2$D\"\n\nmsgid \"t_a\"\nmsgstr \"A \\\"\xc3\xa9\\\"\\n\"\n");
+                  "msgid \"t_b\"\nmsgstr \"%1$S of %2$D\"\n\nmsgid \"t_a\"\nmsgstr \"A \\t\xc3\xa9\\?\\n\"\n");
     }
     ~Pocompile() override { std::filesystem::remove_all(dir); }
 
@@ -49,7 +49,7 @@ TEST_F(Pocompile, WritesSortedTablesInTheOrderOfTheLanguages) {
     std::ostringstream text;
     text << std::ifstream(dir + "/out.cpp").rdbuf();
     const std::string source = text.str();
-    const size_t de = source.find("de[] = {\n    {\"t_a\", \"A \\042\\303\\251\\042\\012\"},\n    {\"t_b\",");
+    const size_t de = source.find("de[] = {\n    {\"t_a\", \"A \\011\\303\\251\\077\\012\"},\n    {\"t_b\",");
     ASSERT_NE(de, std::string::npos) << source;
     size_t last = de;
     for (const char* const language : {"es[]", "fr[]", "en[]", "pt[]"}) {
@@ -66,17 +66,17 @@ TEST_F(Pocompile, BrokenFilesFailWithTheirLine) {
         const char* text;
         const char* problem;
     } cases[] = {
-        {"msgid \"t_a\"\nmsgstr \"\\q\"\n", "de.po:2: invalid escape code"},
-        {"msgid \"t_a\"\nmsgstr \"x\n", "de.po:2: missing terminator"},
-        {"msgid \"t_a\"\nmsgstr \"x\" y\n", "de.po:2: junk following"},
-        {"msgid \"t_a\"\nmsgstr y\n", "de.po:2: junk preceding"},
-        {"msgid \"t_a\"\n\n", "de.po:2: expected msgstr"},
-        {"msgstr \"t_a\"\n", "de.po:1: expected msgid"},
-        {"\"t_a\"\n", "de.po:1: string without msgid"},
-        {"msgid \"t_a\"\nmsgstr \"x\"\nmsgid \"t_b\"\n", "de.po:3: bad command"},
-        {"msgid \"t_a\"\nmsgstr \"\xc3(\"\n", "de.po:2: bad UTF-8"},
-        {"msgid \"t_a\"\nmsgstr \"\xed\xa0\x80\"\n", "de.po:2: bad UTF-8"},
-        {"msgid \"t_a\"\nmsgstr \"x\"\n\nmsgid \"t_a\"\nmsgstr \"y\"\n", "de.po:4: duplicate key t_a"},
+        {"msgid \"t_a\"\nmsgstr \"\\q\"\n", "de.po:2: Invalid escape code"},
+        {"msgid \"t_a\"\nmsgstr \"x\n", "de.po:2: Missing terminator"},
+        {"msgid \"t_a\"\nmsgstr \"x\" y\n", "de.po:2: Junk following"},
+        {"msgid \"t_a\"\nmsgstr y\n", "de.po:2: Junk preceding"},
+        {"msgid \"t_a\"\n\n", "de.po:2: Expected msgstr"},
+        {"msgstr \"t_a\"\n", "de.po:1: Expected msgid"},
+        {"\"t_a\"\n", "de.po:1: String without msgid"},
+        {"msgid \"t_a\"\nmsgstr \"x\"\nmsgid \"t_b\"\n", "de.po:3: Bad command"},
+        {"msgid \"t_a\"\nmsgstr \"\xc3(\"\n", "de.po:2: Bad UTF-8"},
+        {"msgid \"t_a\"\nmsgstr \"\xed\xa0\x80\"\n", "de.po:2: Bad UTF-8"},
+        {"msgid \"t_a\"\nmsgstr \"x\"\n\nmsgid \"t_a\"\nmsgstr \"y\"\n", "de.po:4: Duplicate key t_a"},
     };
     for (const auto& c : cases) {
         write("de", c.text);
@@ -98,6 +98,39 @@ TEST_F(Pocompile, CheckComparesTheLanguages) {
             << text;
     write("de", a + "msgid \"t_b\"\nmsgstr \"%2$+D%% %1$.5S %2$D\"\n");
     EXPECT_EQ(run("--check " + dir), 0) << output;
+}
+
+TEST_F(Pocompile, CheckKnowsMarkupMnemonicsAndTypography) {
+    const struct {
+        const char *english, *language, *text, *complaint; // null: none
+    } cases[] = {
+        {"<a href=\\\"%1$S\\\">b</a>", "de", "c <a href=\\\"%1$S\\\">d</a>", nullptr},
+        {"<b>b</b>", "de", "<i>b</i>", "other markup"},
+        {"&Open && <x>", "es", "Abrir && <x>", "no mnemonic"},
+        {"&Open &amp; close", "es", "&Abrir &amp; &#99;", nullptr},
+        {"Wait...", "pt", "Aguarde...", "three dots"},
+        {"'x' [,...]", "pt", "\u201cx\u201d [,...]", nullptr},
+        {"'x'", "de", "\\\"x\\\"", "straight quotes"},
+        {"x", "de", "geht's", "straight apostrophe"},
+        {"x", "fr", "l'\u00e9cran", "straight apostrophe"},
+        {"x", "fr", "Nom : \u00ab\u00a0x\u00a0\u00bb", "breaks before a mark"},
+        {"x", "fr", "\u00ab x\u00a0\u00bb", "breaks after a quote"},
+        {"x", "fr", "Vraiment?", "lacks the space"},
+        {"x", "fr", "Nom: x", "lacks the space"},
+        {"x", "fr", "l\u2019\u00e9cran\u00a0: \u00ab\u00a0x\u00a0\u00bb, http://x/?y a:b", nullptr},
+        {"Really?", "es", "Seguro?", "no opening question mark"},
+        {"Really?", "es", "\u00bfSeguro?", nullptr},
+    };
+    for (const auto& c : cases) {
+        for (const char* const language : {"en", "de", "es", "fr", "pt"})
+            write(language, std::string("msgid \"t_a\"\nmsgstr \"") +
+                                (std::string(language) == c.language ? c.text : c.english) + "\"\n");
+        run("--check " + dir);
+        const std::string wanted = std::string("/") + c.language + ".po:1: t_a ";
+        const size_t told = output.find(wanted);
+        EXPECT_EQ(told != std::string::npos, c.complaint != nullptr) << c.text << ": " << output;
+        EXPECT_NE(output.find(c.complaint ? c.complaint : "1 keys"), std::string::npos) << c.text << ": " << output;
+    }
 }
 
 TEST_F(Pocompile, AKeyBelongsToOneLibrary) {

@@ -1,5 +1,6 @@
 #include "os/openUrl.h"
 
+#include "os/LinkCbOpenUrl.h"
 #include "os/test/TempDir.h"
 
 #include <gtest/gtest.h>
@@ -54,6 +55,8 @@ TEST_F(OpenUrlTest, GivesTheAddressAsOneArgumentAndLeavesNoChild) {
 }
 
 TEST_F(OpenUrlTest, TakesOnlyAddressesOfTheWebAndMail) {
+    plat::LinkCbOpenUrl().linkClicked("https://link");
+    EXPECT_EQ(given(), "1|https://link");
     for (const char* url : {"HTTP://x", "https://x", "mailto:a@b"}) {
         EXPECT_TRUE(openUrl(url)) << url;
         EXPECT_EQ(given(), std::string("1|") + url);

@@ -270,7 +270,7 @@ TEST(Log, PatternsMatchAnyRunAtStars) {
 TEST(Log, ListsBreakBetweenNames) {
     inChild([] {
         std::vector<std::unique_ptr<LogSrc>> sources;
-        for (const char* name : {"LongNameOfASource", "B", "LastOfTheThree"})
+        for (const char* name : {"B", "LongNameOfASource", "B", "LastOfTheThree"}) // a shared name is listed once
             sources.push_back(std::make_unique<LogSrc>(name));
         char* text = nullptr;
         size_t size = 0;

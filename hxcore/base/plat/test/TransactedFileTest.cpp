@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -87,8 +88,8 @@ TEST_F(TransactedFileTest, ReplacesWhateverStandsInItsPlace) {
     writeTextFile(victim, "victim");
     chmod(victim.c_str(), 0666);
 
-    symlink(victim.c_str(), path.c_str());
-    symlink(victim.c_str(), tmp.c_str());
+    std::filesystem::create_symlink(victim.c_str(), path.c_str());
+    std::filesystem::create_symlink(victim.c_str(), tmp.c_str());
     replace("by link", FilePrivate);
     EXPECT_EQ(readTextFile(victim), "victim");
     EXPECT_EQ(readTextFile(path), "by link");

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/time.h>
@@ -118,7 +119,7 @@ TEST_F(FileTest, DescriptorsCloseOnExecAndSeek) {
     EXPECT_EQ(fileTell(fd), 42);
     EXPECT_EQ(fileGetSize(path("f").c_str()), 100);
     EXPECT_TRUE(fileIsSameAsFd(path("f").c_str(), fd));
-    symlink(path("f").c_str(), path("link").c_str());
+    std::filesystem::create_symlink(path("f").c_str(), path("link").c_str());
     EXPECT_FALSE(fileIsSameAsFd(path("link").c_str(), fd));
     fileRename(path("f").c_str(), path("g").c_str());
     EXPECT_FALSE(fileIsSameAsFd(path("f").c_str(), fd));
@@ -203,7 +204,7 @@ TEST_F(FileTest, OwnFilesAreNoLinksPipesOrDirectories) {
     EXPECT_EQ(fcntl(fd, F_GETFL) & (O_APPEND | O_NONBLOCK), O_APPEND);
     close(fd);
     writeTextFile(f, "text");
-    symlink(f.c_str(), path("link").c_str());
+    std::filesystem::create_symlink(f.c_str(), path("link").c_str());
     EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(path("link").c_str(), O_WRONLY | O_TRUNC); }), ELOOP);
     EXPECT_EQ(readTextFile(f), "text");
     close(fileOpenOwnFd(f.c_str(), O_WRONLY | O_TRUNC));
@@ -227,7 +228,7 @@ TEST_F(FileTest, PermissionsAreCopiedAndNarrowed) {
     close(fd);
     fileMakePrivate(from.c_str());
     EXPECT_EQ(modeOf("from"), 0600u);
-    symlink(from.c_str(), path("link").c_str());
+    std::filesystem::create_symlink(from.c_str(), path("link").c_str());
     EXPECT_EQ(thrownErrno([&] { fileMakePrivate(path("link").c_str()); }), ELOOP);
     EXPECT_EQ(thrownErrno([&] { fileCopyPerms(path("link").c_str(), 0); }), EINVAL);
     mkDir(path("d").c_str());
@@ -249,7 +250,7 @@ TEST_F(FileTest, PrivateDirectoriesAreSoWhateverTheUmask) {
     EXPECT_EQ(modeOf("plain"), 0755u);
     mkDir(path("plain").c_str(), /*isPrivate=*/true, /*fixPerms=*/true);
     EXPECT_EQ(modeOf("plain"), 0700u);
-    symlink(path("plain").c_str(), path("link").c_str());
+    std::filesystem::create_symlink(path("plain").c_str(), path("link").c_str());
     mkDir(path("link").c_str());
     EXPECT_EQ(thrownErrno([&] { mkDir(path("link").c_str(), /*isPrivate=*/true, /*fixPerms=*/true); }), EPERM);
     writeTextFile(path("file"), "");
@@ -280,12 +281,12 @@ TEST_F(FileTest, RecursiveRemovalDoesNotFollowLinks) {
     mkDirs(path("outside").c_str());
     writeTextFile(path("outside/kept"), "kept");
     writeTextFile(path("tree/a/file"), "");
-    symlink(path("outside").c_str(), path("tree/a/link").c_str());
+    std::filesystem::create_symlink(path("outside").c_str(), path("tree/a/link").c_str());
     EXPECT_EQ(thrownErrno([&] { rmDir(path("tree").c_str()); }), ENOTEMPTY);
     rmDir(path("tree").c_str(), /*recursive=*/true);
     EXPECT_FALSE(fileExists(path("tree").c_str()));
     EXPECT_EQ(readTextFile(path("outside/kept")), "kept");
-    symlink(path("outside").c_str(), path("root").c_str());
+    std::filesystem::create_symlink(path("outside").c_str(), path("root").c_str());
     EXPECT_NE(thrownErrno([&] { rmDir(path("root").c_str(), /*recursive=*/true); }), 0);
     EXPECT_EQ(readTextFile(path("outside/kept")), "kept");
 }
@@ -295,7 +296,7 @@ TEST_F(FileTest, UniqueNamesCountBeforeTheExtension) {
     EXPECT_EQ(next("a.tar.gz"), path("a.tar.gz"));
     writeTextFile(path("a.tar.gz"), "");
     EXPECT_EQ(next("a.tar.gz"), path("a.tar (1).gz"));
-    symlink("/nowhere", path("a.tar (1).gz").c_str());
+    std::filesystem::create_symlink("/nowhere", path("a.tar (1).gz").c_str());
     EXPECT_EQ(next("a.tar.gz"), path("a.tar (2).gz"));
     writeTextFile(path(".profile"), "");
     EXPECT_EQ(next(".profile"), path(".profile (1)"));
@@ -341,7 +342,7 @@ TEST_F(FileTest, FilePtrModes) {
     std::fputs("x", appender.get());
     appender.close();
     EXPECT_EQ(readTextFile(f), "x");
-    symlink(p, path("link").c_str());
+    std::filesystem::create_symlink(p, path("link").c_str());
     EXPECT_EQ(thrownErrno([&] { FilePtr file(path("link").c_str(), FileRead, FileOwn); }), ELOOP);
     FilePtr own(p, FileRead, FileOwn);
     std::FILE* released = own.release();

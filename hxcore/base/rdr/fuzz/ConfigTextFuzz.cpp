@@ -1,7 +1,7 @@
 // Configuration files, read as a user's and as a policy; what a map holds is the same after a write and a read.
 #include "plat/Configuration.h"
 #include "plat/Exception.h"
-#include "plat/LogSrc.h"
+#include "plat/fuzz/quietLog.h"
 #include "rdr/MemInStream.h"
 #include "rdr/MemOutStream.h"
 #include "rdr/StreamConfig.h"
@@ -29,12 +29,6 @@ void checkRoundTrip(const plat::NameValueMap& map) {
 }
 
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    plat::logSetSpec(""); // what is wrong with the input is logged, and that takes most of the time
-    plat::logActivate();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static plat::Configuration config("Fuzz");

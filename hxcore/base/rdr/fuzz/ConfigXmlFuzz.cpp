@@ -1,17 +1,11 @@
 // A parameter set as XML; what was taken is the same after a write and a read.
 #include "plat/Configuration.h"
 #include "plat/Exception.h"
-#include "plat/LogSrc.h"
+#include "plat/fuzz/quietLog.h"
 #include "rdr/MemOutStream.h"
 #include "rdr/XmlConfig.h"
 
 #include <cstdlib>
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    plat::logSetSpec(""); // what is wrong with the input is logged, and that takes most of the time
-    plat::logActivate();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     plat::Configuration config("Fuzz");

@@ -1,0 +1,132 @@
+#include "checkCatalogs.h"
+
+#include "PoFile.h"
+#include "loc/Directive.h"
+
+#include <iostream>
+#include <regex>
+#include <set>
+#include <string_view>
+
+namespace {
+
+// What a text takes from its caller: the letter by argument position. A directive without a position takes the only
+// argument. False if a directive is malformed, or they don't fit each other.
+bool findArguments(std::string_view text, std::map<int, char>& arguments) {
+    bool withPosition = false;
+    bool withoutPosition = false;
+    for (size_t i = 0; i < text.size();) {
+        if (text[i++] != '%')
+            continue;
+        if (i < text.size() && text[i] == '%') {
+            ++i;
+            continue;
+        }
+        loc::Directive found;
+        std::string_view rest = text.substr(i);
+        if (!found.read(rest))
+            return false;
+        i = text.size() - rest.size();
+        (found.position ? withPosition : withoutPosition) = true;
+        const auto [place, isNew] = arguments.try_emplace(found.position ? found.position : 1, found.letter);
+        // One number may be shown in two forms, but it isn't a string.
+        if (!isNew && (place->second == 'S') != (found.letter == 'S'))
+            return false;
+    }
+    return !(withPosition && withoutPosition);
+}
+
+// The names of the elements in a text, sorted: languages put them in other orders.
+std::multiset<std::string> tagsOf(const std::string& text) {
+    static const std::regex tag("<(a|b|br|div|font|i|li|span|u|ul)[ />]");
+    std::multiset<std::string> tags;
+    for (std::sregex_iterator it(text.begin(), text.end(), tag), end; it != end; ++it)
+        tags.insert((*it)[1]);
+    return tags;
+}
+
+// "&" before a letter that isn't an entity; "&&" is a plain ampersand.
+bool hasMnemonic(const std::string& text) {
+    static const std::regex known("&&|&#?\\w+;");
+    static const std::regex mnemonic("&[^& ]");
+    return std::regex_search(std::regex_replace(text, known, ""), mnemonic);
+}
+
+// A slip in the typography of a language, or null. English texts stand as they were given.
+const char* findSlip(std::string_view language, const std::string& text) {
+    static const struct {
+        std::string_view languages;
+        std::regex pattern;
+        const char* what;
+    } slips[] = {
+        {"de es fr pt", std::regex("[A-Za-z]\\.\\.\\."), " has three dots for an ellipsis"},
+        {"de es fr pt", std::regex("\""), " has straight quotes"},
+        {"fr", std::regex("[A-Za-z]'[A-Za-z\x80-\xff]"), " has a straight apostrophe"},
+        {"fr", std::regex(" (?:[:;!?]|\xc2\xbb)"), " breaks before a mark"},
+        {"fr", std::regex("\xc2\xab "), " breaks after a quote"},
+        {"fr", std::regex("[A-Za-z][!?]"), " lacks the space before a mark"},
+        {"fr", std::regex("[A-Za-z][:;](?: |$)"), " lacks the space before a mark"},
+        {"de", std::regex("[A-Za-z\x80-\xff]'"), " has a straight apostrophe"},
+        {"es", std::regex("^(?!.*\xc2\xbf).*\\?(?: |$)"), " has no opening question mark"},
+        {"es", std::regex("^(?!.*\xc2\xa1).*!(?: |$)"), " has no opening exclamation mark"},
+    };
+    static const std::regex markup("<(a|b|br|div|font|i|li|span|u|ul)[ />][^>]*>|https?://[^ ]*");
+    const std::string plain = std::regex_replace(text, markup, "");
+    for (const auto& slip : slips)
+        if (slip.languages.find(language) != std::string_view::npos && std::regex_search(plain, slip.pattern))
+            return slip.what;
+    return nullptr;
+}
+
+void checkTexts(const std::string& dir, const char* language, const Catalog& english, const Catalog& catalog) {
+    const std::string path = dir + "/" + language + ".po";
+    for (const auto& [key, entry] : english)
+        if (!catalog.count(key))
+            problem(path, "lacks " + key);
+    for (const auto& [key, entry] : catalog) {
+        const std::string place = path + ":" + std::to_string(entry.line);
+        const auto original = english.find(key);
+        if (original == english.end()) {
+            problem(place, key + " is not in en.po");
+            continue;
+        }
+        if (entry.text.empty())
+            problem(place, key + " has no text");
+        std::map<int, char> wanted;
+        std::map<int, char> found;
+        if (!findArguments(entry.text, found))
+            problem(place, key + " has a bad format directive: " + entry.text);
+        else if (findArguments(original->second.text, wanted) && wanted != found)
+            problem(place, key + " takes other arguments than in English: " + entry.text);
+        if (tagsOf(entry.text) != tagsOf(original->second.text))
+            problem(place, key + " has other markup than in English: " + entry.text);
+        if (hasMnemonic(entry.text) != hasMnemonic(original->second.text))
+            problem(place, key + " has no mnemonic, or one that English lacks: " + entry.text);
+        const char* const slip = findSlip(language, entry.text);
+        if (slip)
+            problem(place, key + slip + ": " + entry.text);
+    }
+}
+
+} // namespace
+
+int checkCatalogs(const std::vector<std::string>& dirs) {
+    std::map<std::string, std::string> owners; // of keys
+    size_t keys = 0;
+    for (const std::string& dir : dirs) {
+        std::map<std::string, Catalog> catalogs;
+        for (const char* const language : languages)
+            if (!readCatalog(dir, language, catalogs[language]))
+                problem(dir, std::string("no ") + language + ".po");
+        for (const char* const language : languages)
+            checkTexts(dir, language, catalogs["en"], catalogs[language]);
+        for (const auto& [key, entry] : catalogs["en"]) {
+            const auto [owner, isNew] = owners.try_emplace(key, dir);
+            if (!isNew)
+                problem(dir, key + " is also in " + owner->second);
+        }
+        keys += catalogs["en"].size();
+    }
+    std::cout << dirs.size() << " catalogs, " << keys << " keys, " << problems << " problems\n";
+    return problems ? 1 : 0;
+}
