@@ -1,6 +1,7 @@
 #include "mui/tx/MuDialogTx.h"
 
 #include "mui/wvw/MuHotKey.h"
+#include "mui/wvw/MuMenuBarWvw.h"
 #include "mui/wvw/MuiWvw.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/Region.h"
@@ -181,6 +182,23 @@ void MuDialogTx::forgetElement(MuElement* element) {
     MuDialog::forgetElement(element);
     if (defaultFocus == element)
         defaultFocus = nullptr;
+    if (element == bar)
+        bar = nullptr;
+}
+
+ui::MenuBar* MuDialogTx::menuBar() {
+    if (!bar) {
+        bar = new MuMenuBarWvw;
+        add(bar);
+        std::rotate(panels.begin(), panels.end() - 1, panels.end()); // above all other panels
+        setPanelPosition(bar, PanelTop);
+        doLayout();
+    }
+    return bar;
+}
+
+bool MuDialogTx::menuBarKey(unsigned keysym, unsigned modifiers) {
+    return bar && (modifiers & AltBit || keysym == rfb::key::F10) && bar->hotKey(wvw::foldKeysym(keysym));
 }
 
 void MuDialogTx::adopt(MuElement* element) {

@@ -12,6 +12,8 @@
 
 namespace mui {
 
+class MuMenuBarWvw;
+
 /// The window side of a dialog. nativeWindow() is its tx::TXWindow.
 class MuDialogTx : public MuDialog, private wvw::WInputHandler, private wvw::WMouseInputHandler {
 public:
@@ -25,7 +27,7 @@ public:
     void setTitle(const char* title) override;
     rfb::Point getOuterSize() override;
     rfb::Rect getScreenArea() override;
-    ui::MenuBar* menuBar() override { return nullptr; }
+    ui::MenuBar* menuBar() override;
     void setDefaultFocus(MuElement* element) override;
 
     // MuContainer, MuElement
@@ -41,6 +43,8 @@ public:
     void repaint(const rfb::Rect& rect) override;
 
 protected:
+    // MuDialog
+    bool menuBarKey(unsigned keysym, unsigned modifiers) override;
     void forgetElement(MuElement* element) override;
 
 private:
@@ -75,6 +79,7 @@ private:
     std::unique_ptr<Border> border;  // only with Bordered
     wvw::WLayout* content = nullptr; // what holds the panels: the window's canvas, or what lies inside the border
     std::unique_ptr<MuCommonWvw> commonWvw;
+    MuMenuBarWvw* bar = nullptr; // one of our panels, made on demand
     MuElement* defaultFocus = nullptr;
     bool focusGiven = false; // since the tree was attached
     bool shown = false;

@@ -6,6 +6,7 @@ MuCheckWvw::MuCheckWvw(const char* name, const char* label_, Group* group_)
     : MuCheck(name, label_, group_), widget(nullptr, label_, group_ ? "WCheck_dot" : "WCheck_check"),
       commonWvw(this, &widget) {
     common = &commonWvw;
+    widget.setGap(labelGap(label_));
     widget.getLabel().setTransparent(!isLayoutDebugged());
     widget.setHandler(this);
 }

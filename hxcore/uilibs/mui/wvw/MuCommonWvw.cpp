@@ -1,5 +1,6 @@
 #include "mui/wvw/MuCommonWvw.h"
 
+#include "hxutil/metrics.h"
 #include "mui/MuContainer.h"
 #include "mui/wvw/MuiWvw.h"
 #include "plat/Assert.h"
@@ -8,6 +9,8 @@
 
 namespace mui {
 namespace {
+constexpr int labelGapUnits = 8; // as between a check mark and its label
+
 bool sameStyle(const MuStyle& a, const MuStyle& b) {
     return a.family == b.family && a.size == b.size && a.weight == b.weight &&
            a.textColour.isNull() == b.textColour.isNull() && a.textColour == b.textColour &&
@@ -83,5 +86,7 @@ void MuCommonWvw::repaint(const rfb::Rect& rect) { widget->invalidate(rfb::Regio
 void MuCommonWvw::setDeliberate(bool on) { widget->setDeliberate(on); }
 
 bool MuCommonWvw::confirmAct() { return widget->confirmAct(); }
+
+int labelGap(const char* label) { return label && *label ? hxutil::scaled(labelGapUnits) : 0; }
 
 } // namespace mui

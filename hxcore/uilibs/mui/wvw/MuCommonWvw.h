@@ -52,4 +52,7 @@ private:
     unsigned appliedGeneration = 0; // of the theme; 0 while no style was applied
 };
 
+/// Pixels between a label (null or "" for none) and its control.
+int labelGap(const char* label);
+
 } // namespace mui

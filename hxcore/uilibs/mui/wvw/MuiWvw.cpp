@@ -6,10 +6,17 @@
 #include "mui/muFactories.h"
 #include "mui/wvw/MuButtonWvw.h"
 #include "mui/wvw/MuCheckWvw.h"
+#include "mui/wvw/MuChoiceWvw.h"
+#include "mui/wvw/MuEditWvw.h"
 #include "mui/wvw/MuFrameWvw.h"
 #include "mui/wvw/MuImageWvw.h"
 #include "mui/wvw/MuLayoutWvw.h"
 #include "mui/wvw/MuLineWvw.h"
+#include "mui/wvw/MuListWvw.h"
+#include "mui/wvw/MuPagerWvw.h"
+#include "mui/wvw/MuScrollWvw.h"
+#include "mui/wvw/MuSliderWvw.h"
+#include "mui/wvw/MuSplitterWvw.h"
 #include "mui/wvw/MuStaticWvw.h"
 #include "mui/wvw/MuTextWvw.h"
 #include "plat/Assert.h"
@@ -69,10 +76,17 @@ void MuiWvw::refreshTheme() {
 void MuiWvw::fillWidgetFactories() {
     muButtonFactory = makeButton;
     muCheckFactory = makeCheck;
+    muChoiceFactory = makeChoice;
+    muEditFactory = makeEdit;
     muFrameFactory = makeFrame;
     muImageFactory = makeImage;
     muLayoutFactory = makeLayout;
     muLineFactory = makeLine;
+    muListFactory = makeList;
+    muPagerFactory = makePager;
+    muScrollFactory = makeScroll;
+    muSliderFactory = makeSlider;
+    muSplitterFactory = makeSplitter;
     muStaticFactory = makeStatic;
     muTextFactory = makeText;
 }
@@ -83,6 +97,14 @@ MuButton* MuiWvw::makeButton(const char* name, const char* label, int type, unsi
 
 MuCheck* MuiWvw::makeCheck(const char* name, const char* label, void* group) {
     return new MuCheckWvw(name, label, static_cast<MuCheck::Group*>(group));
+}
+
+MuChoice* MuiWvw::makeChoice(const char* name, const char* label, bool editable) {
+    return new MuChoiceWvw(name, label, editable);
+}
+
+MuEdit* MuiWvw::makeEdit(const char* name, const char* label, int type) {
+    return new MuEditWvw(name, label, static_cast<MuEdit::Type>(type));
 }
 
 MuFrame* MuiWvw::makeFrame(const char* name, int type, const char* title) {
@@ -99,6 +121,22 @@ MuLayout* MuiWvw::makeLayout(const char* name, int orientation) {
 
 MuLine* MuiWvw::makeLine(const char* name, int type, int orientation) {
     return new MuLineWvw(name, static_cast<MuLine::Type>(type), static_cast<Orientation>(orientation));
+}
+
+MuList* MuiWvw::makeList(const char* name, unsigned flags) { return new MuListWvw(name, flags); }
+
+MuPager* MuiWvw::makePager(const char* name, int type) {
+    return new MuPagerWvw(name, static_cast<MuPager::Type>(type));
+}
+
+MuScroll* MuiWvw::makeScroll(const char* name, unsigned style) { return new MuScrollWvw(name, style); }
+
+MuSlider* MuiWvw::makeSlider(const char* name, int orientation, int min, int max) {
+    return new MuSliderWvw(name, static_cast<Orientation>(orientation), min, max);
+}
+
+MuSplitter* MuiWvw::makeSplitter(const char* name, int orientation, bool thin, int mode) {
+    return new MuSplitterWvw(name, static_cast<Orientation>(orientation), thin, static_cast<MuSplitter::Mode>(mode));
 }
 
 MuStatic* MuiWvw::makeStatic(const char* name, const char* text, int align) {

@@ -7,13 +7,20 @@
 
 namespace mui {
 
-class MuCheck;
 class MuButton;
+class MuCheck;
+class MuChoice;
+class MuEdit;
 class MuElement;
 class MuFrame;
 class MuImage;
 class MuLayout;
 class MuLine;
+class MuList;
+class MuPager;
+class MuScroll;
+class MuSlider;
+class MuSplitter;
 class MuStatic;
 class MuText;
 struct MuStyle;
@@ -38,10 +45,17 @@ public:
     // What the factories call
     static MuButton* makeButton(const char* name, const char* label, int type, unsigned flags);
     static MuCheck* makeCheck(const char* name, const char* label, void* group);
+    static MuChoice* makeChoice(const char* name, const char* label, bool editable);
+    static MuEdit* makeEdit(const char* name, const char* label, int type);
     static MuFrame* makeFrame(const char* name, int type, const char* title);
     static MuImage* makeImage(const char* name, const char* imageName, const rfb::Point& size);
     static MuLayout* makeLayout(const char* name, int orientation);
     static MuLine* makeLine(const char* name, int type, int orientation);
+    static MuList* makeList(const char* name, unsigned flags);
+    static MuPager* makePager(const char* name, int type);
+    static MuScroll* makeScroll(const char* name, unsigned style);
+    static MuSlider* makeSlider(const char* name, int orientation, int min, int max);
+    static MuSplitter* makeSplitter(const char* name, int orientation, bool thin, int mode);
     static MuStatic* makeStatic(const char* name, const char* text, int align);
     static MuText* makeText(const char* name, const char* markup, int align);
 
