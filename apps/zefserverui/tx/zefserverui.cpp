@@ -4,6 +4,7 @@
 #include "mui/MuiComms.h"
 #include "mui/tx/muFactories.h"
 #include "mui/wvw/MuiWvw.h"
+#include "os/setUserHelper.h"
 #include "plat/Configuration.h"
 #include "plat/DString.h"
 #include "plat/Exception.h"
@@ -105,9 +106,8 @@ int runServerUi(int argc, char** argv) {
 int unavailableRoad(const char* road) { throw plat::ExceptionFmt("%s is not available in this build", road); }
 
 int runRoad(int argc, char** argv) {
+    os::runSetUserHelper(argc, argv); // before anything is opened or read
     const char* road = argc >= 2 ? argv[1] : "";
-    if (strcmp(road, "-setuidhelper") == 0)
-        return unavailableRoad(road);
     repairStandardDescriptors();
     if (strcmp(road, "-statusicon") == 0 || strcmp(road, "-QueryConnectApp") == 0)
         return unavailableRoad(road);

@@ -42,6 +42,7 @@ public:
     int drain();
 
     int getWriteFd() const { return writeFd; }
+    bool isAttached() const { return fdMgr != nullptr; } ///< false once its loop is gone
 
 private:
     // io::FdHandler

@@ -1,6 +1,7 @@
 #include "os/AppLoop.h"
 
 #include "io/FdSelectManager.h"
+#include "os/ProcessMonitor.h"
 #include "plat/Assert.h"
 #include "plat/LogSrc.h"
 
@@ -32,6 +33,7 @@ AppLoop* AppLoop::inst = nullptr;
 AppLoop::AppLoop(std::unique_ptr<Impl> ownImpl) {
     ASSERT(!inst);
     impl = ownImpl ? std::move(ownImpl) : std::make_unique<AppLoopImpl>();
+    ProcessMonitor::instance().attach(); // to the outermost loop
     inst = this;
 }
 

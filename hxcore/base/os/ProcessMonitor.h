@@ -58,11 +58,12 @@ private:
     };
 
     ProcessMonitor();
-    ~ProcessMonitor() override;
+    ~ProcessMonitor() override = default;
 
     // io::FdKickerCallback
     void kicked(io::FdKicker* from) override;
 
+    void startOver();
     void reapOne(pid_t pid);
 
     pid_t owner; // a fork leaves a copy that is no use

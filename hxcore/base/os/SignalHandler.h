@@ -3,6 +3,7 @@
 
 #include "io/FdKicker.h"
 #include "plat/NonCopyable.h"
+#include "plat/String.h"
 
 #include <csignal>
 #include <map>
@@ -50,6 +51,6 @@ private:
 };
 
 /// "SIGTERM", "SIGRTMIN+3"; "signal 99" for what has no name.
-const char* signalName(int signal);
+plat::String signalName(int signal);
 
 } // namespace os

@@ -26,13 +26,13 @@ struct LaunchConfig {
     uid_t user = 0;
     bool nullInput = false;  ///< standard input is /dev/null
     bool nullOutput = false; ///< standard output is /dev/null; the error stream stays
-    bool detach = false;     ///< in a session of its own, and nobody waits for it
+    bool detach = false;     ///< in a session of its own, so that it may outlive us
 };
 
 /// Starts a program and gives its process id once it runs: once execve(2) has succeeded.
 ///
 /// Signals are at their defaults and unblocked in the child. It is entered with the ProcessMonitor, which tells
-/// `callback` (borrowed, may be null) of its end; with `detach` none is told.
+/// `callback` (borrowed, may be null) of its end.
 ///
 /// Throws plat::Exception "%s does not exist or is not executable", os::LaunchFailed where there is no way to root,
 /// and plat::SystemException for what failed on the way, with the name of the call: "fork", "dup2", "execve(/x/y)".

@@ -1,18 +1,15 @@
 #include "os/openUrl.h"
 
+#include "os/launchProcess.h"
+#include "plat/Exception.h"
 #include "plat/LogSrc.h"
 #include "plat/cstr.h"
 #include "plat/path.h"
 
-#include <cerrno>
-#include <csignal>
-#include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
+#include <map>
 #include <string>
 #include <sys/stat.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace os {
@@ -20,6 +17,48 @@ namespace {
 plat::LogSrc log("OpenUrl");
 constexpr const char* opener = "xdg-open";
 constexpr const char* schemes[] = {"http://", "https://", "mailto:"};
+
+/// Hears how the openers ended.
+class Openers : public ProcessMonitor::Callback {
+public:
+    static Openers& instance() {
+        static Openers* const openers = new Openers; // as long as the monitor
+        return *openers;
+    }
+
+    bool start(const char* target) {
+        LaunchConfig cfg;
+        cfg.args = {findProgram(opener), target};
+        cfg.nullInput = true;
+        cfg.detach = true; // a browser may begin here
+        try {
+            if (cfg.args[0].isEmpty())
+                throw plat::ExceptionFmt("there is no %s", opener);
+            targets[launchProcess(cfg, this)] = target;
+        } catch (const plat::Exception& failure) {
+            log.status("Failed to open url: %s", target);
+            log.status("%s", failure.describe().c_str());
+            return false;
+        }
+        log.info("Opened url: %s", target);
+        return true;
+    }
+
+    // ProcessMonitor::Callback
+    void processEnded(pid_t pid, int waitStatus) override {
+        const auto found = targets.find(pid);
+        if (found == targets.end())
+            return;
+        if (waitStatus != 0 && waitStatus != ProcessMonitor::lost) {
+            log.status("Failed to open url: %s", found->second.c_str());
+            log.status("%s ended with %s", opener, waitStatusText(waitStatus).c_str());
+        }
+        targets.erase(found);
+    }
+
+private:
+    std::map<pid_t, std::string> targets;
+};
 
 bool hasControlChars(const char* text) {
     for (const char* c = text; *c; ++c) {
@@ -42,107 +81,27 @@ bool isDirectory(const char* path) {
     return plat::path::isAbsolute(path) && stat(path, &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-// In the absolute directories of PATH only: what lies in the working directory is nobody's choice.
-std::string findOpener() {
-    const char* path = getenv("PATH");
-    std::string rest = path ? path : "/usr/local/bin:/usr/bin:/bin";
-    while (!rest.empty()) {
-        const size_t colon = rest.find(':');
-        const std::string candidate = rest.substr(0, colon) + "/" + opener;
-        if (candidate[0] == '/' && access(candidate.c_str(), X_OK) == 0)
-            return candidate;
-        rest.erase(0, colon == std::string::npos ? rest.size() : colon + 1);
-    }
-    return "";
-}
-
-// From here to execve, between fork and exec, only calls that are safe in a signal handler.
-[[noreturn]] void becomeOpener(const char* program, const char* argument, int failurePipe) {
-    struct sigaction standard {};
-    standard.sa_handler = SIG_DFL;
-    for (const int number : {SIGPIPE, SIGCHLD, SIGINT, SIGTERM, SIGHUP})
-        sigaction(number, &standard, nullptr);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    const int null = open("/dev/null", O_RDWR);
-    if (null >= 0)
-        dup2(null, STDIN_FILENO);
-    // What is inherited without the mark goes too, at exec.
-    constexpr unsigned closeOnExec = 1U << 2; // CLOSE_RANGE_CLOEXEC of close_range(2)
-    if (syscall(SYS_close_range, 3U, ~0U, closeOnExec) < 0) {
-        for (int fd = 3; fd < 1024; ++fd)
-            fcntl(fd, F_SETFD, FD_CLOEXEC);
-    }
-    char* const args[] = {const_cast<char*>(opener), const_cast<char*>(argument), nullptr};
-    execve(program, args, environ);
-    const int errNo = errno;
-    [[maybe_unused]] const ssize_t told = write(failurePipe, &errNo, sizeof errNo);
-    _exit(127);
-}
-
-// A child of a child is reaped by init, whatever is done about SIGCHLD here.
-bool forkTwice(const char* program, const char* argument, int failurePipe) {
-    const pid_t child = fork();
-    if (child < 0)
-        return false;
-    if (child == 0) {
-        setsid();
-        const pid_t grandchild = fork();
-        if (grandchild == 0)
-            becomeOpener(program, argument, failurePipe);
-        _exit(grandchild < 0 ? 1 : 0);
-    }
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0) {
-        if (errno != EINTR)
-            return true; // somebody else reaped it
-    }
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
-// The pipe closes, empty, when exec has succeeded.
-int readFailure(int fd) {
-    int errNo = 0;
-    ssize_t count;
-    do
-        count = read(fd, &errNo, sizeof errNo);
-    while (count < 0 && errno == EINTR);
-    return count == sizeof errNo ? errNo : 0;
-}
-
-bool runOpener(const char* argument) {
-    const std::string program = findOpener();
-    if (program.empty()) {
-        log.status("There is no %s to open %s with", opener, argument);
+// What a browser or file manager does, it does with the rights of whoever started it.
+bool open(const char* target) {
+    if (geteuid() == 0) {
+        log.status("Refusing to open url as root: %s", target);
         return false;
     }
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) < 0) {
-        log.error("pipe2: %s", strerror(errno));
-        return false;
-    }
-    const bool forked = forkTwice(program.c_str(), argument, ends[1]);
-    close(ends[1]);
-    const int failure = readFailure(ends[0]);
-    close(ends[0]);
-    if (failure)
-        log.status("Failed to start %s: %s", program.c_str(), strerror(failure));
-    return forked && failure == 0;
+    return Openers::instance().start(target);
 }
 
 } // namespace
 
 bool openUrl(const char* url) {
     if (url && isOpenable(url))
-        return runOpener(url);
+        return open(url);
     log.info("Not an address to open: %s", plat::strOrEmpty(url));
     return false;
 }
 
 bool openFolder(const char* path) {
     if (path && isDirectory(path))
-        return runOpener(path);
+        return open(path);
     log.info("Not a folder: %s", plat::strOrEmpty(path));
     return false;
 }

@@ -5,7 +5,8 @@ namespace os {
 
 /// Opens an http, https or mailto address; false if it is none of these, or the opener can't be started.
 ///
-/// The opener runs on its own: it is no child of this process, and inherits none of its descriptors.
+/// The opener gets it as one argument, runs in a session of its own and inherits none of our descriptors. It is not
+/// started as root. That it failed later is logged.
 bool openUrl(const char* url);
 
 /// Opens a folder in the desktop's file manager; `path` must be absolute. False as for openUrl.

@@ -1,5 +1,6 @@
 #include "sui/unix/ServerUiUnix.h"
 
+#include "os/elevate.h"
 #include "tx/TXWindow.h"
 #include "tx/WindowManager.h"
 
@@ -8,7 +9,10 @@ namespace {
 constexpr unsigned fallbackMs = 4000;
 }
 
-ServerUiUnix::ServerUiUnix(io::MsgIpc* link) : ui(link, this), fallbackTimer(this) { fallbackTimer.start(fallbackMs); }
+ServerUiUnix::ServerUiUnix(io::MsgIpc* link) : ui(link, this), fallbackTimer(this) {
+    os::setPkexecAllowed(false); // the user is asked in a terminal
+    fallbackTimer.start(fallbackMs);
+}
 
 ServerUiUnix::~ServerUiUnix() = default;
 

@@ -1,89 +1,126 @@
 #include "os/openUrl.h"
-
+#include "io/FdSelectManager.h"
 #include "os/LinkCbOpenUrl.h"
+#include "os/ProcessMonitor.h"
 #include "os/test/TempDir.h"
+#include "os/test/ordinaryUser.h"
+#include "plat/test/CapturedLog.h"
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
+#include <memory>
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace os {
 namespace {
 
-/// Puts an opener into PATH that writes what it was given into a FIFO.
-class OpenUrlTest : public testing::Test {
-protected:
-    OpenUrlTest() : oldPath(getenv("PATH")) {
+/// An opener in PATH that writes what it was given into a FIFO. For use by an ordinary user.
+class Desktop {
+public:
+    Desktop() {
         EXPECT_EQ(mkfifo((dir / "out").c_str(), 0600), 0);
-        script("#!/bin/sh\nls /proc/$$/fd | tr '\\n' ' ' > " + (dir / "fds") + "\nprintf '%s|%s' \"$#\" \"$1\" > " +
-               (dir / "out") + "\n");
+        script("ls /proc/$$/fd | tr '\\n' ' ' > " + (dir / "fds") + "\nprintf '%s|%s' \"$#\" \"$1\" > " +
+               (dir / "out"));
         setenv("PATH", (dir.path + ":/usr/bin:/bin").c_str(), 1);
     }
-    ~OpenUrlTest() override { setenv("PATH", oldPath.c_str(), 1); }
-    void script(const std::string& body) {
-        std::ofstream(dir / "xdg-open") << body;
+    void script(const std::string& body, const char* interpreter = "#!/bin/sh\n") {
+        std::ofstream(dir / "xdg-open") << interpreter << body << "\n";
         chmod((dir / "xdg-open").c_str(), 0755);
     }
     std::string given() { // waits for the opener
         std::ifstream in(dir / "out");
         return {std::istreambuf_iterator<char>(in), {}};
     }
+    bool hasLogged(const std::string& line) const { return log.has(line); }
+    void waitUntilLogged(const std::string& line) {
+        for (int i = 0; i < 500 && !log.has(line); ++i)
+            loop.poll(10);
+        EXPECT_TRUE(log.has(line)) << line;
+    }
 
+    io::FdSelectManager loop{/*nested=*/true};
+    plat::CapturedLog log;
     TempDir dir;
-    std::string oldPath;
 };
 
-TEST_F(OpenUrlTest, GivesTheAddressAsOneArgumentAndLeavesNoChild) {
-    const int leaky = fcntl(STDERR_FILENO, F_DUPFD, 77); // without close-on-exec, and no number that a shell uses
-    const char* url = "https://example.com/?a=$(touch x)&b='c' \"d\";ls *";
-    EXPECT_TRUE(openUrl(url));
-    EXPECT_EQ(given(), std::string("1|") + url);
-    errno = 0;
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
-    EXPECT_EQ(errno, ECHILD);
-    std::ifstream fds(dir / "fds");
-    const std::string open{std::istreambuf_iterator<char>(fds), {}};
-    EXPECT_EQ((" " + open).find(" " + std::to_string(leaky) + " "), std::string::npos) << open;
-    close(leaky);
+TEST(OpenUrl, GivesTheAddressAsOneArgumentAndNothingElse) {
+    asOrdinaryUser([] {
+        Desktop desktop;
+        const int leaky = dup2(1, 77); // without close-on-exec
+        const char* url = "https://example.com/?a=$(touch x)&b='c' \"d\";ls *";
+        EXPECT_TRUE(openUrl(url));
+        EXPECT_EQ(desktop.given(), std::string("1|") + url);
+        std::ifstream fds(desktop.dir / "fds");
+        const std::string inOpener{std::istreambuf_iterator<char>(fds), {}};
+        EXPECT_EQ((" " + inOpener).find(" " + std::to_string(leaky) + " "), std::string::npos) << inOpener;
+        EXPECT_TRUE(desktop.hasLogged(std::string("30 OpenUrl: Opened url: ") + url));
+        plat::LinkCbOpenUrl link;
+        link.linkClicked("https://b");
+        EXPECT_EQ(desktop.given(), "1|https://b");
+    });
 }
 
-TEST_F(OpenUrlTest, TakesOnlyAddressesOfTheWebAndMail) {
-    plat::LinkCbOpenUrl().linkClicked("https://link");
-    EXPECT_EQ(given(), "1|https://link");
-    for (const char* url : {"HTTP://x", "https://x", "mailto:a@b"}) {
-        EXPECT_TRUE(openUrl(url)) << url;
-        EXPECT_EQ(given(), std::string("1|") + url);
-    }
-    for (const char* url : {"", "http://", "mailto:", "file:///etc/passwd", "javascript:x", "-help", "/tmp",
-                            "example.com", " http://x", "ftp://x", "http:/x", "http://x\ny", "https://x\x7f"})
-        EXPECT_FALSE(openUrl(url)) << url;
-    EXPECT_FALSE(openUrl(nullptr));
+TEST(OpenUrl, TakesOnlyAddressesOfTheWebAndMail) {
+    asOrdinaryUser([] {
+        Desktop desktop;
+        for (const char* url : {"HTTP://x", "https://x", "mailto:a@b"}) {
+            EXPECT_TRUE(openUrl(url)) << url;
+            EXPECT_EQ(desktop.given(), std::string("1|") + url);
+        }
+        for (const char* url : {"", "http://", "mailto:", "file:///etc/passwd", "javascript:x", "-help", "/tmp",
+                                "example.com", " http://x", "ftp://x", "http:/x", "http://x\ny", "https://x\x7f"})
+            EXPECT_FALSE(openUrl(url)) << url;
+        EXPECT_FALSE(openUrl(nullptr));
+    });
 }
 
-TEST_F(OpenUrlTest, OpensFoldersThatAreThere) {
-    EXPECT_TRUE(openFolder(dir.path.c_str()));
-    EXPECT_EQ(given(), "1|" + dir.path);
-    for (const char* path : {"", ".", "-x", "/nonexistent/folder", "/etc/passwd"})
-        EXPECT_FALSE(openFolder(path)) << path;
-    EXPECT_FALSE(openFolder(nullptr));
+TEST(OpenUrl, OpensFoldersThatAreThere) {
+    asOrdinaryUser([] {
+        Desktop desktop;
+        EXPECT_TRUE(openFolder(desktop.dir.path.c_str()));
+        EXPECT_EQ(desktop.given(), "1|" + desktop.dir.path);
+        for (const char* path : {"", ".", "-x", "/nonexistent/folder", "/etc/passwd"})
+            EXPECT_FALSE(openFolder(path)) << path;
+        EXPECT_FALSE(openFolder(nullptr));
+    });
 }
 
-TEST_F(OpenUrlTest, TellsWhenTheOpenerIsMissingOrBroken) {
-    script("no interpreter line, and no program\n");
-    EXPECT_FALSE(openUrl("https://x")) << "execve has no shell to fall back on";
-    setenv("PATH", (dir / "empty").c_str(), 1);
-    EXPECT_FALSE(openUrl("https://x"));
-    ASSERT_EQ(chdir(dir.path.c_str()), 0);
-    setenv("PATH", ".:", 1);
-    EXPECT_FALSE(openUrl("https://x")) << "not from the working directory";
-    ASSERT_EQ(chdir("/"), 0);
+TEST(OpenUrl, TellsWhenTheOpenerIsMissingOrBroken) {
+    asOrdinaryUser([] {
+        Desktop desktop;
+        desktop.script("neither a program nor an interpreter's", "");
+        EXPECT_FALSE(openUrl("https://x")) << "execve has no shell to fall back on";
+        EXPECT_TRUE(desktop.hasLogged("10 OpenUrl: Failed to open url: https://x"));
+        desktop.script("exit 4");
+        EXPECT_TRUE(openUrl("https://later"));
+        desktop.waitUntilLogged("10 OpenUrl: Failed to open url: https://later");
+        EXPECT_TRUE(desktop.hasLogged("10 OpenUrl: xdg-open ended with status 4"));
+        setenv("PATH", (desktop.dir / "empty").c_str(), 1);
+        EXPECT_FALSE(openUrl("https://x"));
+        ASSERT_EQ(chdir(desktop.dir.path.c_str()), 0);
+        setenv("PATH", ".:", 1);
+        EXPECT_FALSE(openUrl("https://x")) << "not from the working directory";
+        ASSERT_EQ(chdir("/"), 0);
+    });
+}
+
+TEST(OpenUrl, RefusesAsRoot) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only for root";
+    plat::inChild([] {
+        Desktop desktop;
+        EXPECT_FALSE(openUrl("https://x"));
+        EXPECT_TRUE(desktop.hasLogged("10 OpenUrl: Refusing to open url as root: https://x"));
+        EXPECT_FALSE(openFolder("/tmp"));
+        EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "nothing was started";
+    });
 }
 
 } // namespace

@@ -1,7 +1,10 @@
+#include "os/setUserHelper.h"
 #include "os/test/ChildRoad.h"
+#include "plat/Exception.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 
@@ -22,6 +25,12 @@ std::string ChildRoad::program() { return std::filesystem::read_symlink("/proc/s
 } // namespace os
 
 int main(int argc, char** argv) {
+    try {
+        os::runSetUserHelper(argc, argv);
+    } catch (const plat::Exception& failure) {
+        fprintf(stderr, "%s\n", failure.describe().c_str());
+        return 1;
+    }
     if (const os::ChildRoad* road = os::ChildRoad::find(argc, argv))
         return road->run(argc, argv);
     testing::InitGoogleTest(&argc, argv);
