@@ -1,5 +1,6 @@
 #include "hxutil/Scaler.h"
 
+#include "hxutil/scaleRows.h"
 #include "plat/Assert.h"
 #include "plat/Exception.h"
 #include "rfb/Colour.h"
@@ -19,7 +20,7 @@ struct Scaler::Job {
     int dstStride;
     rfb::Rect rect; // of the target
     Coords coords;
-    Sum* rowSums; // one for each column of rect, all zero before and after
+    int (*rowSums)[4]; // one for each column of rect, all zero before and after
     const rfb::PixelFormat* from;
     const rfb::PixelFormat* to;
     const rfb::ColourMap* fromMap;
@@ -41,23 +42,11 @@ struct Scaler::Loops {
         static uint32_t pack(const Job&, const int* c) { return static_cast<uint32_t>(c[0] << 11 | c[1] << 5 | c[2]); }
     };
 
-    struct Rgb888 {
-        static constexpr int channels = 3, srcBytes = 4, dstBytes = 4;
-        static void unpack(const Job&, uint32_t p, int* c) {
-            c[0] = p >> 16 & 255, c[1] = p >> 8 & 255, c[2] = p & 255;
-        }
-        static uint32_t pack(const Job&, const int* c) { return static_cast<uint32_t>(c[0] << 16 | c[1] << 8 | c[2]); }
-    };
-
-    /// Any four bytes, wherever the channels lie.
+    /// Four channels of a byte each, wherever they lie, through the loops of scaleRows. Bits outside `mask` are 0.
+    template <uint32_t mask>
     struct FourBytes {
-        static constexpr int channels = 4, srcBytes = 4, dstBytes = 4;
-        static void unpack(const Job&, uint32_t p, int* c) {
-            c[0] = p >> 24, c[1] = p >> 16 & 255, c[2] = p >> 8 & 255, c[3] = p & 255;
-        }
-        static uint32_t pack(const Job&, const int* c) {
-            return static_cast<uint32_t>(c[0]) << 24 | static_cast<uint32_t>(c[1] << 16 | c[2] << 8 | c[3]);
-        }
+        static constexpr int srcBytes = 4, dstBytes = 4;
+        static constexpr uint32_t ink = mask;
     };
 
     template <int srcSize, int dstSize>
@@ -77,11 +66,21 @@ struct Scaler::Loops {
     static void addRow(const Job& job, const uint8_t* row, int weight) {
         const int stepX = job.coords.srcSz.x;
         const int srcPixel = job.coords.dstSz.x; // the length of a source pixel
-        const int recipX = 0x800000 / stepX;
         const int64_t start = static_cast<int64_t>(job.rect.tl.x) * stepX;
         int x = static_cast<int>(start / srcPixel);
         int left = static_cast<int>((x + int64_t{1}) * srcPixel - start); // of source pixel x
         const uint8_t* p = row + static_cast<std::ptrdiff_t>(x - job.sourceRect.tl.x) * Kind::srcBytes;
+        if constexpr (requires { Kind::ink; })
+            addScaleRow({p, left, srcPixel, stepX, job.rect.width(), weight}, job.rowSums);
+        else
+            addPixels<Kind>(job, p, left, weight);
+    }
+
+    template <class Kind>
+    static void addPixels(const Job& job, const uint8_t* p, int left, int weight) {
+        const int stepX = job.coords.srcSz.x;
+        const int srcPixel = job.coords.dstSz.x;
+        const int recipX = 0x800000 / stepX;
         for (int i = 0; i < job.rect.width(); ++i) {
             int sum[4] = {};
             for (int need = stepX; need > 0;) {
@@ -98,20 +97,28 @@ struct Scaler::Loops {
                 }
             }
             for (int k = 0; k < Kind::channels; ++k)
-                job.rowSums[i].c[k] += (((sum[k] + stepX / 2) * recipX) >> 23) * weight;
+                job.rowSums[i][k] += (((sum[k] + stepX / 2) * recipX) >> 23) * weight;
         }
     }
 
     template <class Kind>
     static void writeRow(const Job& job, uint8_t* out) {
         const int stepY = job.coords.srcSz.y;
+        if constexpr (requires { Kind::ink; })
+            writeScaleRow(out, stepY, job.rect.width(), Kind::ink, job.rowSums);
+        else
+            writePixels<Kind>(job, out, stepY);
+    }
+
+    template <class Kind>
+    static void writePixels(const Job& job, uint8_t* out, int stepY) {
         const int recipY = 0x800000 / stepY;
         for (int i = 0; i < job.rect.width(); ++i, out += Kind::dstBytes) {
             int c[4];
             for (int k = 0; k < Kind::channels; ++k)
-                c[k] = ((job.rowSums[i].c[k] + stepY / 2) * recipY) >> 23;
+                c[k] = ((job.rowSums[i][k] + stepY / 2) * recipY) >> 23;
             rfb::storePixel<Kind::dstBytes>(out, Kind::pack(job, c));
-            job.rowSums[i] = Sum{};
+            std::fill_n(job.rowSums[i], 4, 0);
         }
     }
 
@@ -177,9 +184,9 @@ Scaler::ScaleFn Scaler::findFn(const rfb::PixelFormat& from, const rfb::PixelFor
         if (from.equal(rfb::pfRGB565()))
             return Loops::scale<Loops::Rgb565>;
         if (from.equal(rfb::pfRGB888()))
-            return Loops::scale<Loops::Rgb888>;
+            return Loops::scale<Loops::FourBytes<0x00ffffff>>;
         if (from.equal(rfb::pfARGB8888()) || from.equal(rfb::pfABGR8888()))
-            return Loops::scale<Loops::FourBytes>;
+            return Loops::scale<Loops::FourBytes<0xffffffff>>;
     }
     const int srcIdx = from.bytesPerPixel() - 1;
     const int dstIdx = to.bytesPerPixel() - 1;
@@ -229,7 +236,7 @@ void Scaler::getImage(void* buffer, const rfb::Rect& r, int stride) const {
     job.coords = coords_;
     if (rowSums.size() < static_cast<size_t>(r.width()))
         rowSums.resize(static_cast<size_t>(r.width()));
-    job.rowSums = rowSums.data();
+    job.rowSums = reinterpret_cast<int(*)[4]>(rowSums.data());
     job.from = &source->getPf();
     job.to = &outPf;
     job.fromMap = source->getColourMap();

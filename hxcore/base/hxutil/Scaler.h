@@ -6,6 +6,7 @@
 #include "rfb/PixelFormat.h"
 #include "rfb/Rect.h"
 
+#include <array>
 #include <vector>
 
 namespace rfb {
@@ -39,9 +40,7 @@ public:
     rfb::Point getDstSize() const { return coords_.dstSz; }
 
 private:
-    struct Sum {
-        int c[4];
-    };
+    using Sum = std::array<int, 4>; // of the channels
     struct Job;
     struct Loops; // the inner loops, a template for each kind of format
     using ScaleFn = void (*)(const Job& job);

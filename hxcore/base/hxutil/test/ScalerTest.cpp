@@ -6,6 +6,7 @@
 #include "rfb/Colour.h"
 #include "rfb/ColourMap.h"
 #include "rfb/Region.h"
+#include "rfb/renderOps.h"
 
 #include <gtest/gtest.h>
 
@@ -80,6 +81,24 @@ TEST(Scaler, KeepsUniformImagesInEveryFormatAndRatio) {
                 for (const uint32_t pixel : scaledTo(source, to.x, to.y))
                     ASSERT_EQ(pixel, kind.pixel) << from.x << "x" << from.y << " to " << to.x << "x" << to.y;
             }
+}
+
+// Red and blue in each other's places take the loop that works channel by channel.
+TEST(Scaler, AllChannelsAtOnceGiveWhatEachGivesAlone) {
+    rfb::ManagedPixelBuffer source(rfb::pfRGB888(), 61, 47), swapped(rfb::pfBGR888(), 61, 47);
+    uint32_t seed = 1;
+    for (int i = 0; i < 61 * 47; ++i) {
+        seed = seed * 1664525 + 1013904223;
+        const uint32_t p = seed % 5 == 0 ? 0xffffffff : seed >> 8; // what no channel uses is not always 0
+        rfb::setPixel(source, {i % 61, i / 61}, p);
+        rfb::setPixel(swapped, {i % 61, i / 61}, (p & 0x00ff00) | (p >> 16 & 255) | (p & 255) << 16);
+    }
+    for (const rfb::Point size : {rfb::Point(61, 46), {20, 13}, {13, 47}, {1, 1}, {122, 94}, {199, 3}, {60, 100}}) {
+        std::vector<uint32_t> alone = scaledTo(swapped, size.x, size.y);
+        for (uint32_t& p : alone)
+            p = (p & 0x00ff00) | (p >> 16 & 255) | (p & 255) << 16;
+        EXPECT_EQ(scaledTo(source, size.x, size.y), alone) << size.x << " x " << size.y;
+    }
 }
 
 TEST(Scaler, APartIsCutFromTheWhole) {
