@@ -67,6 +67,8 @@ void removeIfDead(const SocketDir& dir, const char* file) {
 
 PipeNameScoped::PipeNameScoped(const char* name, int64_t pid, int counter, uid_t user)
     : dir_(dirOf(user)), path_(plat::path::join(dir_.c_str(), fileOf(name, pid, counter).c_str())) {
+    if (plat::contains(plat::strOrEmpty(name), nullptr, '/'))
+        throw plat::SystemException(path_.c_str(), EINVAL); // it would lie outside the directory
     if (static_cast<size_t>(path_.len()) >= sizeof sockaddr_un::sun_path)
         throw plat::SystemException(path_.c_str(), ENAMETOOLONG);
     if (user == thisUser)
@@ -76,15 +78,17 @@ PipeNameScoped::PipeNameScoped(const char* name, int64_t pid, int counter, uid_t
 void PipeNameScoped::clearStale(const char* name, int64_t pid, uid_t user) {
     const plat::String path = dirOf(user);
     const SocketDir dir(path.c_str(), userOrSelf(user));
-    const std::string withCounter =
-        plat::strFormat("%s%s.%lld", AppInfo::app(), plat::strOrEmpty(name), pidOrOwn(pid)).c_str();
-    const plat::String plain = fileOf(name, pid, noCounter);
     for (const std::string& entry : entriesOf(dir.pathTo("").c_str())) {
-        const bool counted = entry.compare(0, withCounter.size(), withCounter) == 0 &&
-                             isCounter(std::string_view(entry).substr(withCounter.size()));
-        if (counted || plain == entry.c_str())
+        if (isFileOf(entry.c_str(), name, pid))
             removeIfDead(dir, entry.c_str());
     }
+}
+
+bool PipeNameScoped::isFileOf(const char* file, const char* name, int64_t pid) {
+    if (plat::strEquals(file, fileOf(name, pid, noCounter).c_str()))
+        return true;
+    const plat::String withPid = plat::strFormat("%s%s.%lld", AppInfo::app(), plat::strOrEmpty(name), pidOrOwn(pid));
+    return plat::startsWith(file, withPid.c_str()) && isCounter(plat::strOrEmpty(file) + withPid.len());
 }
 
 } // namespace os

@@ -17,8 +17,8 @@ public:
     static constexpr uid_t thisUser = static_cast<uid_t>(-1);
 
     /// `pid` may be any 32-bit number that stands for a process. For the calling user the directory is made on the
-    /// spot, private. Throws plat::SystemException: ENAMETOOLONG (36) for a path of 108 bytes or more, and what
-    /// makePrivateDir throws.
+    /// spot, private. Throws plat::SystemException: ENAMETOOLONG (36) for a path of 108 bytes or more, EINVAL for a
+    /// name with a "/", and what os::SocketDir throws.
     explicit PipeNameScoped(const char* name, int64_t pid = noPid, int counter = noCounter, uid_t user = thisUser);
 
     const char* path() const { return path_.c_str(); }
@@ -26,6 +26,9 @@ public:
 
     /// Removes the sockets of that name and pid, with any counter, at which nobody answers.
     static void clearStale(const char* name, int64_t pid, uid_t user = thisUser);
+
+    /// Whether `file`, in the directory, is the socket of that name and pid, with any counter or none.
+    static bool isFileOf(const char* file, const char* name, int64_t pid);
 
 private:
     plat::String dir_;

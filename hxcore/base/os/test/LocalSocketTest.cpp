@@ -104,6 +104,7 @@ TEST_F(LocalSocketTest, NamesHoldUserAppPidAndCounter) {
 TEST_F(LocalSocketTest, APathOf108BytesIsTooLong) {
     const size_t room = 107 - (scoped + "/prog").size();
     EXPECT_EQ(strlen(PipeNameScoped(std::string(room, 'x').c_str()).path()), 107u);
+    EXPECT_EQ(plat::errorOf([] { PipeNameScoped name("../X"); }), EINVAL) << "and none leads out";
     EXPECT_EQ(plat::errorOf([&] { PipeNameScoped name(std::string(room + 1, 'x').c_str()); }), ENAMETOOLONG);
     EXPECT_EQ(plat::errorOf([&] { NamedPipeListener listener((dir / std::string(100, 'x')).c_str()); }), ENAMETOOLONG);
 }

@@ -20,10 +20,23 @@ void require(bool condition) {
         std::abort();
 }
 
+// The throwing form of a parser takes what the other takes, and gives the same.
+template <class T, class Read>
+void checkReads(Read read, const char* text, const char* behind, bool parsed, T value) {
+    const char* pos = text;
+    try {
+        require(read(&pos) == value && parsed && pos == behind);
+    } catch (const plat::BadNum&) {
+        require(!parsed && pos == text);
+    }
+}
+
 void checkNumbers(const char* text) {
     int64_t s64 = 0;
     const char* pos = text;
-    if (plat::parseS64(&pos, s64)) {
+    const bool isS64 = plat::parseS64(&pos, s64);
+    checkReads([](const char** p) { return plat::readS64(p); }, text, pos, isS64, s64);
+    if (isS64) {
         require(pos > text);
         const plat::String printed = plat::strFormat("%lld", static_cast<long long>(s64));
         int64_t again = 0;
@@ -31,15 +44,21 @@ void checkNumbers(const char* text) {
         require(plat::parseS64(&pos, again) && again == s64 && !*pos);
     }
     int ranged = 0;
-    if (plat::parseIntInRange(text, -5, 500, ranged))
-        require(ranged >= -5 && ranged <= 500);
+    const bool inRange = plat::parseIntInRange(text, -5, 500, ranged);
+    require(ranged >= -5 && ranged <= 500);
+    checkReads([](const char** p) { return plat::readIntInRange(*p, -5, 500); }, text, text, inRange, ranged);
+    int s32 = 0;
+    pos = text;
+    const bool isS32 = plat::parseInt(&pos, s32);
+    checkReads([](const char** p) { return plat::readInt(p); }, text, pos, isS32, s32);
     uint64_t u64 = 0;
     pos = text;
-    if (!plat::parseU64(&pos, u64, 0))
-        require(pos == text && u64 == 0);
+    const bool isU64 = plat::parseU64(&pos, u64, 0);
+    checkReads([](const char** p) { return plat::readU64(p, 0); }, text, pos, isU64, u64);
     unsigned u32 = 0;
     pos = text;
-    plat::parseUInt(&pos, u32, 16);
+    const bool isU32 = plat::parseUInt(&pos, u32, 16);
+    checkReads([](const char** p) { return plat::readUInt(p, 16); }, text, pos, isU32, u32);
 }
 
 void checkTimes(const char* text) {
@@ -80,6 +99,12 @@ void checkEncodings(const char* text) {
         const plat::String encoded = plat::base64Encode(static_cast<size_t>(bytes.size()), bytes.data());
         require(plat::base64Decode(encoded.c_str(), again) && again.size() == bytes.size());
     }
+    try {
+        again = plat::hexToBinOrThrow(text);
+        require(plat::Uuid(text).toString(/*hyphens=*/false).len() == 32);
+    } catch (const plat::Exception&) {
+        // What is no even number of digits, and what is none of 32.
+    }
     require(plat::percentDecode(plat::percentEncode(text).c_str()) == text);
     try {
         plat::percentDecode(text);
@@ -94,12 +119,29 @@ void checkPaths(const char* text) {
     plat::path::dirName(text);
     plat::path::baseName(text, ".png");
     require(!plat::contains(plat::path::sanitiseName(text).c_str(), nullptr, '/'));
+    require(plat::path::normalize(plat::path::join(normal.c_str(), "..").c_str()).len() <= normal.len() + 3);
     const plat::EnvMap map = {{"A", "a"}, {"B", ""}};
     plat::DString out;
     plat::expandEnv(out, text, &map, /*strict=*/false, /*useEnv=*/false);
+    try {
+        plat::DString strict;
+        plat::expandEnv(strict, text, &map, /*strict=*/true, /*useEnv=*/false);
+        require(plat::strEquals(strict.c_str(), out.c_str()));
+    } catch (const plat::ExceptionFmt&) {
+        // A name that is in neither.
+    }
+    // What was cut, joined by what it was cut at, is the text again.
     std::string copy = text;
+    std::string joined;
+    char found = '\0';
+    for (char* pos = copy.data(); pos;) {
+        joined += plat::Splitter::splitAny(&pos, ",; ", &found);
+        if (found)
+            joined += found;
+    }
+    require(joined == text);
     for (char* pos = copy.data(); pos;)
-        plat::Splitter::splitAny(&pos, ",; ", nullptr, /*skipRepeats=*/true);
+        plat::Splitter::split(&pos, '/', /*skipRepeats=*/true);
 }
 
 } // namespace

@@ -1,8 +1,10 @@
-// Message frames: any bytes, in pieces of any size, give the same messages as the whole.
+// Message frames and the fields in them: any bytes, in pieces of any size, give the same messages as the whole.
+#include "plat/DString.h"
 #include "plat/Exception.h"
 #include "rdr/ByteReader.h"
 #include "rdr/CircularInStream.h"
 #include "rdr/InStreamV4.h"
+#include "rdr/MemOutStream.h"
 #include "rdr/exceptions.h"
 
 #include <algorithm>
@@ -11,7 +13,7 @@
 
 namespace {
 
-// Reads messages of a number, a string8 and a string32 in states, as a link does.
+// Reads messages of a number, and a field whose form the number chooses, in states, as a link does.
 class Loop {
 public:
     explicit Loop(rdr::InStream* below) : in(below) {}
@@ -34,24 +36,73 @@ private:
     bool step() {
         if (!in.isInMsg())
             return in.startMsg(/*wait=*/false);
-        if (state == 0) {
-            const uint16_t number = in.readU16();
-            const std::string name = in.readStdString8();
-            seen += std::to_string(number) + name;
-        } else if (state == 1) {
-            const auto text = field.readString32(in, 1000, /*wait=*/true);
-            seen.append(reinterpret_cast<const char*>(text.data), text.len);
-            field.reset();
-        } else {
+        if (state == 0)
+            seen += std::to_string(number = in.readU16());
+        else if (state == 1)
+            readField();
+        else if (number & 0x100)
+            copyRest();
+        else
             in.skipToEndOfMsg();
+        if (state == 2)
             in.endMsg();
-        }
         state = (state + 1) % 3;
         return true;
     }
 
+    void readField() {
+        constexpr size_t limit = 1000;
+        plat::DString line;
+        switch (number % 8) {
+        case 0:
+            seen += in.readStdString8(/*repairUtf8=*/(number & 0x200) != 0);
+            break;
+        case 1:
+            seen += in.readString8((number & 0x200) != 0).c_str();
+            break;
+        case 2:
+            seen += in.readStdString32(limit, (number & 0x200) != 0);
+            break;
+        case 3:
+            seen += in.readString32(limit, (number & 0x200) != 0).c_str();
+            break;
+        case 4:
+            in.readLine(line, limit / 50);
+            seen += line.c_str();
+            break;
+        case 5:
+            take(field.readString32(in, limit, /*wait=*/true));
+            break;
+        case 6:
+            field.init(in, number >> 8, nullptr, /*alwaysCopy=*/(number & 0x80) != 0);
+            take(field.read(/*wait=*/true));
+            break;
+        default:
+            field.init(in, number >> 8, fixed, (number & 0x80) != 0);
+            if (!field.skip(/*wait=*/false))
+                throw rdr::BlockException();
+            field.reset();
+        }
+    }
+    void take(rdr::ByteReader::Bytes text) {
+        seen.append(reinterpret_cast<const char*>(text.data), text.len);
+        field.reset();
+    }
+    void copyRest() {
+        rdr::MemOutStream rest;
+        try {
+            in.copyToEndOfMsg(rest);
+        } catch (const rdr::BlockException&) {
+            seen.append(reinterpret_cast<const char*>(rest.data()), rest.size());
+            throw;
+        }
+        seen.append(reinterpret_cast<const char*>(rest.data()), rest.size());
+    }
+
     rdr::InStreamV4 in;
     rdr::ByteReader field;
+    uint8_t fixed[256];
+    unsigned number = 0;
     int state = 0;
 };
 
