@@ -3,6 +3,7 @@
 #include "wvw/WArrow.h"
 #include "wvw/WRoot.h"
 #include "wvw/WidgetWatch.h"
+#include "wvw/foldText.h"
 
 #include "hxutil/Font.h"
 #include "hxutil/drawText.h"
@@ -181,14 +182,13 @@ bool WChoice::valueChanged(Widget* origin) {
 // Keyboard and mouse.
 
 bool WChoice::findByLetter(uint32_t keysym) {
-    const uint32_t letter = foldKeysym(keysym);
-    if (!rfb::unicodeFromKeysym(letter) || items.empty() || keysym == key::Space)
+    const uint32_t letter = foldCodepoint(rfb::unicodeFromKeysym(keysym));
+    if (letter <= key::Space || items.empty())
         return false;
     const auto begins = [letter](const WMenuItem& item) {
         const char* text = item.getText();
         uint32_t first = 0;
-        plat::utf8::decode(&text, nullptr, &first);
-        return foldKeysym(rfb::keysymFromUnicode(first)) == letter || item.matches(letter);
+        return *text && plat::utf8::decode(&text, nullptr, &first) && foldCodepoint(first) == letter;
     };
     // Again the same letter goes on to the next item that begins with it.
     auto i = items.find(getSelected());

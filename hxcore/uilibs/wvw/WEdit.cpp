@@ -367,6 +367,8 @@ bool WEdit::focusChanged(bool backward, Widget* origin) {
         if (hasFocus() && isKeyDown(key::Tab))
             selectAll();
         undoStack.endStep();
+        if (parent && !hasFocus())
+            parent->setTextCursor(this, Rect());
         tellCaret();
         repaint();
     }
@@ -482,9 +484,10 @@ void WEdit::keepCursorInside() {
 }
 
 void WEdit::tellCaret() {
-    if (hasFocus())
-        parent->caretMoved(
-            this, Rect::xywh(textOrigin().x + widthTo(insertionPoint()), textOrigin().y, 1, getStyle().font->height));
+    if (!hasFocus())
+        return;
+    const Point origin = textOrigin();
+    parent->setTextCursor(this, Rect::xywh(origin.x + widthTo(insertionPoint()), origin.y, 1, getStyle().font->height));
 }
 
 bool WEdit::sizeChanged(Widget* origin) {

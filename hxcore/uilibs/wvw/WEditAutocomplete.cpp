@@ -3,8 +3,8 @@
 #include "wvw/WMenu.h"
 #include "wvw/WRoot.h"
 #include "wvw/WidgetWatch.h"
+#include "wvw/foldText.h"
 
-#include "plat/utf8.h"
 #include "rfb/keySymbols.h"
 
 #include <algorithm>
@@ -17,22 +17,6 @@ namespace key = rfb::key;
 using rfb::Point;
 
 constexpr size_t mostShown = 8;
-
-/// `text` with small letters, as far as their keysyms tell which they are.
-std::string folded(const char* text) {
-    std::string result;
-    for (const char* p = text; *p;) {
-        uint32_t codepoint = 0;
-        if (!plat::utf8::decode(&p, nullptr, &codepoint))
-            codepoint = plat::replacementChar;
-        const uint32_t small = rfb::unicodeFromKeysym(foldKeysym(rfb::keysymFromUnicode(codepoint)));
-        char bytes[5] = {};
-        char* end = bytes;
-        plat::encodeUtf8(small ? small : codepoint, &end);
-        result += bytes;
-    }
-    return result;
-}
 
 plat::String withoutMnemonics(const char* text) {
     std::string marked;
@@ -113,11 +97,11 @@ void WEditAutocomplete::hideList() {
 }
 
 bool WEditAutocomplete::refresh(bool all) {
-    const std::string typed = folded(getText());
+    const std::string typed = foldText(getText());
     std::vector<const plat::String*> shown;
     std::vector<const plat::String*> within;
     for (const plat::String& candidate : candidates) {
-        const size_t at = typed.empty() && !all ? std::string::npos : folded(candidate.c_str()).find(typed);
+        const size_t at = typed.empty() && !all ? std::string::npos : foldText(candidate.c_str()).find(typed);
         if (at == 0 && shown.size() < mostShown)
             shown.push_back(&candidate);
         else if (at != 0 && at != std::string::npos)

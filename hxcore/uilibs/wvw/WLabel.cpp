@@ -54,6 +54,7 @@ void WLabel::setUnderline(bool on) { change(underline, on); }
 
 void WLabel::setSelectable(bool on) {
     selectable = on;
+    setCursor(on ? CursorShape::Text : CursorShape::Default);
     if (!on)
         setSelection(0, 0);
 }
@@ -145,6 +146,8 @@ void WLabel::paint(rfb::FullFramePixelBuffer& pb) {
     paintBackground(pb);
     for (size_t i = 0; i < lines.size(); ++i)
         paintLine(pb, i);
+    if (selectable && hasFocus())
+        drawFocus(pb, getRect(), /*dotted=*/true);
 }
 
 void WLabel::paintLine(rfb::FullFramePixelBuffer& pb, size_t index) {

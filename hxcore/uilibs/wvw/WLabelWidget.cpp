@@ -166,7 +166,8 @@ bool WLabelCheckBox::mouseUp(int button, Widget* origin) {
     const bool used = WLabelWidget::mouseUp(button, origin);
     if (!pressed || !self.alive() || !getLabel().getRect().contains(getLabel().getPointer()))
         return used;
-    check.press();
+    if (check.confirmAct())
+        check.press();
     return true;
 }
 
@@ -180,7 +181,7 @@ bool WLabelCheckBoxHK::hotKey(uint32_t keysym) {
         return false;
     const WidgetWatch self(this);
     getCheck().takeFocus();
-    if (self.alive())
+    if (self.alive() && getCheck().confirmAct())
         getCheck().press();
     return true;
 }

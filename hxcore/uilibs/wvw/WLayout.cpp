@@ -143,11 +143,6 @@ void WLayout::setCutText(const char* text) {
 
 plat::String WLayout::getPrimaryText() { return parent ? parent->getPrimaryText() : plat::String(); }
 
-void WLayout::caretMoved(Widget* child, const Rect& rect) {
-    if (parent)
-        parent->caretMoved(this, rect.translate(getChildPosition(child)));
-}
-
 void WLayout::showCursor(CursorShape shape) {
     if (parent)
         parent->showCursor(shape);

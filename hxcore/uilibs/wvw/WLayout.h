@@ -56,7 +56,6 @@ public:
     plat::String getCutText() override;
     void setCutText(const char* text) override;
     plat::String getPrimaryText() override;
-    void caretMoved(Widget* child, const rfb::Rect& rect) override;
     void showCursor(CursorShape shape) override;
     WRoot* getRoot(rfb::Point* originOut) override;
     void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* image) override;

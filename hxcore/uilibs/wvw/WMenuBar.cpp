@@ -76,6 +76,8 @@ void WMenuBar::Menu::open(bool byKey) {
         return;
     if (bar)
         bar->closeMenus();
+    if (acceptsFocus())
+        takeFocus();
     popup->setStyle(&getStyle());
     const Point corner = getRootPosition();
     popup->show(root, {corner.x, corner.y + getHeight()});

@@ -48,10 +48,6 @@ public:
     /// What the user selected last in any program, as UTF-8; null when there is none. Default: the clipboard.
     virtual plat::String getPrimaryText() { return getCutText(); }
 
-    /// The text cursor of `child`, which has the focus, is at `rect` (coordinates of `child`): where an input method
-    /// shows what is being composed. The default does nothing.
-    virtual void caretMoved(Widget* /*child*/, const rfb::Rect& /*rect*/) {}
-
     /// The pointer is over a widget of that shape. Default, once it has left it. The default does nothing.
     virtual void showCursor(CursorShape) {}
 

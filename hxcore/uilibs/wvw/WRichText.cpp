@@ -173,8 +173,10 @@ void WRichText::followLink(int run) {
 }
 
 bool WRichText::mouseMove(const Point& position, Widget* origin) {
-    if (origin == this)
+    if (origin == this) {
         setHot(isEnabled() ? linkAt(position) : -1, focusRun);
+        setCursor(hover >= 0 ? CursorShape::Hand : selectable ? CursorShape::Text : CursorShape::Default);
+    }
     return WLabel::mouseMove(position, origin);
 }
 

@@ -21,6 +21,7 @@ constexpr int tabPadY = 5;
 constexpr int titleMarginUnits = 18;
 constexpr int rowInsetUnits = 16; // of the first tab from the left edge of the sheet
 constexpr int tabGap = 2;         // pixels
+constexpr int scrollUnits = 32;   // of the buttons that scroll the tabs
 
 } // namespace
 
@@ -121,7 +122,8 @@ void WTab::paint(rfb::FullFramePixelBuffer& pb) {
 
 WTabSheets::WTabSheets(WLayout* layout, Callback* target)
     : WLayout(layout, /*routeMouse=*/true, /*propagateEnable=*/true), callback(target),
-      back(nullptr, WArrow::Direction::Left), forth(nullptr, WArrow::Direction::Right) {
+      tabRow(nullptr, /*routeMouse=*/true, /*propagateEnable=*/true), back(nullptr, WArrow::Direction::Left),
+      forth(nullptr, WArrow::Direction::Right) {
     back.setVisible(false);
     forth.setVisible(false);
     addChild(&tabRow);
@@ -298,7 +300,7 @@ int WTabSheets::tabRoom() const {
     return whole ? room : std::max(0, room - 2 * buttonWidth() - tabGap);
 }
 
-int WTabSheets::buttonWidth() const { return std::min(tabHeight(), getWidth() / 4); }
+int WTabSheets::buttonWidth() const { return std::min({tabHeight(), hxutil::scaled(scrollUnits), getWidth() / 4}); }
 
 void WTabSheets::revealTab(int index) {
     firstTab = std::min(firstTab, index);
@@ -319,9 +321,10 @@ void WTabSheets::placeTabs() {
     forth.setVisible(scrolls);
     back.setEnabled(isEnabled() && firstTab > 0);
     forth.setEnabled(isEnabled() && scrolls && tabWidths(firstTab, count()) > room);
-    const Rect button = Rect::xywh(getWidth() - inset - 2 * buttonWidth(), 1, buttonWidth(), std::max(0, height - 3));
+    const int px = buttonWidth();
+    const Rect button = Rect::xywh(getWidth() - inset - 2 * px, (height - px) / 2, px, px);
     setChildRect(&back, button);
-    setChildRect(&forth, button.translate({buttonWidth(), 0}));
+    setChildRect(&forth, button.translate({px, 0}));
     setChildRect(&tabRow, Rect::xywh(inset, 0, room, height));
     int x = 0;
     for (int i = 0; i < count(); ++i) {

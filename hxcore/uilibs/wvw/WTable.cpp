@@ -1,16 +1,20 @@
 #include "wvw/WTable.h"
 
 #include "wvw/WidgetWatch.h"
+#include "wvw/foldText.h"
 
 #include "hxutil/Font.h"
 #include "hxutil/drawText.h"
 #include "plat/ConfigParameter.h"
+#include "plat/utf8.h"
 #include "rfb/PixelBuffer.h"
+#include "rfb/Region.h"
 #include "rfb/keySymbols.h"
 #include "rfb/renderOps.h"
 
 #include <algorithm>
 #include <climits>
+#include <utility>
 
 namespace wvw {
 namespace {
@@ -28,6 +32,7 @@ constexpr int border = 2;
 constexpr int cellPad = 4;
 constexpr int imagePad = 2;
 constexpr int defaultImage = 16;
+constexpr unsigned typeAheadMs = 1000;
 
 } // namespace
 
@@ -42,7 +47,7 @@ void WTable::Callback::rowActivated(WTable*, int, int) {}
 
 WTable::WTable(WLayout* layout, Callback* target, bool showHeading_, bool keepSelection_)
     : WLayout(layout, /*routeMouse=*/true, /*propagateEnable=*/true), callback(target), showHeading(showHeading_),
-      keepSelection(keepSelection_), scrollbar(nullptr, /*vertical=*/true), clickWindow(this) {
+      keepSelection(keepSelection_), scrollbar(nullptr, /*vertical=*/true), clickWindow(this), typedTimer(this) {
     scrollbar.setVisible(false);
     addChild(&scrollbar);
 }
@@ -69,6 +74,8 @@ void WTable::setRowCount(int count) {
     if (lost)
         valueChanged(this);
 }
+
+void WTable::setActivateByEnter(bool on) { activateByEnter = on; }
 
 void WTable::setEmptyText(const char* sentence) {
     emptyText = sentence;
@@ -144,50 +151,155 @@ bool WTable::hitTest(const Point& position, int& row, int& column) const {
     return true;
 }
 
+Rect WTable::rowRect(int row) const {
+    const Rect content = contentRect();
+    const int height = getRowHeight();
+    const int top = content.tl.y + (row - firstVisibleRow()) * height;
+    return row < 0 ? Rect() : Rect(content.tl.x, top, content.br.x, top + height).intersect(content);
+}
+
+void WTable::invalidateRow(int row) {
+    const Rect area = rowRect(row);
+    if (!area.isEmpty())
+        invalidate(rfb::Region(area));
+}
+
 void WTable::ensureRowVisible(int row) {
     const int first = firstVisibleRow();
     const int shown = std::max(1, visibleRows());
+    int wanted = first;
     if (row < first)
-        scrollbar.setValue(row);
+        wanted = row;
     else if (row >= first + shown)
-        scrollbar.setValue(row - shown + 1);
-    repaint();
+        wanted = row - shown + 1;
+    if (scrollbar.setValue(wanted))
+        repaint();
 }
 
 void WTable::select(int row, int column) {
     const bool possible = row >= 0 && row < rowCount && callback->isRowSelectable(this, row);
-    selectedRow = possible ? row : -1;
+    const int old = std::exchange(selectedRow, possible ? row : -1);
     selectedColumn = possible ? column : -1;
     if (possible)
         ensureRowVisible(row);
-    repaint();
+    invalidateRow(old);
+    invalidateRow(selectedRow);
+    // Without a row the focus is shown around all of them.
+    if (hasFocus() && (old < 0) != (selectedRow < 0))
+        repaint();
     valueChanged(this);
 }
 
-bool WTable::moveBy(int direction) {
-    // With nothing selected the first step down leads to the first row, and a step up to nothing.
-    for (int row = selectedRow + direction; row >= 0 && row < rowCount; row += direction) {
+bool WTable::step(int from, int direction, int count) {
+    for (int row = from; row >= 0 && row < rowCount && count > 0; row += direction, --count) {
         if (callback->isRowSelectable(this, row)) {
             select(row, selectedColumn);
             return true;
         }
     }
-    if (direction < 0 && scrollbar.setValue(0))
-        repaint();
+    return false;
+}
+
+bool WTable::moveBy(int direction) {
+    // With nothing selected the first step down leads to the first row, and a step up to nothing.
+    return step(selectedRow + direction, direction, rowCount) || (direction < 0 && scrollToTop());
+}
+
+bool WTable::scrollToTop() {
+    if (!scrollbar.setValue(0))
+        return false;
+    repaint();
+    return true;
+}
+
+bool WTable::jumpTo(int row, int direction) {
+    // What cannot be selected there is passed over, or, at the end, gone back from.
+    const int target = std::clamp(row, 0, std::max(0, rowCount - 1));
+    if (!step(target, direction, rowCount))
+        step(target, -direction, rowCount);
     return true;
 }
 
 bool WTable::ownKey(uint32_t keysym) {
     if (!isEnabled())
         return false;
+    const int page = std::max(1, visibleRows() - 1);
     switch (keysym) {
     case key::Up:
-        return moveBy(-1);
     case key::Down:
-        return moveBy(1);
+        moveBy(keysym == key::Up ? -1 : 1);
+        return true;
+    case key::PageUp:
+    case key::PageDown:
+        if (ctrlDown())
+            return false; // for pages with tabs
+        return keysym == key::PageUp ? jumpTo(selectedRow - page, 1) : jumpTo(std::max(0, selectedRow) + page, -1);
+    case key::Home:
+        return jumpTo(0, 1);
+    case key::End:
+        return jumpTo(rowCount - 1, -1);
+    case key::Return:
+        if (!activateByEnter || selectedRow < 0)
+            return false;
+        callback->rowActivated(this, selectedRow, selectedColumn);
+        return true;
     default:
-        return false;
+        return typeAhead(keysym);
     }
+}
+
+plat::String WTable::typeAheadText(int row) const {
+    const auto column =
+        std::find_if(columns.begin(), columns.end(), [](const Column& one) { return one.type != Image; });
+    return column == columns.end() ? plat::String() : callback->getCellText(const_cast<WTable*>(this), row, column->id);
+}
+
+bool WTable::typeAhead(uint32_t keysym) {
+    const uint32_t codepoint = foldCodepoint(rfb::unicodeFromKeysym(keysym));
+    const bool first = !typedTimer.isActive();
+    if (codepoint < 32 || codepoint == 127 || (codepoint == ' ' && first) || ctrlDown() || altDown() || rowCount == 0)
+        return false;
+    char bytes[5] = {};
+    char* end = bytes;
+    plat::encodeUtf8(codepoint, &end);
+    if (first)
+        typed.clear();
+    typed += bytes;
+    typedTimer.start(typeAheadMs);
+    // One letter again and again walks through the rows that begin with it.
+    const std::string one(bytes);
+    bool repeated = true;
+    for (size_t i = 0; i < typed.size(); i += one.size())
+        repeated = repeated && typed.compare(i, one.size(), one) == 0;
+    const std::string& wanted = repeated ? one : typed;
+    const int start = std::max(0, selectedRow) + (repeated && selectedRow >= 0 ? 1 : 0);
+    for (int i = 0; i < rowCount; ++i) {
+        const int row = (start + i) % rowCount;
+        if (!callback->isRowSelectable(this, row) ||
+            foldText(typeAheadText(row).c_str()).compare(0, wanted.size(), wanted) != 0)
+            continue;
+        if (row != selectedRow)
+            select(row, selectedColumn);
+        break;
+    }
+    return true;
+}
+
+const char* WTable::getTooltip() const {
+    const char* own = WLayout::getTooltip();
+    int row = -1;
+    int columnHit = -1;
+    if (*own || !hitTest(getPointer(), row, columnHit) || row < 0 || columnHit < 0)
+        return own;
+    const std::vector<int> widths = columnWidths();
+    for (size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].id != columnHit || columns[i].type == Image)
+            continue;
+        cellTooltip = callback->getCellText(const_cast<WTable*>(this), row, columnHit);
+        if (getStyle().font->stringWidth(cellTooltip.c_str()) > widths[i] - 2 * cellPad)
+            return cellTooltip.c_str();
+    }
+    return own;
 }
 
 bool WTable::valueChanged(Widget* origin) {
@@ -205,8 +317,11 @@ bool WTable::focusChanged(bool backward, Widget* origin) {
 
 bool WTable::mouseDown(int button, Widget* origin) {
     const WidgetWatch self(this);
-    if (isEnabled() && (button == 3 || button == 4))
-        return moveBy(button == 3 ? -1 : 1);
+    // At its end, the wheel is for what is around us.
+    if (isEnabled() && (button == 3 || button == 4) && moveBy(button == 3 ? -1 : 1))
+        return true;
+    if (!self.alive())
+        return true;
     const bool used = WLayout::mouseDown(button, origin);
     int row = -1;
     int column = -1;
@@ -241,10 +356,13 @@ bool WTable::mouseUp(int button, Widget* origin) {
     return true;
 }
 
-bool WTable::timerExpired(plat::Timer* timer) { return timer != &clickWindow && WLayout::timerExpired(timer); }
+bool WTable::timerExpired(plat::Timer* timer) {
+    return timer != &clickWindow && timer != &typedTimer && WLayout::timerExpired(timer);
+}
 
 void WTable::detach() {
     clickWindow.cancel();
+    typedTimer.cancel();
     WLayout::detach();
 }
 
@@ -281,6 +399,8 @@ void WTable::paint(rfb::FullFramePixelBuffer& pb) {
             paintHeading(view, widths);
         if (rowCount == 0)
             hxutil::drawWrapped(*look.font, view, emptyText.c_str(), content, pixel(pb, look.disabled), 1, 1);
+        if (hasFocus() && selectedRow < 0)
+            drawFocus(view, content.expandBy(-1), /*dotted=*/true);
     }
     paintChildren(pb);
     drawBevel(pb, getRect(), /*sunken=*/true, /*thin=*/false);

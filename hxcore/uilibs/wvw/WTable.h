@@ -4,11 +4,15 @@
 #include "wvw/WImage.h"
 #include "wvw/WScrollbar.h"
 
+#include <string>
+#include <vector>
+
 namespace wvw {
 
 /// A list of rows whose cells are asked for while they are painted; one row may be selected.
 ///
-/// A change of the selection runs valueChanged(this), a click on a row activated(this).
+/// A change of the selection runs valueChanged(this), a click on a row activated(this). Keys: Up, Down, PageUp,
+/// PageDown, Home, End; letters go to the next row whose text begins with them.
 class WTable : public WLayout {
 public:
     enum ColumnType { Text = 0, Image = 1, Other = 2 };
@@ -50,6 +54,8 @@ public:
     int visibleRows() const;
     int firstVisibleRow() const { return scrollbar.getValue(); }
     void setEmptyText(const char* sentence); ///< shown in the middle while there are no rows
+    void setActivateByEnter(bool on);        ///< Enter on a row is a double click; false at first, for default buttons
+    void invalidateRow(int row);             ///< its cells have other contents
 
     // Widget
     void styleChanged() override;
@@ -57,6 +63,7 @@ public:
     rfb::Point getPreferredSize() override;
     void detach() override;
     bool acceptsFocus() override { return isEnabled() && isVisible(); }
+    const char* getTooltip() const override; ///< its own, else the text under the pointer where it is cut short
     bool sizeChanged(Widget* origin) override;
     bool valueChanged(Widget* origin) override;
     bool focusChanged(bool backward, Widget* origin) override;
@@ -82,8 +89,14 @@ private:
     int headingHeight() const { return showHeading ? getRowHeight() : 0; }
     rfb::Rect contentRect() const; // inside the border, without heading and scrollbar
     std::vector<int> columnWidths() const;
+    rfb::Rect rowRect(int row) const; // empty while it is not in view
     void arrange();
+    bool step(int from, int direction, int count);
     bool moveBy(int direction);
+    bool scrollToTop();
+    bool jumpTo(int row, int direction);
+    bool typeAhead(uint32_t keysym);
+    plat::String typeAheadText(int row) const;
     void paintHeading(rfb::FullFramePixelBuffer& pb, const std::vector<int>& widths);
     void paintRow(rfb::FullFramePixelBuffer& pb, int row, const std::vector<int>& widths);
     void paintCell(rfb::FullFramePixelBuffer& pb, int row, const Column& column, const rfb::Rect& cell);
@@ -100,6 +113,10 @@ private:
     plat::Timer clickWindow; // runs while a second click is a double one
     int clickedRow = -1;
     int clickedColumn = -1;
+    bool activateByEnter = false;
+    std::string typed; // small letters, that a row is looked for by
+    plat::Timer typedTimer;
+    mutable plat::String cellTooltip;
 };
 
 } // namespace wvw

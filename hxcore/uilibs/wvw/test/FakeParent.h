@@ -50,6 +50,7 @@ public:
     void paint(); ///< all that is invalid
     void paintAll();
     uint32_t pixelAt(int x, int y) const; ///< 0xrrggbb
+    const rfb::ManagedPixelBuffer& getPixels() const { return pixels; }
     int countPixels(const rfb::Rect& area, uint32_t rgb) const;
     rfb::Rect invalidArea() const { return invalid.get_bounding_rect(); }
     void clearInvalid() { invalid.clear(); }
