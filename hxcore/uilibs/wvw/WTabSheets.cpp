@@ -340,8 +340,11 @@ void WTabSheets::placeTabs() {
 }
 
 bool WTabSheets::sizeChanged(Widget* origin) {
-    if (origin == this)
+    if (origin == this) {
+        if (currentIndex >= 0)
+            revealTab(currentIndex);
         arrange();
+    }
     return WLayout::sizeChanged(origin);
 }
 
