@@ -1,6 +1,6 @@
 #include "score/StatusDbReader.h"
 
-#include "score/test/FakeLink.h"
+#include "io/test/FakeLink.h"
 
 #include <gtest/gtest.h>
 
@@ -25,24 +25,24 @@ std::string node(std::string_view name, std::string_view text) {
 }
 
 // A core's start: a batch, a parent, two children, one of them replaced, one removed, the end of the batch.
-const std::string recorded = message("StatusDbInfo", "\x03\x01"sv) +
-                             message("StatusDbInfo", "\0\0"s + node("Dlg", "")) +
-                             message("StatusDbInfo", "\0\x03"
-                                                     "Dlg"s +
-                                                         node("Banner", "one")) +
-                             message("StatusDbInfo", "\0\x03"
-                                                     "Dlg"s +
-                                                         node("Gone", "x")) +
-                             message("StatusDbInfo", "\0\x03"
-                                                     "Dlg"s +
-                                                         node("Banner", "two")) +
-                             message("StatusDbInfo", "\0\x07nowhere"s + "\xff") + // dropped, not decoded
-                             message("StatusDbInfo", "\x01\x08"
-                                                     "Dlg/Gone"sv) +
-                             message("StatusDbInfo", "\x63what"sv) + // a newer operation
-                             message("StatusDbInfo", "\x03\0"sv);
+const std::string recorded = io::message("StatusDbInfo", "\x03\x01"sv) +
+                             io::message("StatusDbInfo", "\0\0"s + node("Dlg", "")) +
+                             io::message("StatusDbInfo", "\0\x03"
+                                                         "Dlg"s +
+                                                             node("Banner", "one")) +
+                             io::message("StatusDbInfo", "\0\x03"
+                                                         "Dlg"s +
+                                                             node("Gone", "x")) +
+                             io::message("StatusDbInfo", "\0\x03"
+                                                         "Dlg"s +
+                                                             node("Banner", "two")) +
+                             io::message("StatusDbInfo", "\0\x07nowhere"s + "\xff") + // dropped, not decoded
+                             io::message("StatusDbInfo", "\x01\x08"
+                                                         "Dlg/Gone"sv) +
+                             io::message("StatusDbInfo", "\x63what"sv) + // a newer operation
+                             io::message("StatusDbInfo", "\x03\0"sv);
 
-void expectRecorded(const StatusDb& db, const FakeLink& link) {
+void expectRecorded(const StatusDb& db, const io::FakeLink& link) {
     EXPECT_EQ(link.failure, "");
     ASSERT_NE(db.find("Dlg/Banner"), nullptr);
     EXPECT_STREQ(db.find("Dlg/Banner")->getData("text"), "two");
@@ -51,7 +51,7 @@ void expectRecorded(const StatusDb& db, const FakeLink& link) {
 
 TEST(StatusDbReader, GivesTheSameTreeWhereverTheBytesAreSplit) {
     for (size_t split = 0; split <= recorded.size(); ++split) {
-        FakeLink link;
+        io::FakeLink link;
         StatusDb db("Info");
         StatusDbReader reader(&link.ipc, &db);
         Counter counter(&db);
@@ -63,7 +63,7 @@ TEST(StatusDbReader, GivesTheSameTreeWhereverTheBytesAreSplit) {
 }
 
 TEST(StatusDbReader, TakesABodyInManyFrames) {
-    FakeLink link;
+    io::FakeLink link;
     StatusDb db("Info");
     StatusDbReader reader(&link.ipc, &db);
     const std::string payload = "\x0cStatusDbInfo\0\0"s + node("Dlg", "frames");
@@ -76,15 +76,15 @@ TEST(StatusDbReader, TakesABodyInManyFrames) {
 
 TEST(StatusDbReader, FailsTheLinkOnABodyThatIsCutOrTooDeep) {
     {
-        FakeLink link;
+        io::FakeLink link;
         StatusDb db("Info");
         StatusDbReader reader(&link.ipc, &db);
-        link.receive(message("StatusDbInfo", "\0\0\x03"
-                                             "Dl"sv));
+        link.receive(io::message("StatusDbInfo", "\0\0\x03"
+                                                 "Dl"sv));
         EXPECT_EQ(link.failure, "End of in-memory input stream");
         EXPECT_EQ(db.root().childCount(), 0U);
     }
-    FakeLink link;
+    io::FakeLink link;
     StatusDb db("Info");
     StatusDbReader reader(&link.ipc, &db);
     std::string payload = "\x0cStatusDbInfo\0\0"s;
@@ -99,32 +99,32 @@ TEST(StatusDbReader, FailsTheLinkOnABodyThatIsCutOrTooDeep) {
 }
 
 TEST(StatusDbReader, TakesItsNodesAlongAndTellsTheViews) {
-    FakeLink link;
+    io::FakeLink link;
     StatusDb db("Info");
     Counter counter(&db);
     db.beginWrite("other", 0, nullptr, /*replace=*/true);
     {
         StatusDbReader reader(&link.ipc, &db);
-        link.receive(message("StatusDbInfo", "\0\0"s + node("Dlg", "")));
-        link.receive(message("StatusDbInfo", "\x03\x01"sv)); // the core dies in a batch
+        link.receive(io::message("StatusDbInfo", "\0\0"s + node("Dlg", "")));
+        link.receive(io::message("StatusDbInfo", "\x03\x01"sv)); // the core dies in a batch
         counter.commits = 0;
     }
     EXPECT_EQ(db.find("Dlg"), nullptr);
     EXPECT_NE(db.find("other"), nullptr);
     EXPECT_GE(counter.commits, 1);
-    link.receive(message("StatusDbInfo", "\x02"sv)); // nobody's message now
+    link.receive(io::message("StatusDbInfo", "\x02"sv)); // nobody's message now
     EXPECT_EQ(link.failure, "");
 }
 
 TEST(StatusDbReader, RefusesMoreChildrenThanACountCanTell) {
-    FakeLink link;
+    io::FakeLink link;
     StatusDb db("Info");
     StatusDbReader reader(&link.ipc, &db);
     for (size_t i = 0; i < StatusDbNode::maxChildren; ++i)
         db.root().insert(std::make_unique<StatusDbNode>(std::to_string(i).c_str(), 0, nullptr));
-    link.receive(message("StatusDbInfo", "\0\0"s + node("7", "replaced")));
+    link.receive(io::message("StatusDbInfo", "\0\0"s + node("7", "replaced")));
     EXPECT_EQ(link.failure, "");
-    link.receive(message("StatusDbInfo", "\0\0"s + node("more", "")));
+    link.receive(io::message("StatusDbInfo", "\0\0"s + node("more", "")));
     EXPECT_EQ(link.failure, "Too many status nodes under one parent");
 }
 

@@ -1,6 +1,6 @@
 #include "sui/ServerComms.h"
 
-#include "score/test/FakeLink.h"
+#include "io/test/FakeLink.h"
 
 #include <gtest/gtest.h>
 #include <map>
@@ -47,27 +47,27 @@ struct Row {
 
 // Every message of the table, by hand.
 const Row table[] = {
-    {score::message("desktopStarted", "\x02"sv), "desktopStarted(1) "},
-    {score::message("addRemConn", "\x03"
-                                  "amy\0\x01"
-                                  "a\x01"
-                                  "b\0\x05"
-                                  "Admin\x01"sv),
+    {io::message("desktopStarted", "\x02"sv), "desktopStarted(1) "},
+    {io::message("addRemConn", "\x03"
+                               "amy\0\x01"
+                               "a\x01"
+                               "b\0\x05"
+                               "Admin\x01"sv),
      "addRemConn(amy,b+) "},
-    {score::message("updateCoreStatus", "\x01\0\x01\0\0\0\x0f\xa0\0\0\0\x01"sv), "updateCoreStatus(1010 4000 1) "},
-    {score::message("updatePrivacyStatus", "\0"sv), "updatePrivacyStatus(0) "},
-    {score::message("updateFeatures", "\0\x03\x04"
-                                      "Chat\x01\0\x04"
-                                      "Bell\0\0\x04"
-                                      "Chat\x01\x01"sv),
+    {io::message("updateCoreStatus", "\x01\0\x01\0\0\0\x0f\xa0\0\0\0\x01"sv), "updateCoreStatus(1010 4000 1) "},
+    {io::message("updatePrivacyStatus", "\0"sv), "updatePrivacyStatus(0) "},
+    {io::message("updateFeatures", "\0\x03\x04"
+                                   "Chat\x01\0\x04"
+                                   "Bell\0\0\x04"
+                                   "Chat\x01\x01"sv),
      "updateFeatures(Bell--Chatae) "},
-    {score::message("updateFeatures", "\0\0"sv), "updateFeatures() "},
-    {score::message("showStatusDialog", ""), "showStatusDialog() "},
-    {score::message("showOptions", "\0"sv), "showOptions((none)) "},
-    {score::message("showOptions", "\x08security"sv), "showOptions(security) "},
-    {score::message("setServerExe", "\x05/core"sv), "setServerExe(/core) "},
-    {score::message("resolveEvent", "\x02"
-                                    "e1"sv),
+    {io::message("updateFeatures", "\0\0"sv), "updateFeatures() "},
+    {io::message("showStatusDialog", ""), "showStatusDialog() "},
+    {io::message("showOptions", "\0"sv), "showOptions((none)) "},
+    {io::message("showOptions", "\x08security"sv), "showOptions(security) "},
+    {io::message("setServerExe", "\x05/core"sv), "setServerExe(/core) "},
+    {io::message("resolveEvent", "\x02"
+                                 "e1"sv),
      "resolveEvent(e1) "},
 };
 
@@ -75,7 +75,7 @@ TEST(ServerComms, ReadsEveryMessageWhereverItIsSplit) {
     for (const Row& row : table)
         for (size_t split = 0; split <= row.bytes.size(); ++split) {
             Recorder recorder;
-            score::FakeLink link;
+            io::FakeLink link;
             ServerComms comms(&link.ipc, &recorder);
             link.receive(std::string_view(row.bytes).substr(0, split));
             link.receive(std::string_view(row.bytes).substr(split));
@@ -88,11 +88,11 @@ TEST(ServerComms, ReadsMessagesInARowAndSkipsWhatItDoesNotKnow) {
     std::string all;
     std::string expected;
     for (const Row& row : table) {
-        all += row.bytes + score::message("newerMessage", "body");
+        all += row.bytes + io::message("newerMessage", "body");
         expected += row.told;
     }
     Recorder recorder;
-    score::FakeLink link;
+    io::FakeLink link;
     ServerComms comms(&link.ipc, &recorder);
     link.receive(all);
     EXPECT_EQ(recorder.told, expected);
@@ -100,32 +100,32 @@ TEST(ServerComms, ReadsMessagesInARowAndSkipsWhatItDoesNotKnow) {
 
 TEST(ServerComms, ActsOnNoMessageThatIsCutShort) {
     Recorder recorder;
-    score::FakeLink link;
+    io::FakeLink link;
     ServerComms comms(&link.ipc, &recorder);
-    link.receive(score::message("updateCoreStatus", "\x01\0\x01\0\0\0\x0f"sv));
+    link.receive(io::message("updateCoreStatus", "\x01\0\x01\0\0\0\x0f"sv));
     EXPECT_EQ(recorder.told, "");
     EXPECT_EQ(link.failure, "End of message");
 }
 
 TEST(ServerComms, SendsItsMessages) {
     Recorder recorder;
-    score::FakeLink link;
+    io::FakeLink link;
     ServerComms comms(&link.ipc, &recorder);
     comms.sendAddClient(" \t viewer.example::5500 \n");
-    EXPECT_EQ(link.sent(), score::message("addClient", "\x14viewer.example::5500"sv));
+    EXPECT_EQ(link.takeSent(), io::message("addClient", "\x14viewer.example::5500"sv));
     comms.sendAddClient(std::string(300, 'a').c_str());
-    EXPECT_EQ(link.sent(), score::message("addClient", "\xff" + std::string(255, 'a')));
+    EXPECT_EQ(link.takeSent(), io::message("addClient", "\xff" + std::string(255, 'a')));
     comms.sendDisconnClient("", "");
-    EXPECT_EQ(link.sent(), score::message("disconnClient", "\0\0"sv));
+    EXPECT_EQ(link.takeSent(), io::message("disconnClient", "\0\0"sv));
     comms.sendQuit();
-    EXPECT_EQ(link.sent(), score::message("quit", ""));
+    EXPECT_EQ(link.takeSent(), io::message("quit", ""));
     comms.sendDesktopEnv(nullptr);
-    EXPECT_EQ(link.sent(), score::message("desktopEnv", "\0"sv));
+    EXPECT_EQ(link.takeSent(), io::message("desktopEnv", "\0"sv));
 }
 
 TEST(ServerComms, IsSilentOnceTheLinkIsGone) {
     Recorder recorder;
-    auto link = std::make_unique<score::FakeLink>();
+    auto link = std::make_unique<io::FakeLink>();
     ServerComms comms(&link->ipc, &recorder);
     link.reset();
     comms.sendUpdateStatus();

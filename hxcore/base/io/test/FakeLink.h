@@ -34,14 +34,18 @@ public:
     void destroy() { owned.reset(); } ///< the link dies; `ipc` must not be used any more
 
     int closed = 0;
-    std::vector<std::string> errors;
-    std::set<std::string> refused; ///< names that are not allowed
+    std::vector<std::string> errors; ///< in the form for logs
+    std::string failure;             ///< the text of the last one alone
+    std::set<std::string> refused;   ///< names that are not allowed
 
 private:
     // io::MsgIpc::Callback
     void ipcClosed(MsgIpc*) override { ++closed; }
     bool isMsgAllowed(MsgIpc*, const char* name, bool) override { return refused.count(name) == 0; }
-    void ipcError(MsgIpc*, const plat::Exception& failure) override { errors.emplace_back(failure.describe().c_str()); }
+    void ipcError(MsgIpc*, const plat::Exception& e) override {
+        errors.emplace_back(e.describe().c_str());
+        failure = e.what();
+    }
 
     std::unique_ptr<MsgIpc> owned;
 

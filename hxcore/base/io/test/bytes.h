@@ -33,6 +33,16 @@ inline std::string bytes(std::string_view text) {
     return out;
 }
 
+/// A message in one frame: the name as a string8, then the body.
+inline std::string message(std::string_view name, std::string_view body) {
+    const size_t size = 1 + name.size() + body.size();
+    if (size > 0x7fff)
+        throw std::invalid_argument("message: too long for a frame");
+    std::string frame{static_cast<char>(0x80 | size >> 8), static_cast<char>(size & 0xff),
+                      static_cast<char>(name.size())};
+    return frame.append(name).append(body);
+}
+
 /// The payloads of whole messages on a link, wherever their frames were cut.
 inline std::vector<std::string> messagesOf(std::string_view wire) {
     std::vector<std::string> messages;
