@@ -2,6 +2,7 @@
 #include "io/FdIo.h"
 #include "loc/Localize.h"
 #include "mui/MuiComms.h"
+#include "mui/tx/followDesktop.h"
 #include "mui/tx/muFactories.h"
 #include "mui/wvw/MuiWvw.h"
 #include "os/setUserHelper.h"
@@ -12,6 +13,7 @@
 #include "product/init.h"
 #include "registerBuiltInResources.h"
 #include "score/Mode.h"
+#include "tx/DesktopSettings.h"
 #include "tx/TX.h"
 #include "tx/TXWindowIcon.h"
 #include "ui/tx/AppLoop.h"
@@ -78,8 +80,10 @@ void setupInspection() {
 }
 
 void setupToolkit() {
+    static tx::DesktopSettings desktop; // first: the toolkit takes scale and theme when it is made
     static mui::MuiWvw toolkit;
     mui::Mui::setInstance(&toolkit);
+    mui::followDesktop(desktop);
     tx::setWindowIcon("zefserver");
     mui::fillFactories();
 }
