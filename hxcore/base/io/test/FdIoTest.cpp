@@ -1,10 +1,10 @@
 #include "io/FdIo.h"
 #include "io/FdSelectManager.h"
 #include "io/IoHandler.h"
-#include "io/test/FakeClock.h"
 #include "plat/ConfigParameter.h"
 #include "plat/Configuration.h"
 #include "plat/Exception.h"
+#include "plat/test/FakeClock.h"
 #include "rdr/InStream.h"
 #include "rdr/exceptions.h"
 
@@ -97,7 +97,7 @@ protected:
         EXPECT_GT(io->outStream()->bytesInBuffer(), 0u);
     }
 
-    FakeClock clock;
+    plat::FakeClock clock;
     int alive = 0;
     int peer;
     std::optional<FdSelectManager> mgr;
@@ -150,7 +150,7 @@ TEST_F(FdIoTest, DrainsWhatWasBlockedAndSaysSo) {
     total += drainPeer();
     EXPECT_EQ(total, size_t{1} << 20);
     EXPECT_EQ(handler.writable, 1);
-    FakeClock::advance(61000);
+    plat::FakeClock::advanceMs(61000);
     rounds();
     EXPECT_EQ(handler.closed, 0) << "the flush timer ended with the drain";
     io->shutdown(false, false);
@@ -159,11 +159,11 @@ TEST_F(FdIoTest, DrainsWhatWasBlockedAndSaysSo) {
 TEST_F(FdIoTest, APeerThatTakesNothingIsGivenUpByAReadThatTimesOut) {
     io->setHandler(&handler);
     writeTooMuch();
-    FakeClock::advance(59000);
+    plat::FakeClock::advanceMs(59000);
     writeTooMuch(); // trying again doesn't put the end off
     rounds();
     EXPECT_EQ(handler.closed, 0);
-    FakeClock::advance(1000);
+    plat::FakeClock::advanceMs(1000);
     rounds();
     EXPECT_EQ(handler.closed, 1);
     EXPECT_EQ(alive, 0);
@@ -172,13 +172,13 @@ TEST_F(FdIoTest, APeerThatTakesNothingIsGivenUpByAReadThatTimesOut) {
 TEST_F(FdIoTest, AShutdownWithFlushEndsThoughThePeerTakesNothing) {
     io->setHandler(&handler);
     writeTooMuch();
-    FakeClock::advance(30000);
+    plat::FakeClock::advanceMs(30000);
     io->shutdown(/*flush=*/true, /*tellHandler=*/true);
     rounds();
-    FakeClock::advance(59999);
+    plat::FakeClock::advanceMs(59999);
     rounds();
     EXPECT_EQ(handler.closed, 0);
-    FakeClock::advance(1);
+    plat::FakeClock::advanceMs(1);
     rounds();
     EXPECT_EQ(handler.closed, 1);
     EXPECT_EQ(alive, 0);
@@ -191,7 +191,7 @@ TEST_F(FdIoTest, LazyFlushTimeoutIsAParameter) {
     ASSERT_TRUE(timeout.setInt(0x7fffffff)) << "more milliseconds than a timer holds";
     io->setHandler(&handler);
     writeTooMuch();
-    FakeClock::advance(100000);
+    plat::FakeClock::advanceMs(100000);
     rounds();
     EXPECT_EQ(handler.closed, 0);
     timeout.unset(plat::PriorityPreference);
@@ -361,7 +361,7 @@ TEST_F(FdIoTest, APeerThatHearsNothingMoreIsGivenUp) {
     io->outStream()->flush();
     rounds();
     EXPECT_EQ(handler.closed, 0);
-    FakeClock::advance(60000);
+    plat::FakeClock::advanceMs(60000);
     rounds();
     EXPECT_EQ(handler.closed, 1);
 }

@@ -2,9 +2,9 @@
 #include "io/FdSelectManager.h"
 #include "io/Io.h"
 #include "io/IoHandler.h"
-#include "io/test/FakeClock.h"
 #include "plat/Exception.h"
 #include "plat/test/FailingCalls.h"
+#include "plat/test/FakeClock.h"
 #include "rdr/InStream.h"
 
 #include <gtest/gtest.h>
@@ -79,7 +79,7 @@ protected:
         return recv(fd, &c, 1, MSG_DONTWAIT) == 0;
     }
 
-    FakeClock clock;
+    plat::FakeClock clock;
     std::optional<FdSelectManager> mgr;
     std::unique_ptr<Acceptor> acceptor;
     std::unique_ptr<FdListener> listener;
@@ -113,10 +113,10 @@ TEST_F(FdListenerTest, RestsWhenDescriptorsRunOutAndLosesNobody) {
         rounds(1);
         EXPECT_EQ(acceptor->ios.size(), 0u);
         EXPECT_EQ(mgr->poll(0), !rests);
-        FakeClock::advance(99);
+        plat::FakeClock::advanceMs(99);
         rounds();
         EXPECT_EQ(acceptor->ios.size(), rests ? 0u : 1u);
-        FakeClock::advance(1);
+        plat::FakeClock::advanceMs(1);
         rounds();
         EXPECT_EQ(acceptor->ios.size(), 1u);
         while (!acceptor->ios.empty()) {
@@ -150,7 +150,7 @@ TEST_F(FdListenerTest, SilentConnectionsAreFewAndEnd) {
     rounds();
     EXPECT_EQ(acceptor->ios.size(), 1u);
     EXPECT_EQ(acceptor->got, "hi");
-    FakeClock::advance(10000);
+    plat::FakeClock::advanceMs(10000);
     rounds();
     EXPECT_TRUE(isClosed(a));
     EXPECT_FALSE(isClosed(b));

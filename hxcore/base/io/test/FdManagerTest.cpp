@@ -1,8 +1,8 @@
 #include "io/FdHandler.h"
 #include "io/FdSelectManager.h"
 #include "io/Kicker.h"
-#include "io/test/FakeClock.h"
 #include "plat/Exception.h"
+#include "plat/test/FakeClock.h"
 #include "rdr/FdInStream.h"
 
 #include <gtest/gtest.h>
@@ -218,14 +218,14 @@ TEST(FdSelectManager, AnExceptionOfOneHandlerLosesNoOther) {
 }
 
 TEST(FdSelectManager, FiresTimersBeforeDescriptorsAndReportsThem) {
-    FakeClock clock;
+    plat::FakeClock clock;
     FdSelectManager mgr;
     Watched a(mgr);
     Fired fired;
     plat::Timer timer(&fired);
     timer.start(50);
     EXPECT_FALSE(mgr.poll(0));
-    FakeClock::advance(50);
+    plat::FakeClock::advanceMs(50);
     a.want(true);
     a.send();
     fired.then = [&] { EXPECT_EQ(a.reads, 0); };
@@ -237,7 +237,7 @@ TEST(FdSelectManager, FiresTimersBeforeDescriptorsAndReportsThem) {
 }
 
 TEST(FdSelectManager, ATimerStartedInANestedLoopOutlivesIt) {
-    FakeClock clock;
+    plat::FakeClock clock;
     FdSelectManager outer;
     Fired fired;
     plat::Timer timer(&fired);
@@ -245,7 +245,7 @@ TEST(FdSelectManager, ATimerStartedInANestedLoopOutlivesIt) {
         FdSelectManager inner(/*nested=*/true);
         EXPECT_EQ(FdManager::current(), &inner);
         outer.startTimer(timer, 10);
-        FakeClock::advance(10);
+        plat::FakeClock::advanceMs(10);
         inner.poll(0);
         EXPECT_EQ(fired.count, 0);
     }

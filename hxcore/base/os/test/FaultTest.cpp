@@ -1,7 +1,6 @@
 // Local sockets and stores while system calls fail: what each ends in, and that nothing is lost.
 #include "io/FdSelectManager.h"
 #include "io/IoHandler.h"
-#include "io/test/FakeClock.h"
 #include "os/AppInfo.h"
 #include "os/NamedPipeListener.h"
 #include "os/PersistentStoreFile.h"
@@ -11,6 +10,7 @@
 #include "plat/Exception.h"
 #include "plat/test/CapturedLog.h"
 #include "plat/test/FailingCalls.h"
+#include "plat/test/FakeClock.h"
 
 #include <gtest/gtest.h>
 
@@ -35,7 +35,7 @@ protected:
     }
     bool exists() const { return access(path.c_str(), F_OK) == 0; }
 
-    io::FakeClock clock;
+    plat::FakeClock clock;
     io::FdSelectManager mgr{/*nested=*/true};
     TempDir dir;
     const std::string path = dir / "sub/s";
@@ -70,12 +70,12 @@ TEST_F(SocketFaultTest, AFileThatCannotBeBroughtBackIsTriedForAgain) {
     plat::CapturedLog log;
     {
         const plat::FailingCalls noDescriptor("socket", EMFILE);
-        io::FakeClock::advance(3600000);
+        plat::FakeClock::advanceMs(3600000);
         rounds();
         EXPECT_FALSE(exists());
         EXPECT_TRUE(log.has("100 NamedPipe: Failed to recreate socket: [System-24] socket: Too many open files (24)"));
     }
-    io::FakeClock::advance(3600000);
+    plat::FakeClock::advanceMs(3600000);
     rounds();
     ASSERT_TRUE(exists());
     const int client = connectUnixSocket(path.c_str());

@@ -1,6 +1,5 @@
 #include "io/FdSelectManager.h"
 #include "io/IoHandler.h"
-#include "io/test/FakeClock.h"
 #include "os/AppInfo.h"
 #include "os/NamedPipeListener.h"
 #include "os/PipeNameScoped.h"
@@ -10,6 +9,7 @@
 #include "plat/Configuration.h"
 #include "plat/Exception.h"
 #include "plat/test/FailingCalls.h"
+#include "plat/test/FakeClock.h"
 
 #include <gtest/gtest.h>
 
@@ -81,7 +81,7 @@ protected:
         return lstat(path.c_str(), &info) == 0;
     }
 
-    io::FakeClock clock;
+    plat::FakeClock clock;
     io::FdSelectManager mgr{/*nested=*/true}; // the process has one once an AppLoop was made
     std::string scoped;
     TempDir dir;
@@ -316,10 +316,10 @@ TEST_F(LocalSocketTest, TheFileIsTouchedAndBroughtBackWithoutLosingDescriptors) 
     listener.setAcceptor(&acceptor);
     const timespec old[2] = {{1000, 0}, {1000, 0}};
     utimensat(AT_FDCWD, path.c_str(), old, 0);
-    io::FakeClock::advance(3599999);
+    plat::FakeClock::advanceMs(3599999);
     rounds();
     EXPECT_EQ(statOf(path).st_mtime, 1000);
-    io::FakeClock::advance(1);
+    plat::FakeClock::advanceMs(1);
     rounds();
     EXPECT_GT(statOf(path).st_mtime, 1000000000);
 
@@ -328,7 +328,7 @@ TEST_F(LocalSocketTest, TheFileIsTouchedAndBroughtBackWithoutLosingDescriptors) 
         unlink(path.c_str());
         if (i % 10 == 0)
             rmdir((dir / "sub").c_str());
-        io::FakeClock::advance(3600000);
+        plat::FakeClock::advanceMs(3600000);
         rounds(1);
         ASSERT_TRUE(exists(path));
     }
@@ -339,12 +339,12 @@ TEST_F(LocalSocketTest, TheFileIsTouchedAndBroughtBackWithoutLosingDescriptors) 
 
     unlink(path.c_str());
     std::ofstream(path) << "precious";
-    io::FakeClock::advance(3600000);
+    plat::FakeClock::advanceMs(3600000);
     rounds();
     EXPECT_TRUE(S_ISREG(statOf(path).st_mode));
     unlink(path.c_str());
     chmod((dir / "sub").c_str(), 0777);
-    io::FakeClock::advance(3600000);
+    plat::FakeClock::advanceMs(3600000);
     rounds();
     EXPECT_FALSE(exists(path)) << "not in a directory that is open to others";
 }

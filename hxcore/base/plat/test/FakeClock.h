@@ -16,8 +16,8 @@ public:
     }
     ~FakeClock() { setTimeSource(previous); }
 
-    void advanceMs(int64_t ms) { now += ms * ticksPerMs; }
-    void advanceTicks(int64_t ticks) { now += ticks; }
+    static void advanceMs(int64_t ms) { now += ms * ticksPerMs; }
+    static void advanceTicks(int64_t ticks) { now += ticks; }
 
     /// The next reading gives `ticks` and says that the clock had to be reset.
     void jumpTo(int64_t ticks) {
