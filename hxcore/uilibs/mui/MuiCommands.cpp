@@ -6,6 +6,7 @@
 #include "plat/LogSrc.h"
 #include "plat/numbers.h"
 #include "plat/utf8.h"
+#include "ui/MenuBar.h"
 
 #include <algorithm>
 #include <cctype>
@@ -45,6 +46,50 @@ void listBelow(MuElement* element, plat::DString& reply) {
     }
 }
 
+/// The items of one menu, or of all menus of a bar one after the other.
+std::vector<ui::Menu::Item*> itemsOf(const ui::Menu& menu) {
+    std::vector<ui::Menu::Item*> items;
+    for (int i = 0; i < menu.itemCount(); ++i)
+        items.push_back(menu.itemAt(i));
+    return items;
+}
+
+std::vector<ui::Menu::Item*> itemsOf(const ui::MenuBar& bar) {
+    std::vector<ui::Menu::Item*> items;
+    for (int i = 0; i < bar.menuCount(); ++i)
+        for (ui::Menu::Item* item : itemsOf(*bar.menuAt(i)))
+            items.push_back(item);
+    return items;
+}
+
+/// An empty line would end the reply.
+plat::String menuLabel(const ui::Menu::Item& item) {
+    return item.isSeparator() ? plat::String("-") : oneLine(item.getText());
+}
+
+/// "listitems", "state item" or "invoke item", on a ui::Menu or a ui::MenuBar.
+template <class AnyMenu>
+bool menuCommand(AnyMenu& menu, std::string_view text, plat::DString& reply) {
+    plat::String word;
+    const bool hasItem = takeWord(text, word);
+    if (word == "listitems" && !hasItem) {
+        for (const ui::Menu::Item* item : itemsOf(menu))
+            reply.append(menuLabel(*item)).append("\n");
+        if (reply.isEmpty())
+            reply.append("\n");
+        return true;
+    }
+    ui::Menu::Item* item = hasItem ? menu.findItem(plat::String(text).c_str()) : nullptr;
+    if (!item)
+        return false;
+    if (word == "state") {
+        reply.format("%d %d\n", item->enabled(), item->checked());
+        return true;
+    }
+    reply.append(success);
+    return word == "invoke" && item->invoke();
+}
+
 /// Writes each problem to a reply.
 class MuiCommsLayoutChecker : public MuLayoutCheckObserver {
 public:
@@ -61,12 +106,14 @@ private:
 };
 } // namespace
 
-// The commands of menus are refused until there are menus.
 const MuiCommands::Command MuiCommands::commands[] = {
     {"version", &MuiCommands::version},
     {"dialogs", &MuiCommands::dialogs},
     {"lists", &MuiCommands::lists},
     {"listitems", &MuiCommands::listItems},
+    {"menubar", &MuiCommands::menuBar},
+    {"popupmenu", &MuiCommands::popupMenu},
+    {"menu", &MuiCommands::popupMenu},
     {"state", &MuiCommands::state},
     {"show", &MuiCommands::show},
     {"click", &MuiCommands::actWithNumber},
@@ -102,6 +149,7 @@ bool MuiCommands::split(std::string_view line, Words& words) {
         return false;
     if (!takeWord(line, words.command))
         return true;
+    words.args = plat::String(line);
     if (takeWord(line, words.ref))
         words.rest = plat::String(line);
     return true;
@@ -156,6 +204,23 @@ bool MuiCommands::listItems(const Words& words, plat::DString& reply) {
     const plat::String items = element->getItems();
     reply.append(items.isNull() ? "\n" : items.get());
     return true;
+}
+
+bool MuiCommands::menuBar(const Words& words, plat::DString& reply) {
+    ui::MenuBar* bar = ui::MenuBar::instance();
+    return bar && menuCommand(*bar, words.args.view(), reply);
+}
+
+bool MuiCommands::popupMenu(const Words& words, plat::DString& reply) {
+    if (words.ref.isEmpty()) {
+        for (const std::string& name : mui->getMenuNames())
+            reply.append(oneLine(name.c_str())).append("\n");
+        if (reply.isEmpty())
+            reply.append("\n");
+        return true;
+    }
+    ui::Menu* menu = mui->findMenu(words.ref.c_str());
+    return menu && menuCommand(*menu, words.rest.view(), reply);
 }
 
 bool MuiCommands::state(const Words& words, plat::DString& reply) {

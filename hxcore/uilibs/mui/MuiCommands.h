@@ -26,6 +26,7 @@ private:
     /// What a command line is made of; texts end where the line ends or at the blank that parts them.
     struct Words {
         plat::String command;
+        plat::String args; ///< all behind the command; null without any
         plat::String ref;
         plat::String rest; ///< all behind the blank after the reference; null without that blank
     };
@@ -43,6 +44,8 @@ private:
     bool dialogs(const Words&, plat::DString& reply);
     bool lists(const Words& words, plat::DString& reply);
     bool listItems(const Words& words, plat::DString& reply);
+    bool menuBar(const Words& words, plat::DString& reply);
+    bool popupMenu(const Words& words, plat::DString& reply);
     bool state(const Words& words, plat::DString& reply);
     bool show(const Words& words, plat::DString& reply);
     bool actWithNumber(const Words& words, plat::DString& reply);

@@ -10,6 +10,7 @@
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
 
+#include <algorithm>
 #include <unistd.h>
 
 namespace mui {
@@ -17,6 +18,7 @@ namespace {
 plat::LogSrc log("MuiComms");
 plat::BoolParameter muiComms("_MuiComms", plat::LocKey("mui_param_muicomms"), false);
 MuiComms* theInstance = nullptr;
+MuiModalHost* modalHost = nullptr;
 constexpr const char* baseName = "MuiComms";
 } // namespace
 
@@ -39,9 +41,17 @@ void MuiComms::initFromParameter(Mui* mui, const char* nameSuffix) {
         theInstance->setEnabled(true);
 }
 
+void MuiComms::setModalHost(MuiModalHost* host) { modalHost = host; }
+
+void MuiComms::serveModal(MuiModalClient* client, bool on) {
+    if (modalHost)
+        modalHost->serve(client, on);
+}
+
 MuiComms::MuiComms(Mui* target, const char* suffix) : mui(target), nameSuffix(suffix ? suffix : "") {}
 
 MuiComms::~MuiComms() {
+    serveModal(this, /*on=*/false);
     while (!connections.empty())
         connections.front()->end();
 }
@@ -49,6 +59,7 @@ MuiComms::~MuiComms() {
 void MuiComms::setEnabled(bool enabled) {
     if (enabled == isEnabled())
         return;
+    serveModal(this, enabled);
     if (!enabled) {
         listener.reset();
         pipeName = "";
@@ -58,7 +69,6 @@ void MuiComms::setEnabled(bool enabled) {
         const plat::String name = plat::strFormat("%s%s", baseName, nameSuffix.c_str());
         const os::PipeNameScoped pipe(name.c_str());
         listener = std::make_unique<os::NamedPipeListener>(pipe.path());
-        listener->setSilenceLimit(maxSilent, silenceMs);
         listener->setAcceptor(this);
         pipeName = pipe.path();
     } catch (const plat::Exception& e) {
@@ -73,7 +83,7 @@ void MuiComms::acceptIo(io::Io* io) {
         if (!unixIo)
             throw plat::Exception("not a local socket");
         unixIo->namedPipeCredCheck(geteuid());
-        if (connections.size() >= maxConnections)
+        if (connections.size() >= maxConnections || silentCount() >= maxSilent)
             throw plat::Exception("too many connections");
     } catch (const plat::Exception& e) {
         log.error("MuiComms refused %s: %s", io->getName().c_str(), e.what());
@@ -81,6 +91,18 @@ void MuiComms::acceptIo(io::Io* io) {
         return;
     }
     new MuiCommsConn(this, io);
+}
+
+size_t MuiComms::silentCount() const {
+    return static_cast<size_t>(std::count_if(connections.begin(), connections.end(),
+                                             [](const MuiCommsConn* conn) { return !conn->hasSpoken(); }));
+}
+
+int MuiComms::modalFd() { return listener ? listener->getFd() : -1; }
+
+void MuiComms::modalReadable() {
+    io::FdHandler& handler = *listener;
+    handler.fdReadable();
 }
 
 } // namespace mui

@@ -1,13 +1,15 @@
 #include "mui/MuiCommsConn.h"
 
+#include "io/FdHandler.h"
+#include "io/FdManager.h"
 #include "io/Io.h"
 #include "mui/MuiCommands.h"
-#include "mui/MuiComms.h"
 #include "plat/DString.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
 #include "rdr/InStream.h"
 #include "rdr/OutStream.h"
+#include "rdr/exceptions.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,12 +19,15 @@ namespace {
 plat::LogSrc log("MuiComms");
 } // namespace
 
-MuiCommsConn::MuiCommsConn(MuiComms* comms_, io::Io* io_) : comms(comms_), io(io_), halfLineTimer(this) {
+MuiCommsConn::MuiCommsConn(MuiComms* comms_, io::Io* io_) : comms(comms_), io(io_), silenceTimer(this) {
     comms->connections.push_back(this);
     io->setHandler(this);
+    startTimer();
+    MuiComms::serveModal(this, /*on=*/true);
 }
 
 MuiCommsConn::~MuiCommsConn() {
+    MuiComms::serveModal(this, /*on=*/false);
     comms->connections.remove(this);
     if (destroyed)
         *destroyed = true;
@@ -33,7 +38,33 @@ void MuiCommsConn::end() {
     delete this;
 }
 
+// An end is dealt with here and not left to the Io, which ends by a timer of the main loop: the loop of a dialog that
+// blocks would see the same end again and again.
 void MuiCommsConn::ioReadable(io::Io*) {
+    try {
+        serveLines();
+    } catch (const rdr::BlockException&) {
+        throw;
+    } catch (const plat::Exception& e) {
+        log.info("%s: %s", io->getName().c_str(), e.what());
+        end();
+    }
+}
+
+int MuiCommsConn::modalFd() {
+    const auto* handler = dynamic_cast<io::FdHandler*>(io);
+    return handler && !busy && !paused ? handler->getFd() : -1;
+}
+
+void MuiCommsConn::modalReadable() { plat::checkedCast<io::FdHandler>(io, "the connection")->fdReadable(); }
+
+// On the main loop's manager, so that it outlives the loop of a dialog that blocks.
+void MuiCommsConn::startTimer() {
+    if (io::FdManager* manager = io::FdManager::current())
+        manager->startTimer(silenceTimer, MuiComms::silenceMs);
+}
+
+void MuiCommsConn::serveLines() {
     if (busy) {
         pause(true); // a command shows a dialog that blocks: this connection waits for it
         return;
@@ -62,7 +93,7 @@ void MuiCommsConn::pause(bool on) {
 void MuiCommsConn::ioClosed(io::Io*) { delete this; }
 
 bool MuiCommsConn::timerExpired(plat::Timer*) {
-    log.info("%s: half a line for too long", io->getName().c_str());
+    log.info("%s: %s", io->getName().c_str(), spoken ? "half a line for too long" : "says nothing");
     end();
     return false;
 }
@@ -71,6 +102,7 @@ bool MuiCommsConn::takeLine() {
     rdr::InStream& in = *io->inStream();
     size_t count = maxLineBytes;
     while (const uint8_t* bytes = in.check(1, &count, /*wait=*/false)) {
+        spoken = true;
         const auto* lineEnd = static_cast<const uint8_t*>(memchr(bytes, '\n', count));
         const size_t take = lineEnd ? static_cast<size_t>(lineEnd - bytes) : count;
         if (line.size() + take > maxLineBytes)
@@ -79,15 +111,15 @@ bool MuiCommsConn::takeLine() {
         in.consume(lineEnd ? take + 1 : take);
         in.checkpoint();
         if (lineEnd) {
-            halfLineTimer.cancel();
+            silenceTimer.cancel();
             return true;
         }
         count = maxLineBytes;
     }
-    if (line.empty())
-        halfLineTimer.cancel();
-    else if (!halfLineTimer.isActive())
-        halfLineTimer.start(MuiComms::silenceMs);
+    if (line.empty() && spoken)
+        silenceTimer.cancel();
+    else if (!silenceTimer.isActive())
+        startTimer();
     return false;
 }
 

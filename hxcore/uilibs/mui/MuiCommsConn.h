@@ -2,6 +2,7 @@
 #pragma once
 
 #include "io/IoHandler.h"
+#include "mui/MuiComms.h"
 #include "plat/NonCopyable.h"
 #include "plat/Timer.h"
 
@@ -13,19 +14,21 @@ class Io;
 
 namespace mui {
 
-class MuiComms;
-
 /// Reads command lines from a connection and answers them in turn.
 ///
-/// It deletes itself with its connection, also while it carries out a command. A line longer than 1,024 bytes, or one
-/// that stays half said for too long, ends the connection. While the peer doesn't read its replies no more commands are
-/// taken.
-class MuiCommsConn : public io::IoHandler, private plat::Timer::Callback, private plat::NonCopyable {
+/// It deletes itself with its connection, also while it carries out a command. A line longer than 1,024 bytes, one that
+/// stays half said for too long, or saying nothing at all ends the connection. While the peer doesn't read its replies
+/// no more commands are taken.
+class MuiCommsConn : public io::IoHandler,
+                     private MuiModalClient,
+                     private plat::Timer::Callback,
+                     private plat::NonCopyable {
 public:
     static constexpr size_t maxLineBytes = 1024; ///< without its line end
 
     MuiCommsConn(MuiComms* comms, io::Io* io); ///< takes the Io over and joins the list of `comms`
     void end();                                ///< shuts the Io down and deletes this
+    bool hasSpoken() const { return spoken; }
 
     // io::IoHandler
     void ioReadable(io::Io*) override;
@@ -36,6 +39,13 @@ private:
     ~MuiCommsConn() override;
 
     bool timerExpired(plat::Timer*) override;
+
+    // MuiModalClient: not while a command of ours is under way, which has opened the dialog
+    int modalFd() override;
+    void modalReadable() override;
+
+    void serveLines();
+    void startTimer();
     bool takeLine(); // true when `line` is whole
     bool runLine();  // false if we are gone
     void pause(bool on);
@@ -43,10 +53,11 @@ private:
     MuiComms* comms;
     io::Io* io;
     std::string line;
+    bool spoken = false;       // the peer has said something
     bool busy = false;         // a command is being carried out
     bool paused = false;       // bytes that come have to wait
     bool* destroyed = nullptr; // set by the destructor while a command is being carried out
-    plat::Timer halfLineTimer;
+    plat::Timer silenceTimer;  // runs until the first byte, and while half a line is there
 };
 
 } // namespace mui

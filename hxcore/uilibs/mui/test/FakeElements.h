@@ -3,12 +3,20 @@
 
 #include "mui/MuButton.h"
 #include "mui/MuCheck.h"
+#include "mui/MuChoice.h"
 #include "mui/MuDialog.h"
+#include "mui/MuEdit.h"
 #include "mui/MuFrame.h"
 #include "mui/MuImage.h"
 #include "mui/MuLayout.h"
+#include "mui/MuList.h"
+#include "mui/MuPager.h"
+#include "mui/MuSlider.h"
+#include "mui/MuSplitter.h"
+#include "mui/MuSuperbox.h"
 #include "mui/MuText.h"
 #include "mui/muFactories.h"
+#include "ui/Menu.h"
 
 #include <functional>
 #include <string>
@@ -117,6 +125,93 @@ public:
     FakeImage(const char* name, const char* image, const rfb::Point& s) : MuImage(name, image, s) { common = &fake; }
     void setAlignment(int, int) override {}
     FakeCommon fake;
+};
+
+class FakeEdit : public MuEdit {
+public:
+    FakeEdit(const char* name, const char* text, Type kind) : MuEdit(name, text, kind) { common = &fake; }
+    void setText(const char* text) override { content = text; }
+    const char* getText() override { return content.c_str(); }
+    void setMaxLength(int) override {}
+    void setPlaceholder(const char*) override {}
+    void selectAll() override {}
+    void setFieldWidth(int) override {}
+    FakeCommon fake;
+    plat::String content;
+};
+
+class FakeList : public MuList {
+public:
+    explicit FakeList(const char* name) : MuList(name, 0) { common = &fake; }
+    void ensureRowVisible(int) override {}
+    void setEmptyText(const char*) override {}
+    void setVisibleRows(int) override {}
+    int rowAt(const rfb::Point&) override { return -1; }
+    FakeCommon fake;
+};
+
+// With constructors that anyone may call.
+class TestChoice : public MuChoice {
+public:
+    TestChoice(const char* name, const char* marked, bool anyText) : MuChoice(name, marked, anyText) {}
+};
+class TestPager : public MuPager {
+public:
+    explicit TestPager(const char* name) : MuPager(name, Type::Tabs) {}
+};
+class TestSlider : public MuSlider {
+public:
+    TestSlider(const char* name, int least, int most) : MuSlider(name, Orientation::Horizontal, least, most) {}
+};
+class TestSplitter : public MuSplitter {
+public:
+    explicit TestSplitter(const char* name, Mode kind = Mode::MinSizes)
+        : MuSplitter(name, Orientation::Horizontal, /*thin=*/false, kind) {}
+};
+
+class FakeSuperbox : public MuSuperbox {
+public:
+    FakeSuperbox(const char* name, Callback* target) : MuSuperbox(name, nullptr, target, 50) { common = &fake; }
+    void setText(const char* text) override { content = text; }
+    const char* getText() override { return content.c_str(); }
+    void selectAll() override {}
+    void setPlaceholder(const char*) override {}
+    using MuSuperbox::handleKey;
+    FakeCommon fake;
+    plat::String content;
+};
+
+class FakeMenu : public ui::Menu {
+public:
+    /// Writes down the texts of what is chosen.
+    class Action : public ActionCallback {
+    public:
+        explicit Action(std::string* target) : chosen(target) {}
+        void menuAction(Item* item) override { *chosen += std::string(item->getText()) + " "; }
+
+    private:
+        std::string* chosen;
+    };
+
+    Item* addItem(const char* text, const char* image = nullptr, Item* = nullptr, ActionCallback* action = nullptr,
+                  unsigned flags = 0) override {
+        struct FakeItem : Item {
+            using Item::Item;
+            FakeItem(const char* t, const char* i, ActionCallback* a, unsigned f) : Item(t, i, a, f) {}
+        };
+        items.push_back(std::make_unique<FakeItem>(text, image, action, flags));
+        return items.back().get();
+    }
+    void removeItem(Item* item) override {
+        std::erase_if(items, [=](const auto& entry) { return entry.get() == item; });
+    }
+    int itemCount() const override { return static_cast<int>(items.size()); }
+    Item* itemAt(int index) const override {
+        return index >= 0 && index < itemCount() ? items[static_cast<size_t>(index)].get() : nullptr;
+    }
+
+private:
+    std::vector<std::unique_ptr<Item>> items;
 };
 
 class FakeDialog : public MuDialog {

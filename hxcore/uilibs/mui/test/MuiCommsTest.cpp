@@ -9,6 +9,7 @@
 #include "plat/monoTime.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -143,11 +144,71 @@ TEST_F(CommsTest, WhoSaysNothingIsEndedAndTooManyAreRefused) {
     std::vector<int> talking;
     for (size_t i = 0; i <= MuiComms::maxConnections; ++i) {
         talking.push_back(connectClient());
-        say(talking.back(), "version\n");
+        if (i < MuiComms::maxConnections)
+            say(talking.back(), "version\n");
         EXPECT_EQ(hear(talking.back()), i < MuiComms::maxConnections ? "1\n\n" : "<end>") << i;
     }
     for (const int fd : talking)
         close(fd);
+}
+
+// A dialog that blocks runs a loop of its own: the connection that opened it waits, all others are served.
+TEST_F(CommsTest, OthersAreServedWhileACommandHoldsUpTheLoop) {
+    struct Host : MuiModalHost {
+        void serve(MuiModalClient* client, bool on) override {
+            std::erase(clients, client);
+            if (on)
+                clients.push_back(client);
+        }
+        /// One round of a modal loop; gives how many it served.
+        int round() {
+            int served = 0;
+            for (MuiModalClient* client : std::vector(clients)) {
+                pollfd fd{client->modalFd(), POLLIN, 0};
+                if (fd.fd < 0 || poll(&fd, 1, 0) <= 0)
+                    continue;
+                client->modalReadable();
+                ++served;
+            }
+            return served;
+        }
+        std::vector<MuiModalClient*> clients;
+    } host;
+    MuiComms::destroy();
+    MuiComms::setModalHost(&host);
+    MuiComms::init(&toolkit, ":7");
+    MuiComms::instance()->setEnabled(true);
+    MuButton::create(&dialog, "block", "Block");
+
+    std::string heard;
+    Listener blocker(&heard, "d");
+    int opener = -1;
+    blocker.action = [&] {
+        say(opener, "version\n"); // has to wait
+        const int late = os::connectUnixSocket(path.c_str());
+        say(late, "dialogs\n");
+        while (host.round() > 0) {
+        }
+        char buffer[100] = {};
+        EXPECT_GT(recv(late, buffer, sizeof buffer - 1, MSG_DONTWAIT), 0);
+        EXPECT_STREQ(buffer, "0 dlg\n\n");
+        EXPECT_LT(recv(opener, buffer, sizeof buffer, MSG_DONTWAIT), 0);
+        const size_t before = host.clients.size();
+        close(late);
+        EXPECT_EQ(host.round(), 1); // the end is seen once
+        EXPECT_EQ(host.round(), 0);
+        EXPECT_EQ(host.clients.size(), before - 1);
+    };
+    dialog.addObserver(&blocker, true);
+    opener = connectClient();
+    say(opener, "click dlg.block\n");
+    EXPECT_EQ(hear(opener), "1\n\n1\n\n");
+    EXPECT_EQ(heard, "d:block/1 ");
+    close(opener);
+    MuiComms::destroy();
+    run();
+    MuiComms::setModalHost(nullptr);
+    EXPECT_TRUE(host.clients.empty());
 }
 
 TEST_F(CommsTest, ADriverThatReadsNothingIsNotServedOnAndOn) {

@@ -5,6 +5,7 @@
 #include "mui/tx/MuDialogTx.h"
 #include "mui/tx/MuPopupMenuTx.h"
 #include "mui/tx/MuSuperboxTx.h"
+#include "mui/tx/modalInspection.h"
 #include "mui/wvw/MuiWvw.h"
 
 namespace mui {
@@ -28,6 +29,7 @@ void fillFactories() {
     muPopupMenuFactory = makePopupMenu;
     muSuperboxFactory = makeSuperbox;
     muAutoHiderFactory = makeAutoHider;
+    serveInspectionInModalLoops();
 }
 
 } // namespace mui
