@@ -103,16 +103,6 @@ class StatusDialog(UiTest):
         until(lambda: height() == folded, "the old height")
         self.assertEqual(core.ask("checklayout statusdialog"), "")
 
-    def test_no_language_overflows(self):
-        for language in ("de", "fr", "es", "pt", "en"):
-            core, window = self.opened(args=[f"-Locale={language}"])
-            self.fill(core)
-            core.ask("click " + CONN + "otherWaysBtn")
-            self.assertEqual(core.ask("checklayout statusdialog"), "", language)
-            self.assertTrue(window)
-            core.say("close")
-            core.end()
-
     def paints(self, core):
         return len(re.findall(r"TXWParent: paint ", core.stderr()))
 

@@ -42,7 +42,7 @@ bool fillUtf8(std::string& out, const std::string& pattern, const tm& time) {
 
 std::string zonedTimePattern(const DatePatterns& patterns, TimeStyle style) {
     const std::string pattern = makeTimePattern(patterns, style);
-    return style == TimeStyle::SecondsAndZone ? addZone(pattern) : pattern;
+    return style == TimeStyle::SecondsAndZone && !hasZone(pattern) ? addZone(pattern) : pattern;
 }
 
 // One pattern for both, or "" if the locale has none that can be adjusted in place.
@@ -52,7 +52,7 @@ std::string makeJointPattern(const DatePatterns& patterns, DateStyle dateStyle, 
     SplitPattern split = splitDateTime(patterns, dateStyle, timeStyle);
     if (split.time.empty())
         return "";
-    if (timeStyle == TimeStyle::SecondsAndZone)
+    if (timeStyle == TimeStyle::SecondsAndZone && !hasZone(split.before + split.time + split.after))
         split.time = addZone(split.time);
     return split.before + split.time + split.after;
 }

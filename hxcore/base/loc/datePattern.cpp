@@ -147,7 +147,9 @@ void addSeconds(Tokens& tokens) {
         tokens = tokenise("%H:%M:%S");
 }
 
-void chooseSeconds(Tokens& tokens, const std::string& ampm, TimeStyle style) {
+void chooseSecondsAndZone(Tokens& tokens, const std::string& ampm, TimeStyle style) {
+    if (style != TimeStyle::SecondsAndZone)
+        removeZone(tokens);
     if (style == TimeStyle::NoSeconds)
         stripSeconds(tokens, ampm);
     else
@@ -181,7 +183,8 @@ SplitPattern splitDateTime(const DatePatterns& patterns, DateStyle style, TimeSt
     replace(tokens, "%r", patterns.ampm);
     replace(tokens, "%x", patterns.date);
     chooseNames(tokens, style);
-    removeZone(tokens);
+    if (timeStyle != TimeStyle::SecondsAndZone)
+        removeZone(tokens);
 
     const auto first = std::find_if(tokens.begin(), tokens.end(), isTime);
     if (first == tokens.end())
@@ -191,7 +194,7 @@ SplitPattern splitDateTime(const DatePatterns& patterns, DateStyle style, TimeSt
         ++last;
     Tokens time(first, last);
     if (timeStyle != TimeStyle::None)
-        chooseSeconds(time, patterns.ampm, timeStyle);
+        chooseSecondsAndZone(time, patterns.ampm, timeStyle);
     return {join(tokens.begin(), first), join(time), join(last, tokens.end())};
 }
 
@@ -207,9 +210,13 @@ std::string makeDatePattern(const DatePatterns& patterns, DateStyle style) {
 
 std::string makeTimePattern(const DatePatterns& patterns, TimeStyle style) {
     Tokens tokens = tokenise(patterns.time);
-    removeZone(tokens);
-    chooseSeconds(tokens, patterns.ampm, style);
+    chooseSecondsAndZone(tokens, patterns.ampm, style);
     return join(tokens);
+}
+
+bool hasZone(const std::string& pattern) {
+    const Tokens tokens = tokenise(pattern);
+    return std::any_of(tokens.begin(), tokens.end(), [](const auto& token) { return isOneOf(token, zoneLetters); });
 }
 
 } // namespace loc

@@ -20,16 +20,18 @@ struct DatePatterns {
 /// A pattern with names, cut at its directives of time.
 struct SplitPattern {
     std::string before;
-    std::string time; ///< first to last of them, without a zone; "" if there are none
+    std::string time; ///< first to last of them; "" if there are none
     std::string after;
 };
 
-/// Of D_T_FMT; `timeStyle` decides about seconds.
+/// Of D_T_FMT; `timeStyle` decides about seconds, and whether a zone may stay where the locale has it.
 SplitPattern splitDateTime(const DatePatterns& patterns, TimeString::DateStyle style, TimeString::TimeStyle timeStyle);
 
 std::string makeDatePattern(const DatePatterns& patterns, TimeString::DateStyle style); ///< not for None
 
-/// Without a zone. Not for None.
+/// With a zone only if the style wants one and the locale has it there. Not for None.
 std::string makeTimePattern(const DatePatterns& patterns, TimeString::TimeStyle style);
+
+bool hasZone(const std::string& pattern);
 
 } // namespace loc

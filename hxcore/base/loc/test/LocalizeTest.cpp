@@ -132,17 +132,17 @@ TEST_F(Localize, FilesAddAndReplaceTextsWithoutTakingAwayWhatWasHandedOut) {
 
 TEST_F(Localize, AFileThatCantBeReadIsLogged) {
     write("en", "");
-    ASSERT_EQ(::mkfifo((dir + "/strings.en_US.po").c_str(), 0600), 0);
+    ASSERT_EQ(::mkfifo((dir / "strings.en_US.po").c_str(), 0600), 0);
     LogLines log;
-    localize().setDirs({dir});
-    EXPECT_EQ(log.lines, (Lines{"Error loading strings from " + dir + "/strings.en_US.po: not a regular file"}));
+    localize().setDirs({dir.root});
+    EXPECT_EQ(log.lines, (Lines{"Error loading strings from " + (dir / "strings.en_US.po") + ": not a regular file"}));
 }
 
 TEST_F(Localize, ALocaleNameNeverLeavesTheDirectory) {
     write("en", "");
-    std::filesystem::create_directory(dir + "/strings.x");
-    std::ofstream(dir + "/y.po") << "msgid \"test_escaped\"\nmsgstr \"x\"\n"; // strings.x/../y.po
-    localize().setDirs({dir});
+    plat::mkDir((dir / "strings.x").c_str());
+    plat::writeTextFile(dir / "y.po", "msgid \"test_escaped\"\nmsgstr \"x\"\n"); // strings.x/../y.po
+    localize().setDirs({dir.root});
     speak("x/../y");
     EXPECT_EQ(localize().findTranslation("test_escaped", /*raw=*/false), nullptr);
     EXPECT_STREQ(localize().getLocaleList().c_str(), "x/:en_US");

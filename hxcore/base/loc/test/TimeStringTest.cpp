@@ -52,6 +52,7 @@ TEST(datePattern, TimesGainOrLoseSeconds) {
     EXPECT_EQ(make("%S.%M.%H", TimeStyle::NoSeconds), "%M.%H");
     EXPECT_EQ(make("%H:%M:%S (%Z)", TimeStyle::Seconds), "%H:%M:%S");
     EXPECT_EQ(make("%Z %H:%M:%S", TimeStyle::Seconds), "%H:%M:%S");
+    EXPECT_EQ(make("%H:%M (%Z)", TimeStyle::SecondsAndZone), "%H:%M:%S (%Z)");
 }
 
 TEST(datePattern, TheTimeWithinADateIsAdjustedInPlace) {
@@ -59,6 +60,8 @@ TEST(datePattern, TheTimeWithinADateIsAdjustedInPlace) {
     EXPECT_EQ(c.before + "|" + c.time + "|" + c.after, "%A %B %e |%H:%M| %Y");
     const loc::SplitPattern us = loc::splitDateTime(american, DateStyle::Abbreviated, TimeStyle::NoSeconds);
     EXPECT_EQ(us.before + "|" + us.time + "|" + us.after, "%a %d %b %Y |%I:%M %p|");
+    const loc::SplitPattern zone = loc::splitDateTime(german, DateStyle::Abbreviated, TimeStyle::SecondsAndZone);
+    EXPECT_EQ(zone.before + "|" + zone.time + "|" + zone.after, "%a %d %b %Y |%T| %Z");
 }
 
 tm leapDay() {

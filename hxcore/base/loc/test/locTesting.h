@@ -6,11 +6,10 @@
 #include "plat/Configuration.h"
 #include "plat/LogDest.h"
 #include "plat/LogSrc.h"
+#include "plat/test/TempDir.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -43,8 +42,6 @@ protected:
     ~InEnglish() override {
         loc::Localize::instance().setDirs({});
         speak("en");
-        if (!dir.empty())
-            std::filesystem::remove_all(dir);
     }
 
     static void speak(const char* locale) { plat::Configuration::global().set("Locale", locale); }
@@ -52,13 +49,9 @@ protected:
 
     /// Writes a text file of a locale into a directory of this test.
     const std::string& write(const char* locale, const std::string& text) {
-        if (dir.empty()) {
-            dir = (std::filesystem::temp_directory_path() / "zeftestXXXXXX").string();
-            EXPECT_NE(::mkdtemp(dir.data()), nullptr);
-        }
-        std::ofstream(dir + "/strings." + locale + ".po", std::ios::binary) << text;
-        return dir;
+        plat::writeTextFile(dir / "strings." + locale + ".po", text);
+        return dir.root;
     }
 
-    std::string dir;
+    plat::TempDir dir;
 };

@@ -8,6 +8,7 @@
 #include "loc/localeText.h"
 
 #include <cstdlib>
+#include <memory>
 
 namespace {
 
@@ -52,16 +53,14 @@ TEST(osLocale, TextIsConvertedBothWays) {
 class MadeLocales : public InEnglish {
 protected:
     static void SetUpTestSuite() {
-        char made[] = "/tmp/zeftestXXXXXX";
-        ASSERT_NE(::mkdtemp(made), nullptr);
-        path = made;
+        path = std::make_unique<plat::TempDir>();
         complete = make("de_LI", "ISO-8859-1", "de_LI") && make("fr_LU", "UTF-8", "fr_LU.utf8") &&
                    make("en_PH", "ISO-8859-1", "en_PH");
-        ::setenv("LOCPATH", made, 1); // locale(7): instead of the machine's own
+        ::setenv("LOCPATH", path->root.c_str(), 1); // locale(7): instead of the machine's own
     }
     static void TearDownTestSuite() {
         ::unsetenv("LOCPATH");
-        std::filesystem::remove_all(path);
+        path.reset();
     }
     void SetUp() override {
         InEnglish::SetUp();
@@ -71,11 +70,11 @@ protected:
 
     static bool make(const char* source, const char* charset, const char* name) {
         const std::string command =
-            std::string("localedef --no-archive -i ") + source + " -f " + charset + " " + path + "/" + name;
+            std::string("localedef --no-archive -i ") + source + " -f " + charset + " " + (*path / name);
         return std::system((command + " 2>/dev/null").c_str()) == 0;
     }
 
-    static inline std::string path;
+    static inline std::unique_ptr<plat::TempDir> path;
     static inline bool complete = false;
 };
 

@@ -1,4 +1,6 @@
 // The compiler of catalogs, as the build runs it.
+#include "plat/test/TempDir.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -13,16 +15,12 @@ namespace {
 class Pocompile : public ::testing::Test {
 protected:
     void SetUp() override {
-        dir = (std::filesystem::temp_directory_path() / "zeftestXXXXXX").string();
-        ASSERT_NE(::mkdtemp(dir.data()), nullptr);
         for (const char* const language : {"en", "de", "es", "fr", "pt"})
             write(language,
                   "msgid \"t_b\"\nmsgstr \"%1$S of %2$D\"\n\nmsgid \"t_a\"\nmsgstr \"A \\t\xc3\xa9\\?\\n\"\n");
     }
-    ~Pocompile() override { std::filesystem::remove_all(dir); }
-
     void write(const char* language, const std::string& text) {
-        std::ofstream(dir + "/" + language + ".po", std::ios::binary) << text;
+        plat::writeTextFile(directory / language + ".po", text);
     }
 
     // Gives the exit status; `output` holds what it printed.
@@ -40,7 +38,8 @@ protected:
         return output;
     }
 
-    std::string dir;
+    plat::TempDir directory;
+    const std::string dir = directory.root;
     std::string output;
 };
 
@@ -109,6 +108,7 @@ TEST_F(Pocompile, CheckKnowsMarkupMnemonicsAndTypography) {
         {"&Open && <x>", "es", "Abrir && <x>", "no mnemonic"},
         {"&Open &amp; close", "es", "&Abrir &amp; &#99;", nullptr},
         {"Wait...", "pt", "Aguarde...", "three dots"},
+        {"Wait...", "de", "Warten \u2026", "lacks the no-break space"},
         {"'x' [,...]", "pt", "\u201cx\u201d [,...]", nullptr},
         {"'x'", "de", "\\\"x\\\"", "straight quotes"},
         {"x", "de", "geht's", "straight apostrophe"},

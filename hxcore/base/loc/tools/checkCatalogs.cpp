@@ -59,13 +59,14 @@ const char* findSlip(std::string_view language, const std::string& text) {
         std::regex pattern;
         const char* what;
     } slips[] = {
-        {"de es fr pt", std::regex("[A-Za-z]\\.\\.\\."), " has three dots for an ellipsis"},
+        {"de es fr pt", std::regex("[^,]\\.\\.\\."), " has three dots for an ellipsis"},
         {"de es fr pt", std::regex("\""), " has straight quotes"},
         {"fr", std::regex("[A-Za-z]'[A-Za-z\x80-\xff]"), " has a straight apostrophe"},
         {"fr", std::regex(" (?:[:;!?]|\xc2\xbb)"), " breaks before a mark"},
         {"fr", std::regex("\xc2\xab "), " breaks after a quote"},
         {"fr", std::regex("[A-Za-z][!?]"), " lacks the space before a mark"},
         {"fr", std::regex("[A-Za-z][:;](?: |$)"), " lacks the space before a mark"},
+        {"de", std::regex("[A-Za-z ]\xe2\x80\xa6"), " lacks the no-break space before an ellipsis"},
         {"de", std::regex("[A-Za-z\x80-\xff]'"), " has a straight apostrophe"},
         {"es", std::regex("^(?!.*\xc2\xbf).*\\?(?: |$)"), " has no opening question mark"},
         {"es", std::regex("^(?!.*\xc2\xa1).*!(?: |$)"), " has no opening exclamation mark"},
