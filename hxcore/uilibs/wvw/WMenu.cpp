@@ -293,7 +293,7 @@ void WMenu::mouseEvent(const Point& position, int mask) {
     if (mask && !dragSeen)
         dragStart = position;
     dragSeen = dragSeen || mask;
-    hoverSeen = hoverSeen || !mask;
+    hoverSeen = hoverSeen || (!mask && !mouseMask);
     WLayout::mouseEvent(position, mask);
 }
 

@@ -33,6 +33,11 @@ class WMenuBar::Menu::Popup : public WRootMenu {
 public:
     explicit Popup(Menu* owner_) : WRootMenu(static_cast<WRootMenu::Callback*>(owner_)), owner(owner_) {}
 
+    // Widget: what was chosen is told as if it had happened in the bar, since the window of the menu has gone.
+    bool activated(Widget* origin) override {
+        return WRootMenu::activated(origin) || (owner->bar && owner->bar->activated(origin));
+    }
+
 protected:
     bool unusedKey(uint32_t keysym) override {
         if (!owner->bar || (keysym != key::Left && keysym != key::Right))

@@ -263,5 +263,72 @@ TEST_F(EditTest, TheMenuPastes) {
     EXPECT_STREQ(edit.getText(), "pasted");
 }
 
+TEST_F(EditTest, UndoTakesBackWholeStepsAndRedoBringsThemAgain) {
+    edit.setText("start");
+    type(" abc");
+    window.key(key::Left);
+    type("x");
+    withHeld(key::ControlL, {key::BackSpace});
+    EXPECT_STREQ(edit.getText(), "start c");
+    std::vector<std::string> seen;
+    for (int i = 0; i < 4; ++i) {
+        withHeld(key::ControlL, {'z'});
+        seen.push_back(edit.getText());
+    }
+    EXPECT_EQ(seen, (std::vector<std::string>{"start abxc", "start abc", "start", "start"}));
+    EXPECT_EQ(window.bells, 1); // the last one found nothing
+    withHeld(key::ControlL, {'y', 'y'});
+    EXPECT_STREQ(edit.getText(), "start abxc");
+    EXPECT_EQ(edit.getCursor(), 9);
+    type("!");
+    withHeld(key::ControlL, {'y'}); // another way was taken
+    EXPECT_STREQ(edit.getText(), "start abx!c");
+    edit.setPassword(true);
+    withHeld(key::ControlL, {'z'}); // nothing is kept of a password
+    EXPECT_STREQ(edit.getText(), "start abx!c");
+}
+
+TEST_F(EditTest, TheOlderClipboardKeysAndTheMiddleButtonWorkToo) {
+    edit.setText("hello");
+    withHeld(key::ShiftL, {key::Left, key::Left});
+    withHeld(key::ControlL, {key::Insert});
+    EXPECT_STREQ(window.clipboard.c_str(), "lo");
+    withHeld(key::ShiftL, {key::Delete});
+    EXPECT_STREQ(edit.getText(), "hel");
+    withHeld(key::ShiftL, {key::Insert, key::Insert});
+    EXPECT_STREQ(edit.getText(), "hellolo");
+    withHeld(key::ControlL, {'a', 'x'});
+    EXPECT_STREQ(edit.getText(), "");
+    EXPECT_STREQ(window.clipboard.c_str(), "hellolo");
+    withHeld(key::ControlL, {'x'});
+    EXPECT_EQ(window.bells, 1);
+
+    edit.setText("ab");
+    window.primary = "12\n3";
+    window.click(xOf("a"), 10, 1);
+    EXPECT_STREQ(edit.getText(), "a123b");
+    edit.setEnabled(false);
+    window.click(xOf("a"), 10, 1);
+    EXPECT_STREQ(edit.getText(), "a123b");
+}
+
+TEST_F(EditTest, TheInputMethodIsToldWhereTheTextGoes) {
+    edit.setText("ab");
+    window.key(key::Home);
+    EXPECT_EQ(window.textCursor, Rect::xywh(6, 4, 1, font.height));
+    type("x");
+    EXPECT_EQ(window.textCursor.tl.x, xOf("x"));
+    Box other(&root, "other", true);
+    other.takeFocus();
+    EXPECT_TRUE(window.textCursor.isEmpty());
+}
+
+// One field in a window: a key costs the field, and no more.
+TEST_F(EditTest, TypingRepaintsTheFieldAlone) {
+    window.paintAll();
+    type("x");
+    EXPECT_EQ(window.invalidArea(), edit.getRect());
+}
+
 } // namespace
 } // namespace wvw

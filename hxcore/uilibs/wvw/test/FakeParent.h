@@ -67,6 +67,9 @@ public:
     bool isKeyDown(uint32_t keysym) const override { return keys.count(keysym) > 0; }
     plat::String getCutText() override { return clipboard; }
     void setCutText(const char* text) override { clipboard = text; }
+    plat::String getPrimaryText() override { return primary; }
+    void showCursor(CursorShape newShape) override { shape = newShape; }
+    void setTextCursor(Widget*, const rfb::Rect& rect) override { textCursor = rect; }
     WRoot* getRoot(rfb::Point* originOut) override;
     void ensureVisible(Widget*, const rfb::Rect& rect) override { madeVisible = rect; }
     void startDrag(std::unique_ptr<hxutil::DragDropData>, const rfb::PixelBuffer*) override {}
@@ -84,6 +87,9 @@ public:
     bool focused = true;
     int bells = 0;
     plat::String clipboard;
+    plat::String primary;
+    CursorShape shape = CursorShape::Default;
+    rfb::Rect textCursor;
     rfb::Rect madeVisible;
     rfb::Point screenPx{1000, 800};
     rfb::Point position;

@@ -1,6 +1,6 @@
 #include "wvw/test/FakeParent.h"
 
-#include "wvw/WMenu.h"
+#include "wvw/WMenuBar.h"
 
 #include "rfb/keySymbols.h"
 
@@ -198,6 +198,99 @@ TEST_F(MenuTest, AChoiceMayDeleteTheMenu) {
         EXPECT_EQ(killer.menu, nullptr);
         EXPECT_EQ(window.anyPopup(), nullptr);
     }
+}
+
+TEST_F(MenuTest, HomeAndEndSkipWhatCannotBeChosen) {
+    open.setEnabled(false);
+    show();
+    popup().key(key::Home);
+    EXPECT_EQ(menu.getSelected(), &more);
+    popup().key(key::End);
+    EXPECT_EQ(menu.getSelected(), &quit);
+    popup().key(key::Space);
+    EXPECT_EQ(chosen, (std::vector<Widget*>{&quit}));
+}
+
+// A button that opened the menu is let go somewhere: only a way through the menu makes that a choice.
+TEST_F(MenuTest, AHeldButtonChoosesOnlyAfterAWayThroughTheMenu) {
+    const Point at = menu.getPreferredSize() - Point(20, 10);
+    show();
+    popup().press(2);
+    popup().move(at.x, at.y);
+    popup().release(2);
+    EXPECT_EQ(chosen, (std::vector<Widget*>{&quit}));
+    show();
+    FakeParent& shaky = popup();
+    shaky.root->mouseEvent(at, 4);
+    shaky.root->mouseEvent(at + Point(1, 1), 4);
+    shaky.root->mouseEvent(at + Point(1, 1), 0);
+    EXPECT_TRUE(menu.isShown());
+    EXPECT_EQ(chosen.size(), 1u);
+}
+
+struct MenuBarTest : testing::Test {
+    WLayout root;
+    WMenuBar bar{&root};
+    Box box{&root, "box", true};
+    WMenuBar::Menu file{"&File"};
+    WMenuBar::Menu off{"&Off"};
+    WMenuBar::Menu help{"&Help"};
+    WMenuItem open{"&Open"};
+    WMenuItem about{"&About"};
+    FakeParent window{&root, {300, 100}};
+
+    void SetUp() override {
+        for (WMenuBar::Menu* menu : {&file, &off, &help})
+            bar.addMenu(menu);
+        file.getMenu().add(&open);
+        help.getMenu().add(&about);
+        off.setEnabled(false);
+        root.setChildRect(&bar, rfb::Rect::xywh(0, 0, 300, bar.getPreferredSize().y));
+        box.takeFocus();
+    }
+    FakeParent& popup() { return *window.popupOf(window.anyPopup()); }
+};
+
+TEST_F(MenuBarTest, ClicksOpenAndThePointerGoesOn) {
+    window.click(10, 5);
+    EXPECT_EQ(bar.openMenu(), &file);
+    EXPECT_EQ(popup().position, Point(0, file.getHeight()));
+    const Point onHelp = help.getPosition() + Point(5, 5);
+    window.move(onHelp.x, onHelp.y);
+    EXPECT_EQ(bar.openMenu(), &help);
+    popup().click(10, 10);
+    EXPECT_EQ(window.activations, (std::vector<Widget*>{&about}));
+    EXPECT_EQ(bar.openMenu(), nullptr);
+    EXPECT_TRUE(box.hasFocus()); // the mouse moves no focus to the bar
+    window.move(10, 5);
+    EXPECT_EQ(bar.openMenu(), nullptr); // only while one is open
+}
+
+TEST_F(MenuBarTest, TheKeyboardComesGoesOnAndLeavesAgain) {
+    EXPECT_FALSE(bar.hotKey('f'));
+    window.key(key::Tab);
+    EXPECT_TRUE(box.hasFocus()); // the bar is no stop on the way
+    EXPECT_TRUE(bar.hotKey(key::F10));
+    EXPECT_TRUE(file.hasFocus());
+    window.key(key::Right); // past what is off
+    EXPECT_TRUE(help.hasFocus());
+    window.key(key::Escape);
+    EXPECT_TRUE(box.hasFocus());
+    EXPECT_FALSE(help.acceptsFocus());
+
+    window.hold(key::AltL);
+    EXPECT_TRUE(bar.hotKey('H'));
+    EXPECT_FALSE(bar.hotKey('o'));
+    window.letGo(key::AltL);
+    EXPECT_EQ(bar.openMenu(), &help);
+    EXPECT_EQ(help.getMenu().getSelected(), &about);
+    popup().key(key::Right);
+    EXPECT_EQ(bar.openMenu(), &file);
+    popup().key(key::Left);
+    EXPECT_EQ(bar.openMenu(), &help);
+    popup().key('a');
+    EXPECT_EQ(window.activations, (std::vector<Widget*>{&about}));
+    EXPECT_TRUE(box.hasFocus());
 }
 
 } // namespace

@@ -164,5 +164,31 @@ TEST_F(MouseTest, PlacesTranslateBetweenTheBranchesOfATree) {
     EXPECT_EQ(right.translate({1, 1}, there), rfb::Point(61 - 123, 6 - 64));
 }
 
+TEST_F(MouseTest, ThePointerTakesTheShapeOfWhatIsUnderIt) {
+    using Shape = CursorShape;
+    left.setCursor(Shape::Hand);
+    const auto shapeAt = [this](int x, int y) {
+        window.move(x, y);
+        return window.shape;
+    };
+    EXPECT_EQ(shapeAt(5, 5), Shape::Default);
+    EXPECT_EQ(shapeAt(15, 10), Shape::Hand);
+    EXPECT_EQ(shapeAt(65, 10), Shape::Default); // the other box
+    EXPECT_EQ(shapeAt(15, 10), Shape::Hand);
+    window.press();
+    EXPECT_EQ(shapeAt(65, 10), Shape::Hand); // still held by the box that was pressed
+    window.release();
+    EXPECT_EQ(window.shape, Shape::Default);
+    window.move(15, 10);
+    left.setCursor(Shape::Text); // at once
+    EXPECT_EQ(window.shape, Shape::Text);
+    left.setVisible(false);
+    EXPECT_EQ(window.shape, Shape::Default);
+    left.setVisible(true);
+    window.move(16, 10);
+    window.leave();
+    EXPECT_EQ(window.shape, Shape::Default);
+}
+
 } // namespace
 } // namespace wvw

@@ -1,7 +1,10 @@
 #include "wvw/test/FakeParent.h"
 
-#include "wvw/WSlider.h"
-#include "wvw/WViewport.h"
+#include "wvw/WCanvas.h"
+#include "wvw/WDiscreteSlider.h"
+#include "wvw/WScrollView.h"
+
+#include "rfb/keySymbols.h"
 
 namespace wvw {
 namespace {
@@ -164,6 +167,113 @@ TEST_F(ViewportTest, TheWheelScrollsUntilTheEndAndThenSpeaksToTheOuterWorld) {
     view.removeChild(&content);
     view.scrollToPoint({0, 10}); // nobody is left to tell
     EXPECT_EQ(content.at, Point(0, 0));
+}
+
+struct DiscreteTest : testing::Test {
+    WCanvas root;
+    WDiscreteSlider slider{&root};
+    FakeParent window{&root};
+
+    void SetUp() override {
+        root.setChildRect(&slider, {0, 0, 111, 26}); // 100 for five positions
+        slider.setRange1(4);
+        slider.takeFocus();
+    }
+};
+
+TEST_F(DiscreteTest, KeysOfItsAxisStepAndTheOthersTravel) {
+    namespace key = rfb::key;
+    Box other(&root, "other", true);
+    const struct {
+        uint32_t key;
+        int value;
+    } steps[] = {{key::Right, 1}, {key::Right, 2},  {key::Left, 1}, {key::End, 4},
+                 {key::Right, 4}, {key::PageUp, 3}, {key::Home, 0}, {key::Left, 0}};
+    for (const auto& step : steps) {
+        EXPECT_TRUE(window.key(step.key));
+        EXPECT_EQ(slider.getValue1(), step.value) << step.key;
+    }
+    EXPECT_EQ(window.changes.size(), 6u);
+    window.key(key::Down);
+    EXPECT_TRUE(other.hasFocus());
+}
+
+TEST_F(DiscreteTest, TheThumbSnapsToTheMarksThatStandAtEachPosition) {
+    EXPECT_EQ(slider.thumbRect(), Rect(0, 0, 11, 18));
+    window.move(5, 5);
+    window.press();
+    window.move(5 + 60, 5);
+    EXPECT_EQ(slider.getValue1(), 2);
+    EXPECT_EQ(slider.thumbRect(), Rect(50, 0, 61, 18));
+    window.release();
+    root.focusChanged(/*backward=*/false, &root);
+    slider.setEnabled(false);
+    window.paintAll();
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(window.countPixels(Rect::xywh(5 + 25 * i, 20, 1, 6), 0x808080), 6) << i;
+    EXPECT_EQ(window.countPixels(Rect(0, 20, 111, 26), 0x808080), 30);
+}
+
+struct ScrollViewTest : testing::Test {
+    FakeClock clock;
+    WCanvas root;
+    WLayout content;
+    Box top{&content, "top"};
+    Box bottom{&content, "bottom"};
+    WScrollView view{&root};
+    FakeParent window{&root, {100, 100}};
+
+    void SetUp() override {
+        content.setChildRect(&top, {0, 0, 50, 20});
+        content.setChildRect(&bottom, {0, 300, 50, 320});
+        view.setContent(&content);
+        root.setChildRect(&view, {0, 0, 100, 100});
+    }
+};
+
+TEST_F(ScrollViewTest, TheContentFillsTheViewAndScrollsWhereItIsLarger) {
+    EXPECT_EQ(content.getSize(), Point(84, 320));
+    EXPECT_FALSE(view.getViewport().getHBar().isVisible());
+    window.move(10, 10);
+    window.press(4);
+    EXPECT_EQ(view.getScroll().y, 48);
+    EXPECT_EQ(top.getRootPosition().y, -48);
+    window.paintAll();
+    EXPECT_EQ(top.paints + bottom.paints, 0); // out of sight
+    content.setChildRect(&bottom, {0, 80, 50, 100});
+    view.relayout();
+    EXPECT_EQ(content.getSize(), Point(100, 100));
+    EXPECT_EQ(top.getRootPosition().y, 0);
+    view.setContent(nullptr);
+    window.press(3);
+    EXPECT_EQ(content.getParentLayout(), nullptr);
+}
+
+TEST_F(ScrollViewTest, TheFocusComesIntoViewAndKeysScrollWithoutOne) {
+    namespace key = rfb::key;
+    view.takeFocus(); // nothing inside takes it
+    EXPECT_TRUE(view.hasFocus());
+    window.key(key::End);
+    EXPECT_EQ(view.getScroll().y, 220);
+    window.key(key::PageUp);
+    EXPECT_EQ(view.getScroll().y, 136);
+    window.key(key::Home);
+    window.key(key::Down);
+    EXPECT_EQ(view.getScroll().y, 16);
+
+    top.focusable = bottom.focusable = true;
+    top.takeFocus();
+    EXPECT_EQ(view.getScroll().y, 0);
+    window.key(key::Tab);
+    EXPECT_TRUE(bottom.hasFocus());
+    EXPECT_EQ(view.getScroll().y, 220);
+    window.key(key::PageUp); // which the box has no use for
+    EXPECT_EQ(view.getScroll().y, 136);
+    EXPECT_TRUE(bottom.hasFocus());
+    content.setChildRect(&bottom, {0, 50, 50, 60}); // all of it fits
+    view.relayout();
+    top.focusable = bottom.focusable = false;
+    EXPECT_FALSE(view.acceptsFocus());
 }
 
 } // namespace

@@ -155,6 +155,62 @@ TEST_F(TableTest, TheSelectedRowIsBlueAndDottedOnlyWithTheFocus) {
     EXPECT_GT(window.countPixels(row, 0), 20);
 }
 
+TEST_F(TableTest, PagesEndsAndLettersJump) {
+    rows.refused = {0, 9};
+    table.takeFocus();
+    const struct {
+        uint32_t key;
+        int row;
+    } steps[] = {{key::End, 8},    {key::Home, 1},   {key::PageDown, 4}, {key::PageDown, 7}, {key::PageDown, 8},
+                 {key::PageUp, 5}, {key::PageUp, 2}, {key::PageUp, 1},   {'4', 4},           {'.', 4}};
+    for (const auto& step : steps) {
+        window.key(step.key);
+        EXPECT_EQ(table.getSelectedRow(), step.row) << step.key;
+    }
+    window.key('9');
+    EXPECT_EQ(table.getSelectedRow(), 4); // no row begins with "4.9"
+    clock.advance(1001);
+    window.key('2'); // a pause begins anew
+    EXPECT_EQ(table.getSelectedRow(), 2);
+    window.key('2'); // the only one
+    EXPECT_EQ(table.getSelectedRow(), 2);
+    EXPECT_FALSE(window.key(key::Return));
+    table.setActivateByEnter(true);
+    EXPECT_TRUE(window.key(key::Return));
+    EXPECT_EQ(rows.opened.size(), 1u);
+}
+
+// What a change costs is counted in the rows that are asked for and in the area that is painted.
+TEST_F(TableTest, AChangeRepaintsNoMoreThanItsRows) {
+    table.setRowCount(500);
+    table.select(1);
+    window.paintAll();
+    rows.asked.clear();
+    table.select(2);
+    EXPECT_EQ(window.invalidArea(), rfb::Rect(2, 2 + 2 * rowHeight, 200 - 2 - 16, 2 + 4 * rowHeight));
+    window.paint();
+    EXPECT_EQ(rows.asked, (std::set<int>{1, 2}));
+    rows.asked.clear();
+    table.invalidate(rfb::Region(rfb::Rect::xywh(20, 2 + rowHeight + 3, 5, 5))); // as if it was exposed
+    window.paint();
+    EXPECT_EQ(rows.asked, std::set<int>{0});
+    rows.asked.clear();
+    table.setRowCount(250); // as a filter does with each key
+    window.paint();
+    EXPECT_EQ(rows.asked, (std::set<int>{0, 1, 2, 3}));
+    EXPECT_EQ(window.changes.size(), 2u);
+}
+
+TEST_F(TableTest, TextThatIsCutShortIsToldByTheTooltip) {
+    window.move(inRow(0).x, inRow(0).y);
+    EXPECT_STREQ(table.getTooltip(), "");
+    table.removeColumn(7);
+    table.addColumn(123456789, WTable::Text, "narrow", 20);
+    const Point at = inRow(2, 70);
+    window.move(at.x, at.y);
+    EXPECT_STREQ(table.getTooltip(), "2.123456789");
+}
+
 TEST_F(TableTest, TheWheelStepsThroughTheRows) {
     table.select(4);
     window.move(10, 40);
@@ -165,6 +221,19 @@ TEST_F(TableTest, TheWheelStepsThroughTheRows) {
     window.release(3);
     window.press(3);
     EXPECT_EQ(table.getSelectedRow(), 3);
+    window.release(3);
+    table.select(9);
+    struct : WMouseInputHandler {
+        bool mouseDown(int button, Widget*) override {
+            last = button;
+            return true;
+        }
+        int last = -1;
+    } outside;
+    root.setMouseHandler(&outside);
+    window.press(4); // at its end it is for what is around the table
+    EXPECT_EQ(outside.last, 4);
+    root.setMouseHandler(nullptr);
 }
 
 } // namespace
