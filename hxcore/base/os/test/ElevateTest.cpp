@@ -1,5 +1,6 @@
-#include "os/chooseElevateProg.h"
 #include "os/elevate.h"
+#include "loc/Localize.h"
+#include "os/chooseElevateProg.h"
 #include "os/launchFailures.h"
 #include "os/test/TempDir.h"
 #include "plat/ConfigParameter.h"
@@ -31,7 +32,8 @@ protected:
     ~ElevateTest() override { setenv("PATH", oldPath.c_str(), 1); }
 
     void setPrograms(const std::string& names) { // and no others
-        plat::rmDir((dir / "bin").c_str(), /*recursive=*/true);
+        if (access((dir / "bin").c_str(), F_OK) == 0)
+            plat::rmDir((dir / "bin").c_str(), /*recursive=*/true);
         mkdir((dir / "bin").c_str(), 0755);
         std::istringstream all(names);
         for (std::string name; all >> name;) {
@@ -129,6 +131,9 @@ TEST_F(ElevateTest, TriesTheTerminalsInTheirOrder) {
 
 TEST_F(ElevateTest, TheTitleNamesTheApplicationAndWhosePasswordIsAskedFor) {
     setPrograms("xterm su");
+    loc::Localize::instance().setLocales({"de"}, nullptr);
+    EXPECT_EQ(choice("Ours"), "[xterm][-T][Ours - Passwort für su erforderlich][-e][su][-][root][-c] one");
+    loc::Localize::instance().setLocales({"en"}, nullptr);
     EXPECT_EQ(choice("Ours"), "[xterm][-T][Ours - su password required][-e][su][-][root][-c] one");
     EXPECT_EQ(choice(""), "[xterm][-T][su][-e][su][-][root][-c] one");
 }

@@ -43,9 +43,9 @@ TEST(ProcessStat, IsReadWhateverTheProcessCallsItself) {
     EXPECT_EQ(stat.group, 2);
     EXPECT_EQ(stat.session, 3);
     EXPECT_EQ(stat.terminal, 4);
-    for (const char* bad : {"", "12", "12 (sh", "12 sh) S 1 2 3 4", ")(", "12 (sh)", "12 (sh) S", "12 (sh) S 1 2 3",
-                            "12 (sh) SS 1 2 3 4", "12 (sh) S x 2 3 4", "12 (sh) S 1x 2 3 4", "12 (sh) S 99999999999 2 3 4",
-                            "12 (sh) S 1\n2 3 4"})
+    for (const char* bad :
+         {"", "12", "12 (sh", "12 sh) S 1 2 3 4", ")(", "12 (sh)", "12 (sh) S", "12 (sh) S 1 2 3", "12 (sh) SS 1 2 3 4",
+          "12 (sh) S x 2 3 4", "12 (sh) S 1x 2 3 4", "12 (sh) S 99999999999 2 3 4", "12 (sh) S 1\n2 3 4"})
         EXPECT_FALSE(parseProcessStat(bad, &stat)) << bad;
     EXPECT_EQ(stat.parent, 8) << "untouched";
 }
@@ -63,7 +63,7 @@ TEST(ProcessIds, AreReadFromTheirLines) {
     EXPECT_EQ(out.savedGroup, 7u);
     ASSERT_TRUE(parseProcessIds("PPid: 1\nUid: 4294967295 0 0\nGid: 0 0 0", &out));
     EXPECT_EQ(out.realUser, 4294967295u);
-    for (const std::string bad :
+    for (const std::string& bad :
          {std::string(), std::string(ids), std::string("PPid:\t1\nUid:\t1\t2\t3\n"), std::string("PPid:\n") + ids,
           std::string("PPid:\t1\nGid:\t1\t2\nUid:\t1\t2\t3\n"), std::string("PPid:\t1\nUid:\t-1\t2\t3\n") + ids,
           std::string("PPid:\t1\nUid:\t4294967296\t2\t3\n") + ids, std::string("PPid\nUid\nGid\n:\n")})

@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace os {
@@ -137,7 +138,7 @@ TEST(ProcessMonitor, TellsOfAChildThatSomebodyElseReaped) {
 
 // Loops come and go: a child that was started under one is heard of under the next.
 TEST(ProcessMonitor, OutlivesItsLoop) {
-    plat::inChild([] {
+    const auto body = [] {
         Ends ends;
         const pid_t early = childThat([] { _exit(1); });
         ProcessMonitor::instance().add(early, "early", &ends); // no loop at all
@@ -168,7 +169,8 @@ TEST(ProcessMonitor, OutlivesItsLoop) {
         ProcessMonitor::instance().add(forked, "forked", &ends);
         EXPECT_EQ(WEXITSTATUS(ends.waitFor(forked)), 7) << "a fork watches its own children";
         kill(parents, SIGKILL);
-    });
+    };
+    plat::inChild([&body] { std::thread(body).join(); }); // a thread has no loop yet
 }
 
 } // namespace

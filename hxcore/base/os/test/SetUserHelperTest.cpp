@@ -100,9 +100,9 @@ TEST(SetUserHelper, TakesOnlyUsersThatThereAre) {
         ++missing;
     plat::inChild([missing] {
         HelperScene scene;
-        for (const std::string& bad : {std::string(), std::string("-1"), std::string("+1"), std::string(" 1"),
-                                       std::string("0x10"), std::string("1000abc"), std::string("nobody"),
-                                       std::string("4294967295"), std::string("4294967296")}) {
+        for (const std::string& bad :
+             {std::string(), std::string("-1"), std::string("+1"), std::string(" 1"), std::string("0x10"),
+              std::string("1000abc"), std::string("nobody"), std::string("4294967295"), std::string("4294967296")}) {
             const Outcome outcome = scene.become(bad);
             EXPECT_EQ(outcome.status, failed) << bad;
             EXPECT_EQ(outcome.errors, "setuidhelper: bad user id \"" + bad + "\"\n");
@@ -223,13 +223,18 @@ TEST(SetUserHelper, CarriesTheMarksOfTheSecurityLayers) {
         }
 
         // A library without the functions is as good as none.
-        unlink(log.c_str());
-        const std::string other = std::string(FAKE_LIBRARIES) + "/libaudit.so.1";
-        ASSERT_EQ(symlink(other.c_str(), (scene.dir / "libselinux.so.1").c_str()), 0);
-        ASSERT_EQ(symlink("/dev/null", (scene.dir / "libaudit.so.1").c_str()), 0);
-        scene.environment = {{"LD_LIBRARY_PATH", scene.dir.path.c_str()}, {"FAKE_LOG", log.c_str()}};
-        EXPECT_EQ(scene.become("1").status, 0);
-        EXPECT_EQ(readText(log), "");
+        for (const bool noSelinux : {true, false}) {
+            unlink(log.c_str());
+            unlink((scene.dir / "libselinux.so.1").c_str());
+            unlink((scene.dir / "libaudit.so.1").c_str());
+            const char* const wrong = noSelinux ? "/libaudit.so.1" : "/libselinux.so.1";
+            const char* const name = noSelinux ? "/libselinux.so.1" : "/libaudit.so.1";
+            ASSERT_EQ(symlink((std::string(FAKE_LIBRARIES) + wrong).c_str(), (scene.dir.path + name).c_str()), 0);
+            scene.environment = {{"LD_LIBRARY_PATH", (scene.dir.path + ":" + FAKE_LIBRARIES).c_str()},
+                                 {"FAKE_LOG", log.c_str()}};
+            EXPECT_EQ(scene.become("1").status, 0);
+            EXPECT_EQ(readText(log), noSelinux ? login : context);
+        }
     });
 }
 

@@ -131,7 +131,7 @@ TEST(SignalName, IsThatOfTheSystem) {
     const struct {
         int signal;
         const char* name;
-    } cases[] = {{SIGHUP, "SIGHUP"}, {SIGKILL, "SIGKILL"}, {SIGCHLD, "SIGCHLD"},       {SIGSYS, "SIGSYS"},
+    } cases[] = {{SIGHUP, "SIGHUP"}, {SIGKILL, "SIGKILL"}, {SIGCHLD, "SIGCHLD"},         {SIGSYS, "SIGSYS"},
                  {0, "signal 0"},    {-1, "signal -1"},    {SIGRTMIN + 3, "SIGRTMIN+3"}, {999, "signal 999"}};
     for (const auto& each : cases)
         EXPECT_STREQ(signalName(each.signal).c_str(), each.name);
