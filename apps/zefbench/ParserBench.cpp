@@ -1,8 +1,8 @@
 // Parsers: configuration as text and as XML, and markup.
+#include "inputs.h"
 #include "plat/Configuration.h"
 #include "plat/Markup.h"
 #include "rdr/MemInStream.h"
-#include "rdr/MemOutStream.h"
 #include "rdr/StreamConfig.h"
 #include "rdr/XmlConfig.h"
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int settings = 200;
+constexpr int settings = 400;
 
 void fill(plat::Configuration& config) {
     for (int i = 0; i < settings; ++i)
@@ -34,16 +34,14 @@ void configurationText(benchmark::State& state) {
 BENCHMARK(configurationText);
 
 void configurationXml(benchmark::State& state) {
-    plat::Configuration config("Bench");
-    fill(config);
-    rdr::MemOutStream out;
-    plat::XmlConfig::write(out, config, plat::XmlConfig::Texts::Keys);
-    const plat::String text = out.takeString();
+    const std::string text = parametersXml();
     plat::Configuration target("Target");
     target.setLogChanges(false);
     for ([[maybe_unused]] auto _ : state)
-        plat::XmlConfig::read(target, text.c_str());
-    state.SetBytesProcessed(state.iterations() * text.len());
+        plat::XmlConfig::read(target, text.data(), text.size());
+    if (target.getParams().size() != 400)
+        state.SkipWithError("not all parameters were read");
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
 }
 BENCHMARK(configurationXml);
 

@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace loc {
@@ -55,9 +56,9 @@ public:
 
     void push(); ///< onto the thread's stack
 
-    std::map<std::string_view, Translation*> entries; // keys and texts lie in the catalogs
-    std::vector<std::string> locales;                 // the expanded list
-    uint64_t version = 0;                             // of the catalogs that the entries show
+    std::unordered_map<std::string_view, Translation*> entries; // keys and texts lie in the catalogs
+    std::vector<std::string> locales;                           // the expanded list
+    uint64_t version = 0;                                       // of the catalogs that the entries show
 
 private:
     TransMap* previous = nullptr;

@@ -47,8 +47,8 @@ struct ConfigParameter::Notification {
 
 ConfigParameter::ConfigParameter(const char* paramName, ParamText text, bool isAdvanced, Configuration* owner,
                                  const char* flagList)
-    : config(owner ? owner : &Configuration::global()), name(paramName), desc(text.desc), locDesc(text.locDesc),
-      advanced(isAdvanced), flags(splitFlags(flagList)) {
+    : config(owner ? owner : &Configuration::global()), name(paramName), nameHash(hashNoCase(paramName)),
+      desc(text.desc), locDesc(text.locDesc), advanced(isAdvanced), flags(splitFlags(flagList)) {
     ASSERT(desc || locDesc);
     config->enter(this);
 }

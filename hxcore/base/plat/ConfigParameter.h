@@ -113,6 +113,7 @@ private:
     Configuration* config;
     ConfigParameter* next = nullptr;
     const char* name;
+    uint64_t nameHash; // without regard to case
     const char* desc;
     const char* locDesc;
     bool advanced;

@@ -93,8 +93,8 @@ void Configuration::forget(ConfigParameter* param) {
 void Configuration::clear() {
     const std::vector<ConfigParameter*> deleted = std::move(owned);
     owned.clear();
-    for (const ConfigParameter* param : deleted)
-        delete param;
+    for (auto param = deleted.rbegin(); param != deleted.rend(); ++param)
+        delete *param; // the newest stands in front, where it is found at once
     for (ConfigParameter* param = params; param;) {
         ConfigParameter* const rest = param->next;
         param->config = nullptr;
@@ -107,14 +107,18 @@ void Configuration::clear() {
 // Looking up
 
 ConfigParameter* Configuration::find(const char* paramName, bool inChildren) const {
+    return findHashed(paramName, hashNoCase(paramName), inChildren);
+}
+
+ConfigParameter* Configuration::findHashed(const char* paramName, uint64_t hash, bool inChildren) const {
     for (ConfigParameter* param = params; param; param = param->next) {
-        if (strEqualsNoCase(param->getName(), paramName))
+        if (param->nameHash == hash && strEqualsNoCase(param->getName(), paramName))
             return param;
     }
     if (!inChildren)
         return nullptr;
     for (const Configuration* child : children) {
-        if (ConfigParameter* const param = child->find(paramName))
+        if (ConfigParameter* const param = child->findHashed(paramName, hash, inChildren))
             return param;
     }
     return nullptr;

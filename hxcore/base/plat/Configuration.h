@@ -110,6 +110,7 @@ private:
 
     template <class P>
     P* own(P* param);
+    ConfigParameter* findHashed(const char* paramName, uint64_t hash, bool inChildren) const;
     bool setWithin(const char* paramName, const char* value, int priority, int aliasDepth);
     void enter(ConfigParameter* param);
     void forget(ConfigParameter* param);

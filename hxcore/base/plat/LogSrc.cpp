@@ -57,23 +57,20 @@ std::string logSafeText(const char* text) {
     return out;
 }
 
-LogSrc::LogSrc(const char* srcName) : name(srcName), maxLevel(LogDest::noLimit) {
+LogSrc::LogSrc(const char* srcName) : name(srcName), closed(0) {
     LogRegistry::instance().add(this);
     constructed = true;
-    if (LogRegistry::isActive())
-        LogSrc::updateMaxLevel();
+    LogSrc::updateMaxLevel();
 }
 
 LogSrc::~LogSrc() { LogRegistry::instance().remove(this); }
 
 void LogSrc::updateMaxLevel() {
-    int highest = -1;
+    int highest = LogRegistry::isActive() ? -1 : LogDest::noLimit;
     for (const auto& [dest, level] : *dests)
         highest = std::max(highest, std::min(level, dest->getLevel()));
-    maxLevel = highest;
+    closed = static_cast<unsigned>(INT_MAX) - static_cast<unsigned>(highest);
 }
-
-bool LogSrc::isEnabled(int level) const { return level <= maxLevel || !LogRegistry::isActive(); }
 
 void LogSrc::vwrite(int level, const char* format, va_list args) {
     if (!isEnabled(level))
@@ -83,23 +80,6 @@ void LogSrc::vwrite(int level, const char* format, va_list args) {
     SString::formatV(text, sizeof(text), format, args);
     deliver(level, text);
 }
-
-#define PLAT_LOG_AT(method, level)                                                                                     \
-    void LogSrc::method(const char* format, ...) {                                                                     \
-        if (!isEnabled(level))                                                                                         \
-            return;                                                                                                    \
-        va_list args;                                                                                                  \
-        va_start(args, format);                                                                                        \
-        vwrite(level, format, args);                                                                                   \
-        va_end(args);                                                                                                  \
-    }
-
-PLAT_LOG_AT(error, LogError)
-PLAT_LOG_AT(status, LogStatus)
-PLAT_LOG_AT(info, LogInfo)
-PLAT_LOG_AT(debug, LogDebug)
-PLAT_LOG_AT(verbose, LogVerbose)
-#undef PLAT_LOG_AT
 
 void LogSrc::write(int level, const char* format, ...) {
     va_list args;

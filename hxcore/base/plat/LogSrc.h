@@ -3,6 +3,7 @@
 
 #include "plat/NonCopyable.h"
 
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <map>
@@ -19,6 +20,26 @@ enum LogLevel : int {
     LogVerbose = 110, ///< what we need rarely
 };
 
+// The comparison stands at the place of the call, so that a call that is filtered out saves no arguments for the
+// callee.
+#if defined(__GNUC__) && !defined(__clang__)
+#define PLAT_LOG_METHOD(method, level)                                                                                 \
+    [[gnu::always_inline, gnu::format(printf, 2, 3)]] void method(const char* format, ...) {                           \
+        if (isEnabled(level))                                                                                          \
+            write(level, format, __builtin_va_arg_pack());                                                             \
+    }
+#else
+#define PLAT_LOG_METHOD(method, level)                                                                                 \
+    [[gnu::format(printf, 2, 3)]] void method(const char* format, ...) {                                               \
+        if (!isEnabled(level))                                                                                         \
+            return;                                                                                                    \
+        va_list args;                                                                                                  \
+        va_start(args, format);                                                                                        \
+        vwrite(level, format, args);                                                                                   \
+        va_end(args);                                                                                                  \
+    }
+#endif
+
 /// A module's log source: make it a static of the file that logs.
 ///
 /// Messages go to the destinations that the parameter Log maps the source to, and to memory while none takes them.
@@ -29,14 +50,16 @@ public:
     explicit LogSrc(const char* srcName); ///< borrowed, a literal
     virtual ~LogSrc();
 
-    /// Recomputes the highest level that any mapping accepts; -1 when there is none.
+    /// Recomputes the highest level that any mapping accepts, -1 when there is none; before logActivate all goes
+    /// through.
     virtual void updateMaxLevel();
 
-    void error(const char* format, ...) __attribute__((format(printf, 2, 3)));
-    void status(const char* format, ...) __attribute__((format(printf, 2, 3)));
-    void info(const char* format, ...) __attribute__((format(printf, 2, 3)));
-    void debug(const char* format, ...) __attribute__((format(printf, 2, 3)));
-    void verbose(const char* format, ...) __attribute__((format(printf, 2, 3)));
+    // void error(const char* format, ...), and so on
+    PLAT_LOG_METHOD(error, LogError)
+    PLAT_LOG_METHOD(status, LogStatus)
+    PLAT_LOG_METHOD(info, LogInfo)
+    PLAT_LOG_METHOD(debug, LogDebug)
+    PLAT_LOG_METHOD(verbose, LogVerbose)
 
     /// Text beyond 4,095 bytes is cut.
     void write(int level, const char* format, ...) __attribute__((format(printf, 3, 4)));
@@ -46,10 +69,10 @@ public:
     void writeLines(int level, const char* text);
 
     /// False when a message of this level would be dropped before it is formatted.
-    bool isEnabled(int level) const;
+    bool isEnabled(int level) const { return level <= getMaxLevel(); }
 
     const char* getName() const { return name; }
-    int getMaxLevel() const { return maxLevel; }
+    int getMaxLevel() const { return static_cast<int>(INT_MAX - closed); } ///< INT_MAX before logActivate
 
 private:
     friend class LogRegistry;
@@ -58,11 +81,13 @@ private:
     void deliver(int level, const char* text);
 
     const char* name;
-    int maxLevel;
+    unsigned closed; // INT_MAX less the highest level: 0, for all, also before the constructor has run
     Mappings* dests; // owned by the registry, which outlives all statics
     LogSrc* next;
     bool constructed;
 };
+
+#undef PLAT_LOG_METHOD
 
 /// Keeps a specification that overrides the parameter Log, and applies it; null goes back to the parameter.
 void logSetSpec(const char* spec);

@@ -7,9 +7,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <deque>
 #include <new>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace plat {
@@ -35,29 +35,45 @@ const char* refusalText(int code) {
     }
 }
 
-bool isSpace(const std::string& text) { return text.find_first_not_of(" \t\r\n") == std::string::npos; }
+bool isSpace(const std::string& text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; });
+}
 
 } // namespace
 
 /// Nodes and texts of a document; none moves while it grows.
 struct XmlDocument::Store {
+    /// Alignments are powers of two.
+    char* take(size_t lenBytes, size_t alignment = 1) {
+        const size_t gap = room & (alignment - 1); // a chunk ends aligned
+        if (lenBytes + gap > room)
+            return takeFresh(lenBytes, alignment);
+        char* const taken = free + gap;
+        free = taken + lenBytes;
+        room -= lenBytes + gap;
+        return taken;
+    }
+    char* takeFresh(size_t lenBytes, size_t alignment) {
+        room = std::max(chunkBytes, (lenBytes + alignment - 1) & ~(alignment - 1));
+        chunks.push_back(std::make_unique_for_overwrite<char[]>(room));
+        free = chunks.back().get();
+        return take(lenBytes, alignment);
+    }
+    template <class T>
+    T* make(size_t count) {
+        static_assert(std::is_trivially_destructible_v<T>);
+        return new (take(count * sizeof(T), alignof(T))) T[count];
+    }
     const char* keep(const char* text, size_t lenBytes) {
-        if (lenBytes + 1 > room) {
-            room = std::max(chunkBytes, lenBytes + 1);
-            chunks.push_back(std::make_unique<char[]>(room));
-            free = chunks.back().get();
-        }
-        char* const kept = free;
+        char* const kept = take(lenBytes + 1);
         std::memcpy(kept, text, lenBytes);
         kept[lenBytes] = 0;
-        free += lenBytes + 1;
-        room -= lenBytes + 1;
         return kept;
     }
     const char* keep(const char* text) { return keep(text, std::strlen(text)); }
 
-    std::deque<XmlNode> nodes;
-    std::vector<std::unique_ptr<XmlNode::Attribute[]>> attributes;
+    size_t nodes = 0;
     std::vector<std::unique_ptr<char[]>> chunks;
     char* free = nullptr;
     size_t room = 0;
@@ -118,11 +134,12 @@ private:
     XmlNode* add(XmlNode::Kind kind, const char* content, size_t lenBytes) {
         if (refusal)
             return nullptr;
-        if (store.nodes.size() >= XmlDocument::maxNodes) {
+        if (store.nodes >= XmlDocument::maxNodes) {
             refuse(RefusedNodes);
             return nullptr;
         }
-        XmlNode& node = store.nodes.emplace_back();
+        ++store.nodes;
+        XmlNode& node = *store.make<XmlNode>(1);
         node.kind_ = kind;
         node.content = store.keep(content, lenBytes);
         if (open.empty()) {
@@ -154,7 +171,7 @@ private:
         open.push_back(node);
         if (attrCount == 0)
             return;
-        node->attrs = store.attributes.emplace_back(std::make_unique<XmlNode::Attribute[]>(attrCount)).get();
+        node->attrs = store.make<XmlNode::Attribute>(attrCount);
         node->attrCount = attrCount;
         for (size_t i = 0; i < attrCount; ++i)
             node->attrs[i] = {store.keep(attrs[2 * i]), store.keep(attrs[2 * i + 1])};
@@ -182,11 +199,15 @@ private:
     int refusal = 0;
 };
 
-bool XmlNode::isElement(const char* tag) const { return kind_ == Kind::Element && strEquals(content, tag); }
+bool XmlNode::isElement(const char* tag) const {
+    tag = strOrEmpty(tag);
+    return kind_ == Kind::Element && *content == *tag && strEquals(content, tag);
+}
 
 const char* XmlNode::attribute(const char* name) const {
+    name = strOrEmpty(name);
     for (size_t i = 0; i < attrCount; ++i) {
-        if (strEquals(attrs[i].name, name))
+        if (*attrs[i].name == *name && strEquals(attrs[i].name, name))
             return attrs[i].value;
     }
     return nullptr;

@@ -103,12 +103,22 @@ void removeChars(char* s, const char* set) {
     *to = '\0';
 }
 
+namespace {
+constexpr uint64_t fnvBasis = 0xcbf29ce484222325;
+constexpr uint64_t fnvPrime = 0x100000001b3;
+} // namespace
+
 uint64_t hash(const char* s) {
-    uint64_t h = 0xcbf29ce484222325;
-    for (s = strOrEmpty(s); *s; ++s) {
-        h ^= static_cast<unsigned char>(*s);
-        h *= 0x100000001b3;
-    }
+    uint64_t h = fnvBasis;
+    for (s = strOrEmpty(s); *s; ++s)
+        h = (h ^ static_cast<unsigned char>(*s)) * fnvPrime;
+    return h;
+}
+
+uint64_t hashNoCase(const char* s) {
+    uint64_t h = fnvBasis;
+    for (s = strOrEmpty(s); *s; ++s)
+        h = (h ^ static_cast<unsigned char>(asciiLower(*s))) * fnvPrime;
     return h;
 }
 

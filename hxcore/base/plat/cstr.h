@@ -49,6 +49,7 @@ void removeChars(char* s, const char* set);
 
 /// 64-bit FNV-1a of the bytes before the NUL (draft-eastlake-fnv).
 uint64_t hash(const char* s);
+uint64_t hashNoCase(const char* s); ///< the same of the bytes through asciiLower
 
 /// A to Z to lower case, all else as it is, whatever the locale.
 inline char asciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }

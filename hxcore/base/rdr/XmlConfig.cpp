@@ -35,7 +35,7 @@ int toInt(const char* text, int fallback) {
     return static_cast<int>(std::clamp<long>(std::strtol(text, nullptr, 10), INT_MIN, INT_MAX));
 }
 
-bool isTag(const XmlNode& node, const char* tag) { return std::strcmp(node.tag(), tag) == 0; }
+bool isTag(const XmlNode& node, const char* tag) { return node.isElement(tag); }
 
 void checkElement(const XmlNode& node) {
     static constexpr const char* tags[] = {"string", "bool", "int", "enum", "binary", "s64"};

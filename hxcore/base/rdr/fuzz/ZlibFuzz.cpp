@@ -5,12 +5,15 @@
 #include "rdr/ZlibInStream.h"
 #include "rdr/exceptions.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 
 namespace {
 
 constexpr size_t most = 1 << 14; // of inflated bytes
+constexpr size_t mostInput = 512;
+constexpr size_t headerBytes = 48;
 
 // The inflated bytes, and how it ended.
 std::string inflateWhole(rdr::ZlibInStream& in) {
@@ -24,9 +27,10 @@ std::string inflateWhole(rdr::ZlibInStream& in) {
     return out;
 }
 
-// The source is filled byte by byte; the first read that it can't serve throws and is run again.
+// The source is filled in small pieces, byte by byte at first, where a header may be; a read that it can't serve throws
+// and is run again.
 std::string inflateBytewise(const uint8_t* data, size_t size, rdr::ZlibInStream& in) {
-    rdr::CircularInStream ring(1 << 17);
+    rdr::CircularInStream ring(mostInput + 1); // a large one would be fresh memory each time, most of the cost
     in.setRewindable(true);
     in.setUnderlying(&ring);
     std::string out;
@@ -35,10 +39,12 @@ std::string inflateBytewise(const uint8_t* data, size_t size, rdr::ZlibInStream&
             out += static_cast<char>(in.readU8());
             in.checkpoint();
         } catch (const rdr::BlockException&) {
+            const size_t piece = sent < headerBytes ? 1 : std::min<size_t>(size - sent, 13);
             if (sent < size)
-                ring.write(data + sent++, 1);
+                ring.write(data + sent, piece);
             else
                 ring.setEndOfData(true);
+            sent += piece;
         } catch (const plat::Exception& e) {
             out += e.what();
             break;
@@ -50,7 +56,7 @@ std::string inflateBytewise(const uint8_t* data, size_t size, rdr::ZlibInStream&
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size == 0 || size > 1024)
+    if (size == 0 || size > mostInput)
         return 0;
     const auto format = static_cast<rdr::ZlibInStream::Format>(data[0] % 3);
     rdr::MemInStream below(data + 1, size - 1);
