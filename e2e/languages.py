@@ -11,7 +11,7 @@ CONN = "statusdialog.main.connectivity.connText"
 # The title of the identity check, and "Global parameters" in the help.
 WORDS = {"en": ("Identity check", "Global parameters"), "de": ("Identitätsprüfung", "Globale Parameter"),
          "es": ("Comprobación de identidad", "Parámetros globales"),
-         "fr": ("Vérification d’identité", "Paramètres globaux"),
+         "fr": ("Vérification d’identité", "Paramètres globaux\u00a0"),
          "pt": ("Verificação de identidade", "Parâmetros globais")}
 
 
