@@ -107,7 +107,7 @@ private:
 };
 
 std::string readAll(const uint8_t* data, size_t size, size_t piece) {
-    rdr::CircularInStream ring(1 << 16);
+    rdr::CircularInStream ring(2048); // holds all of it
     Loop loop(&ring);
     for (size_t sent = 0; sent < size; sent += piece) {
         ring.write(data + sent, std::min(piece, size - sent));
