@@ -48,10 +48,23 @@ class Entry(UiTest):
                 self.assertEqual(status, 0, err)
 
     def test_roads_that_come_later_end_with_a_clear_message(self):
-        for road in ("-setuidhelper", "-statusicon", "-QueryConnectApp"):
+        for road in ("-statusicon", "-QueryConnectApp"):
             status, _, err = self.run_ui(road)
             self.assertEqual(status, 1)
             self.assertIn(road, err)
+
+    def test_the_set_user_helper_becomes_the_user_before_all_else(self):
+        status, _, err = self.run_ui("-setuidhelper", "65534")
+        self.assertEqual((status, err), (1, "setuidhelper: missing argument\n"))
+        status, _, err = self.run_ui("-setuidhelper", "+65534", "/usr/bin/id", "-u")
+        self.assertEqual((status, err), (1, 'setuidhelper: bad user id "+65534"\n'))
+        status, out, err = self.run_ui("-setuidhelper", "65534", "/usr/bin/id", "-u")
+        if os.geteuid() == 0:
+            self.assertEqual((status, out, err), (0, "65534\n", ""))
+        else:
+            self.assertEqual(status, 1)
+            self.assertIn("initgroups", err)
+        self.assertFalse(os.path.exists(self.home.profile), "nothing was initialised")
 
     def test_a_bad_configuration_argument_ends_the_process(self):
         status, _, err = self.run_on_link("user", "-NoSuchParameter=1", stay=True)

@@ -1,5 +1,6 @@
 #include "os/NamedPipeListener.h"
 
+#include "os/OwnedFd.h"
 #include "os/SocketDir.h"
 #include "os/UnixIo.h"
 #include "plat/ConfigParameter.h"
@@ -15,7 +16,6 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
-#include <utility>
 
 namespace os {
 namespace {
@@ -26,21 +26,6 @@ plat::IntParameter refreshInterval("_UnixSocketRefreshInterval",
 constexpr int backlog = 5;
 constexpr mode_t ownerOnlyMask = 0177;
 constexpr mode_t openToAllMask = 0111;
-
-/// Closes a descriptor unless it is released.
-class Fd : private plat::NonCopyable {
-public:
-    explicit Fd(int fd_) : fd(fd_) {}
-    ~Fd() {
-        if (fd >= 0)
-            close(fd);
-    }
-    int get() const { return fd; }
-    int release() { return std::exchange(fd, -1); }
-
-private:
-    int fd;
-};
 
 void bindUnder(mode_t mask, int fd, const char* path) {
     sockaddr_un address{};
@@ -93,7 +78,7 @@ NamedPipeListener::~NamedPipeListener() {
 }
 
 io::Io* NamedPipeListener::makeIo(int acceptedFd) {
-    Fd accepted(acceptedFd);
+    OwnedFd accepted(acceptedFd);
     uid_t peer;
     if (!peerEuid(acceptedFd, &peer))
         throw plat::SystemException("getPeerEuid", errno);
@@ -124,7 +109,7 @@ int NamedPipeListener::bindAnew(bool askFirst) {
     if (askFirst && somebodyListens(inDir.c_str()))
         throw plat::SystemException("name already bound", EADDRINUSE);
     dir.unlinkSocket(file.c_str());
-    Fd listening(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    OwnedFd listening(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (listening.get() < 0)
         throw plat::SystemException("socket", errno);
     bindUnder(options.openToAll ? openToAllMask : ownerOnlyMask, listening.get(), inDir.c_str());

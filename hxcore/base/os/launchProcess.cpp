@@ -1,6 +1,7 @@
 #include "os/launchProcess.h"
 
 #include "os/AppInfo.h"
+#include "os/OwnedFd.h"
 #include "os/childStart.h"
 #include "os/elevate.h"
 #include "os/launchFailures.h"
@@ -34,22 +35,6 @@ bool isExecutableFile(const char* path) {
     struct stat info;
     return stat(path, &info) == 0 && S_ISREG(info.st_mode) && faccessat(AT_FDCWD, path, X_OK, AT_EACCESS) == 0;
 }
-
-class Fd : private plat::NonCopyable {
-public:
-    explicit Fd(int fd_) : fd(fd_) {}
-    ~Fd() { reset(); }
-    void reset() {
-        if (fd >= 0)
-            close(fd);
-        fd = -1;
-    }
-    void release() { fd = -1; }
-    int get() const { return fd; }
-
-private:
-    int fd;
-};
 
 /// Blocks all signals for a scope: in the child no handler of ours may run before they are reset.
 class SignalsBlocked : private plat::NonCopyable {
@@ -216,14 +201,14 @@ void awaitStart(int fd, pid_t child) {
 
 // 0 in the child, if there is no program to become.
 pid_t start(ChildStart& childStart) {
-    Fd null(open("/dev/null", O_RDWR | O_CLOEXEC));
+    OwnedFd null(open("/dev/null", O_RDWR | O_CLOEXEC));
     if (null.get() < 0)
         throw plat::StdlibException("open(/dev/null)");
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) < 0)
         throw plat::StdlibException("pipe2");
-    Fd readEnd(ends[0]);
-    Fd writeEnd(ends[1]);
+    OwnedFd readEnd(ends[0]);
+    OwnedFd writeEnd(ends[1]);
     childStart.nullFd = null.get();
     childStart.errorFd = writeEnd.get();
     pid_t child;
@@ -233,7 +218,7 @@ pid_t start(ChildStart& childStart) {
         if (child == 0) {
             runChildStart(childStart);
             blocked.stayUnblocked();
-            for (Fd* fd : {&null, &readEnd, &writeEnd})
+            for (OwnedFd* fd : {&null, &readEnd, &writeEnd})
                 fd->release(); // closed, and their numbers others'
             return 0;
         }
