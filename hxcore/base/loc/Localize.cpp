@@ -304,6 +304,11 @@ void Localize::readTexts(rdr::InStream& in, const char* name, const char* locale
     TextLoader(*this, localeName).load(in, name);
 }
 
+plat::String Localize::firstLocale() const {
+    const plat::String all = getCurrentLocales();
+    return plat::String(all.view().substr(0, all.view().find(':')));
+}
+
 std::vector<std::string> Localize::getLocales() const {
     const std::lock_guard<std::recursive_mutex> lock(mutex);
     return locales;

@@ -56,6 +56,7 @@ public:
 
     plat::String getLocaleList() const;     ///< the locales in force, joined with ":"
     plat::String getCurrentLocales() const; ///< those of the innermost LocaleSetter with a list, else getLocaleList
+    plat::String firstLocale() const;       ///< the first of getCurrentLocales
     std::vector<std::string> getLocales() const;
 
     // plat::ParameterChangedCallback

@@ -110,7 +110,9 @@ std::vector<plat::String> forUser(const LaunchConfig& cfg) {
 
 std::vector<plat::String> elevated(const LaunchConfig& cfg) {
     const char* const key = AppInfo::displayNameKey();
-    std::vector<plat::String> args = elevatedCommand(getElevateProg(*key ? plat::translate(key) : nullptr), cfg.args);
+    const plat::String title = cfg.title.isEmpty() && *key ? plat::String(plat::translate(key)) : cfg.title;
+    std::vector<plat::String> args =
+        elevatedCommand(getElevateProg(title.isEmpty() ? nullptr : title.c_str()), cfg.args);
     if (isAbsolutePath(args[0]))
         return args;
     const plat::String found = findProgram(args[0].c_str());

@@ -21,6 +21,7 @@ struct LaunchConfig {
     std::vector<std::pair<plat::String, plat::String>> environment; ///< names and values, added to ours or replacing
     plat::String workingDir;                                        ///< "": ours
     std::vector<KeptFd> keptFds; ///< standard descriptors are kept anyway, all others closed
+    plat::String title;          ///< of the application that asks for the password; "": AppInfo::displayNameKey
     bool elevate = false;        ///< as root, by getElevateProg; nothing to do where we are root
     bool asUser = false;         ///< as `user`, through the set-user helper; only root may ask
     uid_t user = 0;
