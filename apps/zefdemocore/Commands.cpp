@@ -197,6 +197,12 @@ void Commands::linkLost() {
         runQueue();
 }
 
+void Commands::stopRequested() {
+    printf("stop requested\n");
+    fflush(stdout);
+    link.closeLink();
+}
+
 bool Commands::timerExpired(plat::Timer*) {
     if (!waitingFor.empty())
         fail("no " + waitingFor + " came");

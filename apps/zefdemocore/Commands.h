@@ -4,6 +4,7 @@
 #include "plat/Timer.h"
 #include "zefdemocore/CoreLink.h"
 #include "zefdemocore/CoreModel.h"
+#include "zefdemocore/StopRequest.h"
 #include "zefdemocore/UiProcess.h"
 
 #include <deque>
@@ -13,13 +14,14 @@
 namespace democore {
 
 /// Runs command lines in turn; `sleep` and `wait` hold up those behind them while the loop goes on.
-class Commands : private CoreLink::Callback, private plat::Timer::Callback {
+class Commands : public StopListener::Callback, private CoreLink::Callback, private plat::Timer::Callback {
 public:
     Commands(UiProcess* uiProcess, bool mirrorStatus); ///< borrowed; `mirrorStatus` answers updateStatus
     ~Commands() override;
 
     void add(const std::string& line); ///< at the end of the queue
     void endOfInput();                 ///< ends the program once the queue is empty
+    void stopRequested() override;     ///< from outside: closes the link, whatever waits in the queue
     int exitCode() const { return failed ? 1 : 0; }
 
 private:

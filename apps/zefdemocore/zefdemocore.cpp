@@ -1,12 +1,15 @@
 // A stand-in for the server core: starts the UI, speaks the core's side of the link, and takes commands.
 #include "io/FdIo.h"
 #include "io/IoHandler.h"
+#include "os/AppInfo.h"
 #include "os/AppLoop.h"
 #include "plat/DString.h"
 #include "plat/Exception.h"
 #include "rdr/InStream.h"
 #include "rdr/exceptions.h"
 #include "zefdemocore/Commands.h"
+#include "zefdemocore/ConfigHelper.h"
+#include "zefdemocore/StopRequest.h"
 #include "zefdemocore/UiProcess.h"
 
 #include <climits>
@@ -23,7 +26,10 @@ namespace {
 constexpr const char* usageText =
     "zefdemocore [-mode user|service|virtual] [-ui PROGRAM] [-nomirror] [-script FILE]... [-terminal] [-- UI "
     "ARGUMENTS]\n"
-    "Starts the UI and plays its core. Commands come from the scripts, then from the terminal; \"help\" lists them.\n";
+    "Starts the UI and plays its core. Commands come from the scripts, then from the terminal; \"help\" lists them.\n"
+    "zefdemocore [-service|-virtual] -configHelper ARGUMENTS: serves the configuration, for the UI that starts it so.\n"
+    "zefdemocore [-service|-virtual] -stop: asks the running core of that mode to end.\n"
+    "In the environment, ZEFDEMO_HELPER makes the configuration helper misbehave:\n";
 
 struct Arguments {
     std::string mode = "user";
@@ -133,8 +139,10 @@ private:
 int run(const Arguments& args) {
     signal(SIGPIPE, SIG_IGN);
     os::AppLoop loop;
+    democore::StopListener stopListener(args.mode);
     democore::UiProcess ui(args.program, args.mode, args.uiArgs);
     democore::Commands commands(&ui, args.mirror);
+    stopListener.setCallback(&commands);
     const Starter starter(&commands, &args);
     std::unique_ptr<LineReader> reader;
     if (args.terminal)
@@ -142,16 +150,30 @@ int run(const Arguments& args) {
     return loop.run();
 }
 
+int runRoad(int argc, char** argv) {
+    os::AppInfo::setApp("zefdemocore");
+    os::AppInfo::setPathComp("zef");
+    std::string mode = "user";
+    char** word = argv + 1;
+    if (*word && (strcmp(*word, "-service") == 0 || strcmp(*word, "-virtual") == 0))
+        mode = *word++ + 1;
+    if (*word && strcmp(*word, "-configHelper") == 0)
+        return democore::runConfigHelper(word + 1);
+    if (*word && strcmp(*word, "-stop") == 0)
+        return democore::runStop(mode);
+    Arguments args;
+    if (parse(argc, argv, args))
+        return run(args);
+    fputs(usageText, stderr);
+    fputs(democore::ConfigHelper::usage, stderr);
+    return 1;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    Arguments args;
-    if (!parse(argc, argv, args)) {
-        fputs(usageText, stderr);
-        return 1;
-    }
     try {
-        return run(args);
+        return runRoad(argc, argv);
     } catch (const plat::Exception& e) {
         fprintf(stderr, "zefdemocore: %s\n", e.what());
         return 1;

@@ -16,13 +16,6 @@ namespace sui {
 namespace {
 plat::LogSrc log("ServerUi");
 constexpr const char* optionsLink = "app://options/";
-
-// The first of the locales in force.
-plat::String firstLocale() {
-    const plat::String all = loc::Localize::instance().getCurrentLocales();
-    const char* end = strchr(all.c_str(), ':');
-    return end ? plat::String(std::string_view(all.c_str(), static_cast<size_t>(end - all.c_str()))) : all;
-}
 } // namespace
 
 ServerUi::ServerUi(io::MsgIpc* link, ServerUiCallback* platformObject)
@@ -31,7 +24,7 @@ ServerUi::ServerUi(io::MsgIpc* link, ServerUiCallback* platformObject)
       eventReader(std::make_unique<score::StatusDbReader>(link, &events)),
       statusDlg(std::make_unique<StatusDialog>(&infoDb, &events, static_cast<StatusDialog::Callback*>(this), this)) {
     statusDlg->getDialog()->setCloseCallback(this);
-    serverComms.sendUiLocale(firstLocale().c_str());
+    serverComms.sendUiLocale(loc::Localize::instance().firstLocale().c_str());
 }
 
 ServerUi::~ServerUi() {
