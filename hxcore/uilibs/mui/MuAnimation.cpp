@@ -22,10 +22,12 @@ void MuAnimation::setRunning(bool run) {
     if (running == run)
         return;
     running = run;
-    if (running)
+    if (running) {
+        image->setShown(true);
         timer.start(intervalMs);
-    else
+    } else {
         timer.cancel();
+    }
     showFrame(0);
 }
 

@@ -17,7 +17,7 @@ public:
     MuAnimation(MuContainer* parent, const char* name, unsigned intervalMs, const std::vector<plat::String>& imageNames,
                 const rfb::Point& size);
 
-    void setRunning(bool run); ///< false goes back to the first frame
+    void setRunning(bool run); ///< true shows the image, false goes back to the first frame
     bool isRunning() const { return running; }
     MuImage* getImage() { return image; }
 

@@ -29,6 +29,17 @@ void MuCheck::Group::memberChecked(MuCheck* checkedMember) {
             member->setChecked(/*on=*/false);
 }
 
+MuCheck* MuCheck::Group::neighbour(MuCheck* from, bool forward) const {
+    const size_t count = members.size();
+    const auto start = static_cast<size_t>(std::find(members.begin(), members.end(), from) - members.begin());
+    for (size_t n = 1; n < count; ++n) {
+        MuCheck* member = members[(start + (forward ? n : count - n)) % count];
+        if (member->isShownFully() && !member->isInert())
+            return member;
+    }
+    return from;
+}
+
 void MuCheck::Group::muChanged(MuElement* element) {
     auto* member = dynamic_cast<MuCheck*>(element);
     if (member && member->isChecked())

@@ -20,6 +20,8 @@ public:
         void add(MuCheck* member);
         void remove(MuCheck* member); ///< the group may be gone after
         void memberChecked(MuCheck* member);
+        /// The next member around the ends that is shown and not inert; `from` itself if there is no other.
+        MuCheck* neighbour(MuCheck* from, bool forward) const;
 
         // MuObserver
         void muChanged(MuElement* element) override;
@@ -49,6 +51,8 @@ public:
 
 protected:
     MuCheck(const char* name, const char* label, Group* group);
+
+    Group* getGroup() const { return group; } ///< null for none
 
     bool checked = false;
     bool indeterminate = false;

@@ -12,12 +12,13 @@ class MuContainer;
 /// A list of rows, at most one of which is selected. It keeps its cells.
 ///
 /// Raises EventChanged when the user selects another row, EventActivated for a click on a row and EventRowActivated
-/// for a double click or Enter on one. What the program sets raises nothing.
+/// for a double click on one. What the program sets raises nothing.
 class MuList : public MuElement {
 public:
     enum Flag : unsigned {
-        Heading = 1,       ///< a line with the columns' headings
-        KeepSelection = 2, ///< a press beside the rows leaves the selection
+        Heading = 1,        ///< a line with the columns' headings
+        KeepSelection = 2,  ///< a press beside the rows leaves the selection
+        EnterActivates = 4, ///< Enter on a row is as a double click, and not the dialog's default action
     };
     enum class ColumnType { Text = 0, Image = 1 };
     enum class Align { Start = 0, Centre = 1, End = 2 };

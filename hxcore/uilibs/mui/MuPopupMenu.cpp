@@ -1,6 +1,6 @@
 #include "mui/MuPopupMenu.h"
 
-#include "mui/MuDialog.h"
+#include "mui/MuElement.h"
 #include "mui/Mui.h"
 #include "mui/muFactories.h"
 #include "plat/Assert.h"
@@ -20,9 +20,7 @@ MuPopupMenu::~MuPopupMenu() {
 }
 
 void MuPopupMenu::showUnder(MuElement* element, bool rightAligned) {
-    const MuDialog* dialog = MuDialog::topLevel(element);
-    const rfb::Point origin = dialog ? const_cast<MuDialog*>(dialog)->getContentOrigin() : rfb::Point();
-    const rfb::Point corner = element->getRootPosition() + origin + rfb::Point(0, element->getSize().y);
+    const rfb::Point corner = element->getRootPosition() + rfb::Point(0, element->getSize().y);
     if (rightAligned)
         showRightAligned(corner + rfb::Point(element->getSize().x, 0));
     else

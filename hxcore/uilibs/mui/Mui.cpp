@@ -43,7 +43,10 @@ void Mui::addGlobalObserver(MuObserver* observer, bool add) {
         dialog->addObserver(observer, add);
 }
 
-void Mui::addMenu(const char* name, ui::Menu* menu) { menus.emplace_back(name ? name : "", menu); }
+void Mui::addMenu(const char* name, ui::Menu* menu) {
+    if (name && *name)
+        menus.emplace_back(name, menu);
+}
 
 void Mui::removeMenu(ui::Menu* menu) {
     std::erase_if(menus, [=](const auto& entry) { return entry.second == menu; });

@@ -46,7 +46,8 @@ public:
     const std::map<int, MuElement*>& getDialogs() const { return dialogs; }
     void addGlobalObserver(MuObserver* observer, bool add); ///< on all dialogs, those to come included; borrowed
 
-    /// Menus that inspection finds by name; of two with one name the older. Borrowed, removed before they die.
+    /// Menus that inspection finds by name, which may be empty: not at all; of two with one name the older. Borrowed,
+    /// removed before they die.
     void addMenu(const char* name, ui::Menu* menu);
     void removeMenu(ui::Menu* menu);
     ui::Menu* findMenu(const char* name) const; ///< null if there is none

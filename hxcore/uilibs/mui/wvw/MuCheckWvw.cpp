@@ -1,5 +1,7 @@
 #include "mui/wvw/MuCheckWvw.h"
 
+#include "rfb/keySymbols.h"
+
 namespace mui {
 
 MuCheckWvw::MuCheckWvw(const char* name, const char* label_, Group* group_)
@@ -39,6 +41,21 @@ void MuCheckWvw::showState() {
                                : checked     ? wvw::WCheckBox::State::On
                                              : wvw::WCheckBox::State::Off);
     settingState = false;
+}
+
+/// Arrows choose among the members of a group.
+bool MuCheckWvw::keyEvent(uint32_t keysym, bool down, wvw::Widget* origin) {
+    const bool forward = keysym == rfb::key::Down || keysym == rfb::key::Right;
+    const bool backward = keysym == rfb::key::Up || keysym == rfb::key::Left;
+    if (!down || origin != &widget.getCheck() || !getGroup() || !(forward || backward))
+        return false;
+    MuCheck* next = getGroup()->neighbour(this, forward);
+    if (next == this)
+        return false;
+    next->setFocus();
+    next->setChecked(/*on=*/true);
+    next->notify(EventChanged);
+    return true;
 }
 
 bool MuCheckWvw::valueChanged(wvw::Widget* origin) {

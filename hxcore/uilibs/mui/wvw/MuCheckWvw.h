@@ -25,6 +25,7 @@ public:
 
 private:
     // wvw::WInputHandler
+    bool keyEvent(uint32_t keysym, bool down, wvw::Widget* origin) override;
     bool valueChanged(wvw::Widget* origin) override;
 
     void showState();

@@ -16,6 +16,7 @@ MuListWvw::MuListWvw(const char* name, unsigned listFlags_)
     : MuList(name, listFlags_), widget(nullptr, this, (listFlags_ & Heading) != 0, (listFlags_ & KeepSelection) != 0),
       commonWvw(this, &widget) {
     common = &commonWvw;
+    widget.setActivateByEnter((listFlags_ & EnterActivates) != 0);
     widget.setHandler(this);
 }
 

@@ -4,13 +4,21 @@
 #include "mui/MuButton.h"
 #include "mui/MuButtonBar.h"
 #include "mui/MuCheck.h"
+#include "mui/MuChoice.h"
+#include "mui/MuEdit.h"
 #include "mui/MuFrame.h"
 #include "mui/MuImage.h"
 #include "mui/MuInfoFrame.h"
 #include "mui/MuLayout.h"
 #include "mui/MuLine.h"
+#include "mui/MuList.h"
 #include "mui/MuMessageBox.h"
+#include "mui/MuPager.h"
+#include "mui/MuScroll.h"
+#include "mui/MuSlider.h"
+#include "mui/MuSplitter.h"
 #include "mui/MuStatic.h"
+#include "mui/MuSuperbox.h"
 #include "mui/MuText.h"
 #include "mui/MuiComms.h"
 #include "mui/tx/muFactories.h"
@@ -18,6 +26,7 @@
 #include "os/AppInfo.h"
 #include "plat/Configuration.h"
 #include "registerBuiltInResources.h"
+#include "ui/MenuBar.h"
 #include "ui/tx/AppLoop.h"
 
 using mui::MuButton;
@@ -54,6 +63,42 @@ void addChecks(MuLayout* column) {
     mui::MuCheck* disabled = mui::MuCheck::create(row, "disabled", "Disabled");
     disabled->setChecked(true);
     disabled->setEnabled(false);
+}
+void addFields(mui::MuContainer* parent) {
+    MuLayout* column = MuLayout::create(parent, "fields", mui::Orientation::Vertical);
+    mui::MuEdit::create(column, "name", "&Name")->setText("Some text");
+    mui::MuEdit::create(column, "empty", "Empty")->setPlaceholder("Nothing yet");
+    mui::MuEdit::create(column, "secret", "&Password", mui::MuEdit::Type::Password)->setText("secret");
+    mui::MuEdit* off = mui::MuEdit::create(column, "off", "Disabled");
+    off->setText("Not now");
+    off->setEnabled(false);
+    for (const bool editable : {false, true}) {
+        auto* choice = mui::MuChoice::create(column, editable ? "editable" : "choice", "&Choice", editable);
+        choice->addItem(1, "First");
+        choice->addItem(2, "Second & last");
+        choice->setSelected(2);
+    }
+    auto* find = mui::MuSuperbox::create(column, "find", "&Find", nullptr, 100);
+    find->setPlaceholder("Search");
+    mui::MuSlider::create(column, "slider", 0, 5)->setValue(2);
+}
+
+void addLists(mui::MuContainer* parent) {
+    auto* splitter = mui::MuSplitter::create(parent, "splitter", mui::Orientation::Horizontal);
+    auto* list = mui::MuList::create(splitter, "list", mui::MuList::Heading);
+    list->addColumn(mui::MuList::ColumnType::Image, nullptr, mui::MuList::automatic, mui::MuList::Align::Centre);
+    list->addColumn(mui::MuList::ColumnType::Text, "Name");
+    list->addColumn(mui::MuList::ColumnType::Text, "Size", 60, mui::MuList::Align::End);
+    for (int i = 0; i < 500; ++i)
+        list->addRow({"statusInfo", plat::strFormat("Row number %d", i), plat::strFormat("%d kB", i * 7)});
+    list->setSelected(2);
+    list->setCellColour(4, 1, "#c80000");
+    list->setRowSelectable(5, false);
+    splitter->setSizes({260});
+    auto* scroll = mui::MuScroll::create(splitter, "scroll");
+    MuLayout* inner = MuLayout::create(scroll, "inner", mui::Orientation::Vertical);
+    for (int i = 0; i < 12; ++i)
+        mui::MuCheck::create(inner, plat::strFormat("check%d", i).c_str(), "Something to check");
 }
 } // namespace
 
@@ -106,6 +151,16 @@ int main(int, char** argv) {
                              nullptr);
     about.getDialog()->setPosition({660, 260});
     about.show();
+    std::unique_ptr<mui::MuDialog> controls(mui::MuDialog::create("controls", "Controls", {480, 330}));
+    controls->menuBar()->getMenu(ui::MenuBar::File)->addItem("&Quit");
+    controls->menuBar()->getMenu(ui::MenuBar::Edit)->addItem("Nothing")->setEnabled(false);
+    auto* pager = mui::MuPager::create(controls.get(), "pager");
+    addFields(pager);
+    pager->addPage(pager->getChild(0), "&Fields");
+    addLists(pager);
+    pager->addPage(pager->getChild(1), "&Lists");
+    controls->setPosition({660, 440});
+    controls->setShown(true);
     const int code = loop.run();
     mui::MuiComms::destroy();
     return code;

@@ -1,0 +1,216 @@
+// Superboxes, popup menus, menu bars, and inspection under a dialog that blocks.
+#include "mui/tx/test/DialogTxTest.h"
+
+#include "io/FdSelectManager.h"
+#include "mui/MuButton.h"
+#include "mui/MuButtonBar.h"
+#include "mui/MuLayout.h"
+#include "mui/MuList.h"
+#include "mui/MuMessageBox.h"
+#include "mui/MuPopupMenu.h"
+#include "mui/MuSuperbox.h"
+#include "mui/MuiComms.h"
+#include "os/AppInfo.h"
+#include "os/UnixIo.h"
+#include "tx/TXState.h"
+#include "tx/TXWParent.h"
+#include "ui/MenuBar.h"
+
+#include <X11/keysym.h>
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+namespace mui {
+namespace {
+
+class PopupsTxTest : public DialogTxTest, protected ui::Menu::ActionCallback {
+protected:
+    void menuAction(ui::Menu::Item* item) override { heard += std::string(item->getText()) + " "; }
+
+    static void press(tx::TXWindow* window, int rootX, int rootY) {
+        const rfb::Point corner = window->getRootPosition();
+        XEvent event{};
+        event.xbutton.type = ButtonPress;
+        event.xbutton.window = window->win();
+        event.xbutton.root = tx::rootWindow;
+        event.xbutton.button = 1;
+        event.xbutton.x = rootX - corner.x;
+        event.xbutton.y = rootY - corner.y;
+        event.xbutton.x_root = rootX;
+        event.xbutton.y_root = rootY;
+        event.xbutton.same_screen = True;
+        XSendEvent(tx::dpy, window->win(), False, ButtonPressMask, &event);
+        event.xbutton.type = ButtonRelease;
+        event.xbutton.state = Button1Mask;
+        XSendEvent(tx::dpy, window->win(), False, ButtonReleaseMask, &event);
+        XSync(tx::dpy, False);
+        tx::processEvents();
+    }
+};
+
+TEST_F(PopupsTxTest, ASuperboxTypesOnUnderItsPopupAndAPressOutsideClosesIt) {
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
+    MuLayout* column = MuLayout::create(dialog.get(), "", Orientation::Vertical);
+    MuSuperbox* box = MuSuperbox::create(column, "find", nullptr, nullptr, 100);
+    MuList* list = MuList::create(box->getPopup(), "list");
+    list->addColumn(MuList::ColumnType::Text, nullptr);
+    for (const char* text : {"one", "two", "three"})
+        list->addRow({text});
+    dialog->addObserver(this, true);
+    dialog->setPosition({200, 200});
+    box->setFocus();
+    ASSERT_TRUE(showAndWait(*dialog));
+    box->showPopup(true);
+    MuDialog* popup = box->getPopup();
+    popup->addObserver(this, true);
+    tx::TXWindow* window = windowOf(*popup);
+    ASSERT_TRUE(waitFor([&] { return window->isMapped(); }));
+    EXPECT_TRUE(window->isOverrideRedirect());
+    EXPECT_TRUE(window->grabsPointer() && window->grabsKeyboard());
+    EXPECT_EQ(popup->getPosition().y, box->getRootPosition().y + box->getSize().y);
+    EXPECT_EQ(popup->getSize(), rfb::Point(box->getSize().x, 100));
+
+    // Whichever of our windows gets the keys, they are the field's.
+    heard.clear();
+    sendKey(*popup, XK_t);
+    sendKey(*dialog, XK_w);
+    EXPECT_TRUE(waitFor([&] { return std::string(box->getText()) == "tw"; })) << box->getText();
+    EXPECT_EQ(heard, "find/0 find/0 ");
+    // A press inside is the list's.
+    heard.clear();
+    const rfb::Point corner = popup->getPosition();
+    press(window, corner.x + 20, corner.y + 10);
+    EXPECT_TRUE(waitFor([&] { return heard.find("list/0 list/1 ") != std::string::npos; })) << heard;
+    EXPECT_TRUE(popup->isShown());
+    press(window, corner.x + 20, corner.y - 5);
+    EXPECT_TRUE(waitFor([&] { return !popup->isShown(); }));
+    EXPECT_FALSE(window->grabsPointer() || window->grabsKeyboard());
+    // Escape closes the popup, and only then the dialog.
+    box->showPopup(true);
+    ASSERT_TRUE(waitFor([&] { return window->isMapped(); }));
+    sendKey(*popup, XK_Escape);
+    EXPECT_TRUE(waitFor([&] { return !popup->isShown(); }));
+    EXPECT_TRUE(dialog->isShown());
+    // It goes with the dialog's window.
+    box->showPopup(true);
+    ASSERT_TRUE(waitFor([&] { return window->isMapped(); }));
+    dialog->setShown(false);
+    EXPECT_TRUE(waitFor([&] { return !popup->isShown() && !window->isMapped(); }));
+}
+
+TEST_F(PopupsTxTest, APopupMenuStaysOnTheScreenAndCallsWhatIsChosen) {
+    auto owned = std::unique_ptr<MuPopupMenu>(MuPopupMenu::create("extra"));
+    MuPopupMenu* menu = owned.get();
+    EXPECT_EQ(toolkit.findMenu("extra"), menu);
+    menu->addItem("&One", nullptr, nullptr, this);
+    menu->addSeparator();
+    menu->addItem("&Two", "statusInfo", nullptr, this)->setChecked(true);
+    const rfb::Point screen = tx::getScreenSize();
+    menu->show({screen.x - 5, screen.y - 5});
+    ASSERT_TRUE(menu->isShown());
+    tx::TXWParent* shown = nullptr;
+    ASSERT_TRUE(waitFor([&] { return (shown = dynamic_cast<tx::TXWParent*>(tx::keyboardGrabber())) != nullptr; }));
+    const rfb::Point corner = shown->getRootPosition();
+    EXPECT_LE(corner.x + shown->width(), screen.x);
+    EXPECT_LE(corner.y + shown->height(), screen.y);
+    const auto key = [&](KeySym keysym) {
+        shown->keyEvent(XKeysymToKeycode(tx::dpy, keysym), static_cast<uint32_t>(keysym), /*down=*/true);
+    };
+    key(XK_Up); // around the end
+    key(XK_Return);
+    EXPECT_EQ(heard, "&Two ");
+    EXPECT_FALSE(menu->isShown());
+    menu->show({10, 10});
+    ASSERT_TRUE(waitFor([&] { return (shown = dynamic_cast<tx::TXWParent*>(tx::keyboardGrabber())) != nullptr; }));
+    key(XK_Escape);
+    EXPECT_FALSE(menu->isShown());
+    menu->show({10, 10});
+    owned.reset(); // while it is shown
+    EXPECT_EQ(toolkit.findMenu("extra"), nullptr);
+    waitFor([] { return tx::keyboardGrabber() == nullptr; });
+}
+
+TEST_F(PopupsTxTest, AMenuBarIsTheUppermostPanelAndTheOnlyOne) {
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
+    MuButton* top = MuButton::create(dialog.get(), "top", "Top");
+    dialog->setPanelPosition(top, MuDialog::PanelTop);
+    ui::MenuBar* bar = dialog->menuBar();
+    EXPECT_EQ(bar, dialog->menuBar());
+    EXPECT_EQ(bar, ui::MenuBar::instance());
+    bar->getMenu(ui::MenuBar::File)->addItem("&Quit", nullptr, nullptr, this);
+    ASSERT_TRUE(showAndWait(*dialog));
+    MuElement* element = dialog->findElement("menubar");
+    ASSERT_TRUE(element);
+    EXPECT_STREQ(element->getType(), "menubar");
+    EXPECT_EQ(element->getPosition(), rfb::Point(0, 0));
+    EXPECT_EQ(top->getPosition().y, element->getSize().y);
+    EXPECT_GT(element->getSize().y, 10);
+    dialog.reset();
+    EXPECT_EQ(ui::MenuBar::instance(), nullptr);
+}
+
+// One driver opens a question that blocks; a second one answers it.
+TEST_F(PopupsTxTest, InspectionGoesOnUnderADialogThatBlocks) {
+    os::AppInfo::setPathComp(plat::strFormat("zefpopups%d", static_cast<int>(getpid())).c_str());
+    os::AppInfo::setApp("app");
+    io::FdSelectManager loop(/*nested=*/true);
+    MuiComms::init(&toolkit);
+    MuiComms::instance()->setEnabled(true);
+    const std::string path = MuiComms::instance()->getPipeName();
+    ASSERT_FALSE(path.empty());
+
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
+    MuButton* ask = MuButton::create(dialog.get(), "ask", "Ask");
+    struct Asker : MuObserver {
+        void muActivated(MuElement* element) override {
+            answer = MuMessageBox::ask(MuDialog::topLevel(element), "Title", MuMessageBox::Icon::Question, {"Sure?"},
+                                       MuButtonBar::Yes | MuButtonBar::No);
+        }
+        unsigned answer = 0;
+    } asker;
+    ask->addObserver(&asker, true);
+    ASSERT_TRUE(showAndWait(*dialog));
+
+    std::string second;
+    std::thread driver([&] {
+        const auto request = [&](int fd, const char* line) {
+            char reply[200] = {};
+            timeval limit{5, 0};
+            setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+            if (send(fd, line, strlen(line), MSG_NOSIGNAL) < 0 || recv(fd, reply, sizeof reply - 1, 0) <= 0)
+                return std::string("<nothing>");
+            return std::string(reply);
+        };
+        const int first = os::connectUnixSocket(path.c_str());
+        send(first, "click d.ask\n", 12, MSG_NOSIGNAL);
+        for (int tries = 0; tries < 200; ++tries) {
+            const int fd = os::connectUnixSocket(path.c_str());
+            second = request(fd, "click messagebox.buttons.yes\n");
+            close(fd);
+            if (second == "1\n\n")
+                break;
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        second += request(first, "version\n"); // the click's answer comes first
+        close(first);
+    });
+    for (int i = 0; i < 500 && asker.answer == 0; ++i)
+        loop.poll(20);
+    for (int i = 0; i < 20; ++i)
+        loop.poll(10);
+    driver.join();
+    EXPECT_EQ(asker.answer, static_cast<unsigned>(MuButtonBar::Yes));
+    EXPECT_EQ(second.substr(0, 6), "1\n\n1\n\n");
+    MuiComms::destroy();
+    while (loop.poll(0)) {
+    }
+    rmdir(path.substr(0, path.rfind('/')).c_str());
+}
+
+} // namespace
+} // namespace mui

@@ -1,0 +1,306 @@
+#include "mui/wvw/test/TwinsTest.h"
+
+#include "loc/Localize.h"
+#include "mui/MuButton.h"
+#include "mui/MuCheck.h"
+#include "mui/MuChoice.h"
+#include "mui/MuEdit.h"
+#include "mui/MuList.h"
+#include "mui/MuPager.h"
+#include "mui/MuScroll.h"
+#include "mui/MuSlider.h"
+#include "mui/MuSplitter.h"
+#include "mui/MuStatic.h"
+#include "mui/wvw/MuMenuBarWvw.h"
+#include "mui/wvw/MuSuperboxWvw.h"
+#include "rfb/keySymbols.h"
+
+namespace mui {
+namespace {
+
+class ControlsTest : public TwinsTest {
+protected:
+    std::string takeHeard() { return std::exchange(heard, ""); }
+    void type(const char* text) {
+        for (; *text; ++text)
+            window.key(static_cast<unsigned char>(*text));
+    }
+};
+
+TEST_F(ControlsTest, AnEditTellsOfTheUserAndNotOfTheProgram) {
+    MuEdit* edit = MuEdit::create(column, "edit", "&Name");
+    MuEdit::NumericFilter ports(0, 65535);
+    layOut();
+    edit->setText("text");
+    EXPECT_EQ(heard, "");
+    edit->setFocus();
+    type("s");
+    EXPECT_STREQ(edit->getText(), "texts");
+    EXPECT_EQ(takeHeard(), "edit/0 ");
+    edit->setText("6553");
+    edit->setFilter(&ports);
+    type("x");
+    type("6");
+    EXPECT_STREQ(edit->getText(), "6553");
+    EXPECT_EQ(heard, "");
+    type("5");
+    EXPECT_STREQ(edit->getText(), "65535");
+    EXPECT_EQ(takeHeard(), "edit/0 ");
+    edit->setLocked(true);
+    type("1");
+    EXPECT_STREQ(edit->getText(), "65535");
+    // The label takes no room from a field that may grow.
+    EXPECT_EQ(edit->getSize().x, 300);
+    edit->setFieldWidth(200);
+    EXPECT_GT(edit->getMinWidth(0), 200);
+}
+
+TEST_F(ControlsTest, APasswordLooksTheSameWhateverItIs) {
+    MuEdit* edit = MuEdit::create(column, "pw", nullptr, MuEdit::Type::Password);
+    layOut();
+    std::vector<uint32_t> looks[2];
+    for (int i = 0; i < 2; ++i) {
+        edit->setText(i ? "iiii" : "MWMW");
+        window.paintAll();
+        for (int y = 0; y < edit->getSize().y; ++y)
+            for (int x = 0; x < 300; ++x)
+                looks[i].push_back(window.pixelAt(x, y));
+    }
+    EXPECT_EQ(looks[0], looks[1]);
+    EXPECT_EQ(std::string(edit->getState().c_str()).find("MWMW"), std::string::npos);
+    EXPECT_NE(std::string(edit->getState().c_str()).find("value <hidden>\n"), std::string::npos);
+}
+
+TEST_F(ControlsTest, AChoiceShowsAmpersandsAndTellsOfClicksFirst) {
+    MuChoice* choice = MuChoice::create(column, "choice", "Pick");
+    choice->addItem(1, "R&D");
+    choice->addItem(2, "Sales && more");
+    layOut();
+    choice->setSelected(1);
+    EXPECT_EQ(heard, "");
+    EXPECT_STREQ(choice->getText(), "R&D");
+    choice->setFocus();
+    window.key(rfb::key::Down);
+    EXPECT_EQ(takeHeard(), "choice/0 ");
+    EXPECT_EQ(choice->getSelected(), 2);
+    EXPECT_STREQ(choice->getText(), "Sales && more");
+    const rfb::Point at = middleOf(choice);
+    window.click(at.x + 60, at.y);
+    EXPECT_EQ(takeHeard(), "choice/1 ");
+    EXPECT_TRUE(window.anyPopup());
+    choice->removeAll();
+    EXPECT_STREQ(choice->getText(), "");
+    EXPECT_EQ(choice->getSelected(), -1);
+    EXPECT_EQ(heard, "");
+}
+
+TEST_F(ControlsTest, AListTellsOfSelectionClickAndDoubleClick) {
+    MuList* list = MuList::create(column, "list", MuList::Heading);
+    list->addColumn(MuList::ColumnType::Text, "Name");
+    list->addColumn(MuList::ColumnType::Text, "Size", 60, MuList::Align::End);
+    for (int i = 0; i < 500; ++i)
+        list->addRow({plat::strFormat("row %d", i), "1"});
+    column->setChildLayout(list, MuLayout::Fixed, 180);
+    layOut();
+    EXPECT_LT(list->getMinHeight(0), 300); // it scrolls
+    list->setSelected(3);
+    EXPECT_EQ(heard, "");
+    int y = 0;
+    while (list->rowAt({20, y}) != 1)
+        ++y;
+    window.click(20, y + 3);
+    EXPECT_EQ(takeHeard(), "list/0 list/1 ");
+    EXPECT_EQ(list->getSelected(), 1);
+    window.click(20, y + 3);
+    EXPECT_EQ(takeHeard(), "list/2 "); // the selection is the same
+    window.key(rfb::key::Down);
+    EXPECT_EQ(takeHeard(), "list/0 ");
+    EXPECT_EQ(list->getSelected(), 2);
+    window.click(20, y + 3, 2); // a right click says which row its menu is for
+    EXPECT_EQ(takeHeard(), "list/0 ");
+    EXPECT_EQ(list->getSelected(), 1);
+    list->removeRow(0);
+    EXPECT_EQ(list->getSelected(), 0);
+    list->removeAllRows();
+    EXPECT_EQ(list->getSelected(), -1);
+    EXPECT_EQ(heard, "");
+    toDelete = list;
+    list->addRow({"only"});
+    layOut();
+    window.click(20, y - 3); // the list goes while it tells
+    EXPECT_EQ(column->getChildCount(), 0);
+}
+
+TEST_F(ControlsTest, APagerKeepsTabsAndPagesInStep) {
+    MuPager* pager = MuPager::create(column, "pager");
+    MuLayout* first = MuLayout::create(pager, "first", Orientation::Vertical);
+    MuLayout* second = MuLayout::create(pager, "second", Orientation::Vertical);
+    pager->addPage(first, "&First");
+    pager->addPage(second, "Se&cond");
+    MuButton* a = MuButton::create(first, "a", "A");
+    MuButton* b = MuButton::create(second, "b", "B");
+    column->setChildLayout(pager, MuLayout::Fixed, 150);
+    layOut();
+    EXPECT_EQ(pager->getMinHeight(300), a->getMinHeight(0) + 20 + pager->getContentOrigin().y - 10);
+    EXPECT_TRUE(a->isShownFully());
+    EXPECT_FALSE(b->isShownFully());
+    a->setFocus();
+    window.hold(rfb::key::ControlL);
+    window.key(rfb::key::PageDown);
+    window.letGo(rfb::key::ControlL);
+    EXPECT_EQ(takeHeard(), "pager/0 ");
+    EXPECT_EQ(pager->getPage(), 1);
+    EXPECT_TRUE(b->isShownFully());
+    EXPECT_FALSE(a->isShownFully());
+    EXPECT_GT(b->getSize().x, 250);
+    pager->setPage(0);
+    EXPECT_EQ(takeHeard(), "pager/0 ");
+    pager->setPage(1);
+    pager->removePage(0);
+    EXPECT_EQ(pager->getPage(), 0);
+    EXPECT_TRUE(b->isShownFully());
+    // Where an inspector says that the button is, there it is.
+    rfb::Point at = b->getPosition();
+    for (MuElement* up = b->getParent(); up != column; up = up->getParent())
+        at = at + up->getPosition();
+    takeHeard();
+    window.click(at.x + 5, at.y + 5);
+    EXPECT_EQ(takeHeard(), "b/1 ");
+}
+
+TEST_F(ControlsTest, ASliderCountsFromItsMinimum) {
+    MuSlider* slider = MuSlider::create(column, "slider", -3, 3);
+    layOut();
+    slider->setValue(1);
+    EXPECT_EQ(heard, "");
+    slider->setFocus();
+    window.key(rfb::key::Right);
+    EXPECT_EQ(slider->getValue(), 2);
+    window.key(rfb::key::Right);
+    window.key(rfb::key::Right);
+    EXPECT_EQ(slider->getValue(), 3);
+    EXPECT_EQ(takeHeard(), "slider/0 slider/0 ");
+    slider->setRange(-3, 0);
+    EXPECT_EQ(slider->getValue(), 0);
+}
+
+TEST_F(ControlsTest, ASplitterIsDraggedByItsHandle) {
+    MuSplitter* splitter = MuSplitter::create(column, "split", Orientation::Horizontal);
+    MuButton* left = MuButton::create(splitter, "left", "L");
+    MuButton::create(splitter, "right", "R");
+    column->setChildLayout(splitter, MuLayout::Fixed, 60);
+    layOut();
+    EXPECT_EQ(splitter->getMinSizes()[0], left->getMinWidth(0));
+    splitter->setSizes({100});
+    layOut();
+    window.move(102, 20);
+    window.press();
+    window.move(142, 20);
+    window.release();
+    EXPECT_EQ(takeHeard(), "split/0 ");
+    EXPECT_EQ(left->getSize(), rfb::Point(140, 60));
+    window.click(50, 20); // the children get what is theirs
+    EXPECT_EQ(takeHeard(), "left/1 ");
+}
+
+TEST_F(ControlsTest, AScrollShowsWhatGetsTheFocus) {
+    MuScroll* scroll = MuScroll::create(column, "scroll");
+    MuLayout* inner = MuLayout::create(scroll, "inner", Orientation::Vertical);
+    MuButton* last = nullptr;
+    for (int i = 0; i < 20; ++i)
+        last = MuButton::create(inner, plat::strFormat("b%d", i).c_str(), "Button");
+    column->setChildLayout(scroll, MuLayout::Fixed, 100);
+    layOut();
+    EXPECT_GT(inner->getSize().y, 400);
+    EXPECT_LT(inner->getSize().x, 300); // room for the bar
+    EXPECT_LE(scroll->getMinHeight(300), 100);
+    last->setFocus();
+    layOut();
+    const rfb::Point at = middleOf(scroll);
+    window.click(at.x, 90);
+    EXPECT_EQ(takeHeard(), "b19/1 ");
+    // Less in it, and the bar goes.
+    while (inner->getChildCount() > 1)
+        inner->remove(inner->getChild(-1));
+    scroll->doLayout();
+    EXPECT_EQ(inner->getSize().x, 300);
+}
+
+TEST_F(ControlsTest, ArrowsChooseInARadioGroup) {
+    auto* group = new MuCheck::Group;
+    MuCheck* a = MuCheck::create(column, "a", "A", group);
+    MuCheck* off = MuCheck::create(column, "off", "Off", group);
+    MuCheck* c = MuCheck::create(column, "c", "C", group);
+    off->setEnabled(false);
+    a->setChecked(true);
+    a->setFocus();
+    layOut();
+    window.key(rfb::key::Down);
+    EXPECT_TRUE(c->isChecked() && c->hasFocus() && !a->isChecked());
+    window.key(rfb::key::Right); // around
+    EXPECT_TRUE(a->isChecked() && a->hasFocus());
+    window.key(rfb::key::Up);
+    EXPECT_TRUE(c->isChecked());
+    EXPECT_EQ(takeHeard(), "c/0 a/0 c/0 ");
+}
+
+TEST_F(ControlsTest, ASuperboxLeavesItsKeysToTheCallback) {
+    struct Box : MuSuperboxWvw {
+        explicit Box(Callback* target) : MuSuperboxWvw("find", "&Find", target, 80) {}
+    };
+    struct Taker : MuSuperbox::Callback {
+        bool onKey(MuSuperbox*, uint32_t key) override { return key == rfb::key::Down; }
+    } taker;
+    auto* box = new Box(&taker);
+    column->add(box);
+    MuButton* other = MuButton::create(column, "other", "Other");
+    box->setFocus();
+    layOut();
+    type("ab");
+    EXPECT_STREQ(box->getText(), "ab");
+    EXPECT_EQ(takeHeard(), "find/0 find/0 ");
+    box->setText("c");
+    EXPECT_EQ(heard, "");
+    window.key(rfb::key::Down); // would travel
+    EXPECT_TRUE(box->hasFocus());
+    window.unusedKeys.clear();
+    window.key(rfb::key::Escape);
+    EXPECT_EQ(window.unusedKeys, std::vector<uint32_t>{rfb::key::Escape}); // the dialog's
+    EXPECT_TRUE(other);
+}
+
+TEST_F(ControlsTest, AMenuBarHasItsStandardMenusInOrder) {
+    loc::Localize::instance().init();
+    auto* bar = new MuMenuBarWvw;
+    column->add(bar);
+    std::string chosen;
+    struct Action : ui::Menu::ActionCallback {
+        explicit Action(std::string* out) : target(out) {}
+        void menuAction(ui::Menu::Item* item) override { *target += std::string(item->getText()) + " "; }
+        std::string* target;
+    } action(&chosen);
+    const ui::Menu::Item* about = bar->addAbout(&action);
+    EXPECT_EQ(about, bar->getMenu(ui::MenuBar::Help)->itemAt(0));
+    bar->addMenu("E&xtra")->addItem("Special", nullptr, nullptr, &action);
+    ui::Menu::Item* quit = bar->getMenu(ui::MenuBar::File)->addItem("&Quit", nullptr, nullptr, &action);
+    bar->getMenu(ui::MenuBar::File)->addItem("&Open", nullptr, quit, &action);
+    layOut();
+    EXPECT_STREQ(bar->getItems().c_str(), "0:&File\n1:&Help\n2:E&xtra\n");
+    EXPECT_STREQ(bar->findItem("0")->getText(), "&Open");
+    EXPECT_STREQ(bar->findItem("3")->getText(), "Special");
+    EXPECT_EQ(bar->findItem("Quit"), quit);
+    EXPECT_EQ(bar->findItem("9"), nullptr);
+    MuButton::create(column, "b", "B")->setFocus();
+    window.hold(rfb::key::AltL);
+    EXPECT_TRUE(bar->hotKey('f'));
+    window.letGo(rfb::key::AltL);
+    wvw::Widget* popup = window.anyPopup();
+    ASSERT_TRUE(popup);
+    window.popupOf(popup)->key('q');
+    EXPECT_EQ(chosen, "&Quit ");
+    EXPECT_FALSE(window.anyPopup());
+    EXPECT_DEATH(MuMenuBarWvw(), "!inst_");
+}
+
+} // namespace
+} // namespace mui
