@@ -144,8 +144,16 @@ void WLabel::paintBackground(rfb::FullFramePixelBuffer& pb) {
 
 void WLabel::paint(rfb::FullFramePixelBuffer& pb) {
     paintBackground(pb);
-    for (size_t i = 0; i < lines.size(); ++i)
-        paintLine(pb, i);
+    if (!lines.empty()) {
+        // Of a long text, the lines that are exposed; a glyph may reach a little over its line.
+        const int height = getStyle().font->height;
+        const int top = lineOrigin(0).y;
+        const auto end = static_cast<int>(lines.size());
+        const int first = std::clamp((pb.getRect().tl.y - top) / height - 1, 0, end);
+        const int last = std::clamp((pb.getRect().br.y - top) / height + 2, first, end);
+        for (int i = first; i < last; ++i)
+            paintLine(pb, static_cast<size_t>(i));
+    }
     if (selectable && hasFocus())
         drawFocus(pb, getRect(), /*dotted=*/true);
 }

@@ -2,6 +2,7 @@
 
 #include "wvw/WidgetWatch.h"
 
+#include "hxutil/Font.h"
 #include "plat/LogSrc.h"
 #include "rfb/PixelBuffer.h"
 
@@ -74,13 +75,13 @@ Point WLabelWidget::labelSize() {
 Point WLabelWidget::getPreferredSize() {
     const Point text = labelSize();
     const Point box = controlSize();
-    return {text.x + (text.x > 0 ? gap : 0) + box.x, std::max(text.y, box.y)};
+    return {text.x + (text.x > 0 ? gap : 0) + box.x, rowsFor(text.y, box.y).total};
 }
 
 int WLabelWidget::getPreferredHeight(int width) {
     const Point box = controlSize();
     const int textHeight = labelFirst ? labelSize().y : label.getPreferredHeight(std::max(1, width - box.x - gap));
-    return std::max(box.y, textHeight);
+    return rowsFor(textHeight, box.y).total;
 }
 
 bool WLabelWidget::sizeChanged(Widget* origin) {
@@ -89,7 +90,16 @@ bool WLabelWidget::sizeChanged(Widget* origin) {
     return WLayout::sizeChanged(origin);
 }
 
-int WLabelWidget::offset(int height) const { return (getHeight() - height) * static_cast<int>(vAlign) / 2; }
+WLabelWidget::Rows WLabelWidget::rowsFor(int textHeight, int boxHeight) const {
+    const int line = label.getStyle().font->height;
+    const int align = static_cast<int>(vAlign);
+    const int higher = std::max(textHeight, boxHeight);
+    if (vAlign != 1 || textHeight <= line)
+        return {(higher - textHeight) * align / 2, (higher - boxHeight) * align / 2, higher};
+    const int boxTop = (line - boxHeight) / 2;
+    const int textTop = std::max(0, -boxTop);
+    return {textTop, boxTop + textTop, std::max(textTop + textHeight, boxTop + textTop + boxHeight)};
+}
 
 void WLabelWidget::place() {
     if (!control)
@@ -104,8 +114,10 @@ void WLabelWidget::place() {
     const int textHeight = label.getPreferredHeight(std::max(1, textWidth));
     const int textLeft = labelFirst ? 0 : box.x + gap;
     const int boxLeft = labelFirst ? textWidth + space : 0;
-    setChildRect(&label, Rect::xywh(textLeft, offset(textHeight), textWidth, textHeight));
-    setChildRect(control, Rect::xywh(boxLeft, offset(box.y), boxWidth, box.y));
+    const Rows rows = rowsFor(textHeight, box.y);
+    const int top = (getHeight() - rows.total) * static_cast<int>(vAlign) / 2;
+    setChildRect(&label, Rect::xywh(textLeft, top + rows.textTop, textWidth, textHeight));
+    setChildRect(control, Rect::xywh(boxLeft, top + rows.boxTop, boxWidth, box.y));
 }
 
 bool WLabelWidget::isHotKey(uint32_t keysym) {

@@ -14,9 +14,11 @@ public:
 
     WLabelWithMnemonic& getLabel() { return label; }
     void setText(const char* markedText);
-    void setGap(int px);            ///< between label and control, 4 at first
-    void setLabelWidth(int px);     ///< of a label on the left, so that the controls of a form line up; 0: its own
-    void setVAlign(unsigned align); ///< 0 top, 1 middle (at first), 2 bottom; any other is logged and counts as top
+    void setGap(int px);        ///< between label and control, 4 at first
+    void setLabelWidth(int px); ///< of a label on the left, so that the controls of a form line up; 0: its own
+    /// 0 top, 1 middle (at first), 2 bottom; any other is logged and counts as top. In the middle, the control goes
+    /// with the first line of a label of several.
+    void setVAlign(unsigned align);
 
     // Widget
     rfb::Point getPreferredSize() override;
@@ -31,7 +33,13 @@ protected:
     void place();
 
 private:
-    int offset(int height) const;
+    /// From the top of a widget that is `total` high.
+    struct Rows {
+        int textTop;
+        int boxTop;
+        int total;
+    };
+    Rows rowsFor(int textHeight, int boxHeight) const;
     rfb::Point controlSize() const;
     rfb::Point labelSize();
 

@@ -15,6 +15,10 @@
 
 namespace wvw {
 
+namespace {
+constexpr int focusRoom = 2; // pixels between a link and the dots around it
+} // namespace
+
 using rfb::Point;
 using rfb::Rect;
 
@@ -91,9 +95,20 @@ int WRichText::focusedLink() const {
 void WRichText::setHot(int newHover, int newFocus) {
     if (newHover == hover && newFocus == focusRun)
         return;
+    // Of a long text, only the links that change their looks.
+    rfb::Region area;
+    const auto addLink = [&](int link) {
+        const auto& all = runs->getRuns();
+        for (size_t i = 0; i < all.size(); ++i) {
+            if (runs->sameLink(static_cast<int>(i), link))
+                area.assign_union(rfb::Region(all[i].rect.expandBy(focusRoom).intersect(getRect())));
+        }
+    };
+    for (const int link : {hover, focusRun, newHover, newFocus})
+        addLink(link);
     hover = newHover;
     focusRun = newFocus;
-    repaint();
+    invalidate(area);
 }
 
 void WRichText::paint(rfb::FullFramePixelBuffer& pb) {
@@ -103,10 +118,12 @@ void WRichText::paint(rfb::FullFramePixelBuffer& pb) {
         paintRun(pb, i);
     for (int i = 0; i < count && hasFocus(); ++i) {
         const Rect& run = runs->getRuns()[static_cast<size_t>(i)].rect;
-        const Rect around(run.tl.x - 2, run.tl.y - 1, run.br.x + 2, run.br.y + 1);
+        const Rect around(run.tl.x - focusRoom, run.tl.y - 1, run.br.x + focusRoom, run.br.y + 1);
         if (runs->sameLink(i, focusRun))
             drawFocus(pb, around.intersect(getRect()), /*dotted=*/true);
     }
+    if (selectable && hasFocus() && focusRun < 0)
+        drawFocus(pb, getRect(), /*dotted=*/true);
 }
 
 void WRichText::paintRun(rfb::FullFramePixelBuffer& pb, int index) {

@@ -1,5 +1,6 @@
 #include "wvw/WViewport.h"
 
+#include "hxutil/metrics.h"
 #include "rfb/PixelBuffer.h"
 
 #include <algorithm>
@@ -7,7 +8,7 @@
 namespace wvw {
 namespace {
 constexpr int barPx = WScrollbar::thickness;
-constexpr int wheelPx = 48;
+constexpr int wheelUnits = 96;
 constexpr int arrowPx = 16;
 } // namespace
 
@@ -121,6 +122,7 @@ bool WViewport::mouseDown(int button, Widget* origin) {
         return WLayout::mouseDown(button, origin);
     WScrollbar& bar = vBar.isVisible() ? vBar : hBar;
     const int before = bar.getValue();
+    const int wheelPx = hxutil::scaled(wheelUnits);
     if (bar.isVisible())
         bar.stepBy(button == 3 ? -wheelPx : wheelPx);
     // At its end, the wheel is for what is around us.

@@ -4,6 +4,7 @@
 #include "hxutil/DragDropData.h"
 #include "rfb/Region.h"
 #include "tx/TXWRoot.h"
+#include "wvw/WMenu.h"
 
 #include <X11/keysym.h>
 
@@ -363,6 +364,38 @@ TEST_F(PopupTest, ShowingAgainMovesItAndHidingTwiceIsFine) {
     root.showPopup(&popup, false, false, {});
     root.showPopup(&popup, false, false, {});
     EXPECT_EQ(root.findPopup(&popup), nullptr);
+}
+
+// The pointer is with the menu that was opened last, and all of them go when something is chosen in it.
+TEST_F(PopupTest, APressInASubmenuChoosesThere) {
+    struct : wvw::WInputHandler {
+        bool activated(wvw::Widget* origin) override {
+            chosen = origin;
+            return true;
+        }
+        wvw::Widget* chosen = nullptr;
+    } handler;
+    wvw::WMenuItem more("&More");
+    wvw::WMenuItem inner("&Inner");
+    wvw::WMenu sub;
+    wvw::WRootMenu menu;
+    menu.add(&more);
+    sub.add(&inner);
+    more.setSubmenu(&sub);
+    inner.setHandler(&handler);
+    menu.show(&root, {20, 20});
+    pump();
+    menu.openSubmenu(&more, /*byKey=*/false);
+    pump();
+    tx::TXWParent* window = root.findPopup(&sub);
+    ASSERT_NE(window, nullptr);
+    const Window xid = window->win();
+    other.sendPointer(xid, MotionNotify, 10, 8, 0, 0);
+    other.sendPointer(xid, ButtonPress, 10, 8, 1);
+    other.sendPointer(xid, ButtonRelease, 10, 8, 1, Button1Mask);
+    pump();
+    EXPECT_EQ(handler.chosen, &inner);
+    EXPECT_EQ(root.popupCount(), 0U);
 }
 
 } // namespace

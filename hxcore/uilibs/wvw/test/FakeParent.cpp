@@ -113,6 +113,25 @@ void FakeParent::paintAll() {
     invalid.clear();
 }
 
+void FakeParent::paintInTiles(const rfb::Point& tile) {
+    rfb::fillRect(pixels, pixels.getRect(), 0xff00ff);
+    for (int y = 0; y < pixels.height(); y += tile.y) {
+        for (int x = 0; x < pixels.width(); x += tile.x) {
+            const rfb::Rect rect = rfb::Rect::at({x, y}, tile).intersect(pixels.getRect());
+            rfb::FullFramePixelBuffer view(pixels, rect, rect.tl);
+            root->paint(view);
+        }
+    }
+}
+
+std::vector<uint32_t> FakeParent::getRgb() const {
+    std::vector<uint32_t> rgb(static_cast<size_t>(pixels.width() * pixels.height()));
+    pixels.getImage(rgb.data(), pixels.getRect());
+    for (uint32_t& pixel : rgb)
+        pixel &= 0xffffff;
+    return rgb;
+}
+
 uint32_t FakeParent::pixelAt(int x, int y) const {
     uint32_t value = 0;
     pixels.getImage(&value, rfb::Rect::xywh(x, y, 1, 1));

@@ -49,8 +49,10 @@ public:
     // What a user sees.
     void paint(); ///< all that is invalid
     void paintAll();
-    uint32_t pixelAt(int x, int y) const; ///< 0xrrggbb
-    const rfb::ManagedPixelBuffer& getPixels() const { return pixels; }
+    void paintInTiles(const rfb::Point& tile); ///< all of it, as so many exposed rectangles
+    uint32_t pixelAt(int x, int y) const;      ///< 0xrrggbb
+    std::vector<uint32_t> getRgb() const;      ///< 0xrrggbb, row by row
+    rfb::Point getSize() const { return pixels.size(); }
     int countPixels(const rfb::Rect& area, uint32_t rgb) const;
     rfb::Rect invalidArea() const { return invalid.get_bounding_rect(); }
     void clearInvalid() { invalid.clear(); }

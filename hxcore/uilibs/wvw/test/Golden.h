@@ -56,7 +56,7 @@ enum class Look { Normal, Hover, Pressed, Focused, Disabled };
 constexpr Look allLooks[] = {Look::Normal, Look::Hover, Look::Pressed, Look::Focused, Look::Disabled};
 
 /// Adds `widget` on a canvas of its size and a rim of 4, brought into that state by the user's means: the pointer at
-/// `pointer` of the widget, a held button, the focus.
+/// `pointer` of the widget, a held button, the focus. Painted in pieces it must look the same.
 void addInLook(Picture& picture, Widget& widget, const rfb::Point& size, Look look, const rfb::Point& pointer);
 
 } // namespace wvw

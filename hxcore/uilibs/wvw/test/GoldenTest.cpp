@@ -70,6 +70,8 @@ TEST_P(GoldenTest, Checks) {
     row([] { return makeCheck("WCheck_check", State::Indeterminate, "Mixed"); });
     row([] { return makeCheck("WCheck_dot", State::On, "Choice"); });
     row([] { return makeCheck("WCheck_dot", State::Off, "Choice"); });
+    const auto wrapped = makeCheck("WCheck_check", State::On, "Copy and paste text in either direction");
+    alone(*wrapped, {scaled(300), wrapped->getPreferredHeight(scaled(300))}, Look::Focused);
     picture.expectGolden("checks");
 }
 

@@ -202,5 +202,14 @@ TEST_F(RichTextTest, BadMarkupShowsItsError) {
     EXPECT_STREQ(text.getSelectedText().c_str(), "XML error");
 }
 
+TEST_F(RichTextTest, TheHandAppearsOverALinkAndOnlyTheLinkIsRepainted) {
+    window.move(xOf("x ") + 3, 8);
+    EXPECT_EQ(window.shape, CursorShape::Hand);
+    const Rect link(xOf("x "), 2, xOf("x first"), 2 + font.height);
+    EXPECT_EQ(window.invalidArea(), link.expandBy(2).intersect({0, 0, 300, 20}));
+    window.move(xOf("x first ") + 1, 8);
+    EXPECT_EQ(window.shape, CursorShape::Default);
+}
+
 } // namespace
 } // namespace wvw
