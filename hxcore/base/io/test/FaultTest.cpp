@@ -67,6 +67,22 @@ TEST(FdKickerFault, AKickSurvivesSignalsAndAFullPipe) {
     EXPECT_EQ(counter.drained, 1);
 }
 
+// A connection that knows no more of its ends says nothing of them, and a handler that wants nothing does nothing.
+TEST(IoDefaults, AreSilent) {
+    MemIo io;
+    for (const plat::String& text :
+         {io.getPeerEndpoint(), io.getPeerEndpointUri(), io.getLocalEndpoint(), io.getLocalEndpointUri()})
+        EXPECT_STREQ(text.get(), "");
+    EXPECT_FALSE(io.isConnecting());
+    FdSelectManager mgr;
+    FdHandler idle;
+    mgr.addHandler(&idle, /*add=*/true);
+    mgr.markReadable(&idle);
+    mgr.markWritable(&idle);
+    EXPECT_TRUE(mgr.poll(0));
+    EXPECT_FALSE(mgr.poll(0));
+}
+
 /// A link on a socket whose other end is the test.
 class LinkFaultTest : public testing::Test, private MsgIpc::Callback {
 protected:

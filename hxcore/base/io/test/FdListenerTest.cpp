@@ -126,6 +126,37 @@ TEST_F(FdListenerTest, RestsWhenDescriptorsRunOutAndLosesNobody) {
     }
 }
 
+TEST_F(FdListenerTest, ARefusedConnectionOrANewSocketLeavesTheRestAsItWas) {
+    class Choosy : public FdListener {
+    public:
+        using FdListener::FdListener;
+        using FdListener::replaceFd;
+        bool refuses = true;
+
+    private:
+        Io* makeIo(int accepted) override {
+            if (!refuses)
+                return FdListener::makeIo(accepted);
+            close(accepted);
+            throw plat::Exception("not this one");
+        }
+    };
+    auto choosy = std::make_unique<Choosy>(dup(listener->getFd()));
+    listener->setAcceptor(nullptr);
+    choosy->setAcceptor(acceptor.get());
+    const int refused = connectOne();
+    rounds();
+    EXPECT_TRUE(isClosed(refused));
+    choosy->replaceFd(-1);
+    choosy->refuses = false;
+    connectOne();
+    rounds();
+    EXPECT_EQ(acceptor->ios.size(), 0u);
+    choosy->replaceFd(dup(listener->getFd()));
+    rounds();
+    EXPECT_EQ(acceptor->ios.size(), 1u);
+}
+
 TEST_F(FdListenerTest, MayDieWhileItHandsOver) {
     acceptor->onAccept = [this] {
         listener.reset();

@@ -127,6 +127,10 @@ TEST(FramedInStream, NothingIsReadPastTheMessage) {
         EXPECT_STREQ(e.what(), "FramedInStream::endMsg: data left in msg");
     }
     EXPECT_EQ(in.pos(), 2U);
+    std::string line;
+    in.readLine(line); // the message ends it as well as a line feed
+    EXPECT_EQ(line, "c");
+    EXPECT_THROW(in.readLine(line), rdr::EndOfMsg);
 }
 
 TEST(FramedInStream, AnItemCutByTheEndOfTheMessageIsAnError) {

@@ -33,11 +33,12 @@ TEST(OutStream, TypedWritesAreBigEndian) {
     out.writeString8("abc");
     out.writeString32(static_cast<const char*>(nullptr));
     out.writeString32("abcdef", 2);
+    out.writeString32(std::string("a\0bc", 4), 3);
     out.writeFlags({"b", "a"});
     out.writeStr("%d%%", 50);
     EXPECT_EQ(contents(out), bytes("07  01 02  00 01 00 00  01 02 03 04 05 06 07 08  ff  ff fe  ff ff ff fd"
                                    "  ff ff ff ff ff ff ff fc  01  03 'abc'  00 00 00 00  00 00 00 02 'ab'"
-                                   "  02 01 'a' 01 'b'  '50%'"));
+                                   "  00 00 00 03 'a' 00 'b'  02 01 'a' 01 'b'  '50%'"));
     EXPECT_EQ(out.length(), contents(out).size());
 }
 
