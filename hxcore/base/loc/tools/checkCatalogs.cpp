@@ -4,7 +4,7 @@
 #include "loc/Directive.h"
 
 #include <iostream>
-#include <regex>
+#include <regex.h>
 #include <set>
 #include <string_view>
 
@@ -36,45 +36,76 @@ bool findArguments(std::string_view text, std::map<int, char>& arguments) {
     return !(withPosition && withoutPosition);
 }
 
+// A POSIX extended regular expression; <regex> doesn't compile without warnings under sanitizers.
+class Pattern {
+public:
+    explicit Pattern(const char* expression) { regcomp(&compiled, expression, REG_EXTENDED); }
+    ~Pattern() { regfree(&compiled); }
+    Pattern(const Pattern&) = delete;
+    Pattern& operator=(const Pattern&) = delete;
+
+    bool isIn(const std::string& text) const { return regexec(&compiled, text.c_str(), 0, nullptr, 0) == 0; }
+
+    // Takes all matches out of `text` and gives them.
+    std::vector<std::string> takeFrom(std::string& text) const {
+        std::vector<std::string> taken;
+        regmatch_t match;
+        for (size_t start = 0; regexec(&compiled, text.c_str() + start, 1, &match, 0) == 0;) {
+            start += static_cast<size_t>(match.rm_so);
+            const auto length = static_cast<size_t>(match.rm_eo - match.rm_so);
+            taken.push_back(text.substr(start, length));
+            text.erase(start, length);
+        }
+        return taken;
+    }
+
+private:
+    regex_t compiled{};
+};
+
+const Pattern markup("<(a|b|br|div|font|i|li|span|u|ul)([ /][^>]*)?>");
+
 // The names of the elements in a text, sorted: languages put them in other orders.
-std::multiset<std::string> tagsOf(const std::string& text) {
-    static const std::regex tag("<(a|b|br|div|font|i|li|span|u|ul)[ />]");
+std::multiset<std::string> tagsOf(std::string text) {
     std::multiset<std::string> tags;
-    for (std::sregex_iterator it(text.begin(), text.end(), tag), end; it != end; ++it)
-        tags.insert((*it)[1]);
+    for (const std::string& tag : markup.takeFrom(text))
+        tags.insert(tag.substr(0, tag.find_first_of(" />")));
     return tags;
 }
 
 // "&" before a letter that isn't an entity; "&&" is a plain ampersand.
-bool hasMnemonic(const std::string& text) {
-    static const std::regex known("&&|&#?\\w+;");
-    static const std::regex mnemonic("&[^& ]");
-    return std::regex_search(std::regex_replace(text, known, ""), mnemonic);
+bool hasMnemonic(std::string text) {
+    static const Pattern plain("&&|&#?[A-Za-z0-9]+;");
+    static const Pattern mnemonic("&[^& ]");
+    plain.takeFrom(text);
+    return mnemonic.isIn(text);
 }
 
 // A slip in the typography of a language, or null. English texts stand as they were given.
-const char* findSlip(std::string_view language, const std::string& text) {
+const char* findSlip(std::string_view language, std::string text) {
     static const struct {
         std::string_view languages;
-        std::regex pattern;
+        Pattern pattern;
+        std::string_view unless; // is in the text
         const char* what;
     } slips[] = {
-        {"de es fr pt", std::regex("[^,]\\.\\.\\."), " has three dots for an ellipsis"},
-        {"de es fr pt", std::regex("\""), " has straight quotes"},
-        {"fr", std::regex("[A-Za-z]'[A-Za-z\x80-\xff]"), " has a straight apostrophe"},
-        {"fr", std::regex(" (?:[:;!?]|\xc2\xbb)"), " breaks before a mark"},
-        {"fr", std::regex("\xc2\xab "), " breaks after a quote"},
-        {"fr", std::regex("[A-Za-z][!?]"), " lacks the space before a mark"},
-        {"fr", std::regex("[A-Za-z][:;](?: |$)"), " lacks the space before a mark"},
-        {"de", std::regex("[A-Za-z ]\xe2\x80\xa6"), " lacks the no-break space before an ellipsis"},
-        {"de", std::regex("[A-Za-z\x80-\xff]'"), " has a straight apostrophe"},
-        {"es", std::regex("^(?!.*\xc2\xbf).*\\?(?: |$)"), " has no opening question mark"},
-        {"es", std::regex("^(?!.*\xc2\xa1).*!(?: |$)"), " has no opening exclamation mark"},
+        {"de es fr pt", Pattern("[^,]\\.\\.\\."), "", " has three dots for an ellipsis"},
+        {"de es fr pt", Pattern("\""), "", " has straight quotes"},
+        {"de", Pattern("[A-Za-z ]\xe2\x80\xa6"), "", " lacks the no-break space before an ellipsis"},
+        {"de", Pattern("[A-Za-z\x80-\xff]'"), "", " has a straight apostrophe"},
+        {"fr", Pattern("[A-Za-z]'[A-Za-z\x80-\xff]"), "", " has a straight apostrophe"},
+        {"fr", Pattern(" ([:;!?]|\xc2\xbb)"), "", " breaks before a mark"},
+        {"fr", Pattern("\xc2\xab "), "", " breaks after a quote"},
+        {"fr", Pattern("[A-Za-z]([!?]|[:;]( |$))"), "", " lacks the space before a mark"},
+        {"es", Pattern("\\?( |$)"), "\u00bf", " has no opening question mark"},
+        {"es", Pattern("!( |$)"), "\u00a1", " has no opening exclamation mark"},
     };
-    static const std::regex markup("<(a|b|br|div|font|i|li|span|u|ul)[ />][^>]*>|https?://[^ ]*");
-    const std::string plain = std::regex_replace(text, markup, "");
+    static const Pattern address("https?://[^ ]*");
+    markup.takeFrom(text);
+    address.takeFrom(text);
     for (const auto& slip : slips)
-        if (slip.languages.find(language) != std::string_view::npos && std::regex_search(plain, slip.pattern))
+        if (slip.languages.find(language) != std::string_view::npos && slip.pattern.isIn(text) &&
+            (slip.unless.empty() || text.find(slip.unless) == std::string::npos))
             return slip.what;
     return nullptr;
 }
