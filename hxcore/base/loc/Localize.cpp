@@ -65,11 +65,6 @@ class TextLoader : private PoReader::Callback {
 public:
     TextLoader(Localize& target, const std::string& localeName) : localize(target), locale(localeName) {}
 
-    void load(rdr::InStream& in, const char* name) {
-        PoReader(*this, name, locale.c_str()).read(in);
-        log.info("Loaded strings from %s", name);
-    }
-
     void loadResource() {
         const plat::String name = plat::strFormat("strings.%s.po", locale.c_str());
         const plat::BuiltInResource resource = plat::findBuiltInResource(name.c_str());
@@ -94,6 +89,11 @@ public:
     }
 
 private:
+    void load(rdr::InStream& in, const char* name) {
+        PoReader(*this, name, locale.c_str()).read(in);
+        log.info("Loaded strings from %s", name);
+    }
+
     // PoReader::Callback
     void addText(const char* key, const char* text) override { localize.addTranslation(locale.c_str(), key, text); }
 
@@ -299,22 +299,15 @@ void Localize::addTranslation(const char* language, const char* key, const char*
     ++version;
 }
 
-void Localize::readTexts(rdr::InStream& in, const char* name, const char* locale) {
-    const std::string localeName = locale;
-    TextLoader(*this, localeName).load(in, name);
-}
-
 plat::String Localize::firstLocale() const {
     const plat::String all = getCurrentLocales();
     return plat::String(all.view().substr(0, all.view().find(':')));
 }
 
-std::vector<std::string> Localize::getLocales() const {
+plat::String Localize::getLocaleList() const {
     const std::lock_guard<std::recursive_mutex> lock(mutex);
-    return locales;
+    return joinLocales(locales).c_str();
 }
-
-plat::String Localize::getLocaleList() const { return joinLocales(getLocales()).c_str(); }
 
 plat::String Localize::getCurrentLocales() const {
     const LocaleSetter* const setter = LocaleSetter::currentWithList();

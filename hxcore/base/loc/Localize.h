@@ -13,10 +13,6 @@
 #include <string_view>
 #include <vector>
 
-namespace rdr {
-class InStream;
-}
-
 namespace loc {
 
 /// All catalogs, and the list of locales that the process speaks.
@@ -51,13 +47,10 @@ public:
     void addString(const char* language, const char* key, const char* str);
     /// Adds or replaces a text; it is copied.
     void addTranslation(const char* language, const char* key, const char* text);
-    /// Reads a text file of `locale`; lines that are wrong are logged and skipped. `name` is for messages.
-    void readTexts(rdr::InStream& in, const char* name, const char* locale);
 
     plat::String getLocaleList() const;     ///< the locales in force, joined with ":"
     plat::String getCurrentLocales() const; ///< those of the innermost LocaleSetter with a list, else getLocaleList
     plat::String firstLocale() const;       ///< the first of getCurrentLocales
-    std::vector<std::string> getLocales() const;
 
     // plat::ParameterChangedCallback
     void parameterChanged(plat::ConfigParameter*, int) override { refresh(); }
