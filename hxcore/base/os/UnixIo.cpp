@@ -1,5 +1,6 @@
 #include "os/UnixIo.h"
 
+#include "os/TcpIo.h"
 #include "plat/Exception.h"
 #include "plat/encodings.h"
 
@@ -128,9 +129,16 @@ io::FdIo* fdToFdIo(int fd) {
     fcntl(fd, F_SETFD, FD_CLOEXEC);
     int family = 0;
     socklen_t size = sizeof family;
-    if (getsockopt(fd, SOL_SOCKET, SO_DOMAIN, &family, &size) == 0 && family == AF_UNIX)
+    getsockopt(fd, SOL_SOCKET, SO_DOMAIN, &family, &size);
+    switch (family) {
+    case AF_UNIX:
         return new UnixIo(fd, UnixIo::Side::Client);
-    return new io::FdIo(fd);
+    case AF_INET:
+    case AF_INET6:
+        return new TcpIo(fd);
+    default:
+        return new io::FdIo(fd);
+    }
 }
 
 } // namespace os

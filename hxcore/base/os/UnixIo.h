@@ -39,7 +39,8 @@ int connectUnixSocket(const char* path);
 /// Whether a connection to `path` would be taken, tried without waiting.
 bool somebodyListens(const char* path);
 
-/// Wraps an inherited descriptor by its kind: a local socket becomes a UnixIo, anything else an io::FdIo.
+/// Wraps an inherited descriptor by its kind: a local socket becomes a UnixIo, one of TCP a TcpIo, anything else an
+/// io::FdIo.
 ///
 /// Throws plat::SystemException if there is no such descriptor.
 io::FdIo* fdToFdIo(int fd);

@@ -19,6 +19,7 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <netinet/in.h>
 #include <string>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -163,6 +164,26 @@ TEST_F(LocalSocketTest, InheritedDescriptorsAreWrappedByTheirKind) {
     pipeEnd->shutdown(false, false);
     close(ends[1]);
     EXPECT_EQ(plat::errorOf([] { fdToFdIo(9999); }), EBADF);
+}
+
+TEST_F(LocalSocketTest, AnInheritedTcpSocketKnowsItsAddresses) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    const int listening = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(bind(listening, reinterpret_cast<sockaddr*>(&address), size), 0);
+    ASSERT_EQ(listen(listening, 1), 0);
+    getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size);
+    const int connected = socket(AF_INET, SOCK_STREAM, 0);
+    ASSERT_EQ(connect(connected, reinterpret_cast<sockaddr*>(&address), size), 0);
+    io::FdIo* io = fdToFdIo(connected);
+    const std::string peer = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+    EXPECT_EQ(io->getPeerEndpoint().c_str(), peer);
+    EXPECT_EQ(std::string(io->getLocalEndpoint().c_str()).rfind("127.0.0.1:", 0), 0u);
+    EXPECT_EQ(io->getName().c_str(), "<tcp-" + peer + ">");
+    io->shutdown(false, false);
+    close(listening);
 }
 
 TEST_F(LocalSocketTest, ANameInUseIsRefusedUnlessTakenOver) {
