@@ -5,7 +5,7 @@ import subprocess
 import time
 import unittest
 
-from harness import SLOW, UiTest, main, until
+from harness import CORE, SLOW, UiTest, main, until
 
 HEADER = "statusdialog.header."
 CONN = "statusdialog.main.connectivity."
@@ -220,6 +220,32 @@ class StatusDialog(UiTest):
         core.ask("close statusdialog")
         self.assertEqual(core.ask("click messagebox.buttons.yes"), "1")
         core.expect("ui: quit")
+
+    def test_in_service_mode_the_core_is_run_to_stop_it(self):
+        elevate = os.path.join(self.home.path, "elevate")  # root needs none
+        with open(elevate, "w", encoding="utf-8") as out:
+            out.write('#!/bin/sh\nexec "$@"\n')
+        os.chmod(elevate, 0o755)
+        core, _ = self.opened(mode="service", args=["-Log=*:stderr:30", f"-ElevateCmd={elevate}"])
+        core.say("corestatus 0 0 0 1 4000 0", "sleep 100")
+
+        def stop(exe):
+            core.say("serverexe " + exe, "echo told")
+            core.expect("told")
+            self.assertEqual(core.ask("version"), "1")
+            until(lambda: core.ask("close statusdialog") == "0" and "messagebox" in core.ask("dialogs"), "the question")
+            self.assertEqual(core.ask("click messagebox.buttons.yes"), "1")
+
+        stop("/nonexistent/core")
+        until(lambda: "Failed to quit server: /nonexistent/core does not exist or is not executable" in core.stderr(),
+              "the failure")
+        self.assertEqual(core.state("statusdialog")["shown"], "1")
+        stop("/bin/false")
+        until(lambda: "The server was not stopped: status 1" in core.stderr(), "the refusal")
+        self.assertEqual(core.state("statusdialog")["shown"], "1")
+        stop(CORE)
+        core.expect("stop requested")
+        core.expect("link lost, ui exited 0")
 
     def test_the_window_says_who_it_is(self):
         core, window = self.opened()

@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <sys/socket.h>
 
 namespace democore {
 namespace {
@@ -33,7 +34,7 @@ std::string readField(rdr::InStream& in, char kind) {
 std::string messageOf(const char* db) { return std::string("StatusDb") + db; }
 } // namespace
 
-CoreLink::CoreLink(int fd, Callback* target) : callback(target), link(this, "ui") {
+CoreLink::CoreLink(int fd, Callback* target) : callback(target), socketFd(fd), link(this, "ui") {
     for (const UiMessage& message : uiMessages)
         link.addHandler(message.name, this);
     ipc = &link;
@@ -161,6 +162,10 @@ void CoreLink::sendBody(const std::string& name, std::string_view body) {
     link.endMsg();
 }
 
-void CoreLink::closeLink() { link.close(/*tell=*/true); }
+void CoreLink::closeLink() {
+    if (isOpen())
+        ::shutdown(socketFd, SHUT_RDWR); // the loop closes it later, and the UI is waited for before
+    link.close(/*tell=*/true);
+}
 
 } // namespace democore

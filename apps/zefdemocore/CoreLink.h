@@ -59,6 +59,7 @@ private:
     bool readMsg(const char* name, rdr::InStream& in, io::MsgIpc*) override;
 
     Callback* callback;
+    int socketFd; // the link's
     io::MsgIpc link;
 };
 

@@ -3,6 +3,7 @@
 #include "io/MsgIpc.h"
 #include "loc/Localize.h"
 #include "mui/MuButtonBar.h"
+#include "os/launchFailures.h"
 #include "os/openUrl.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
@@ -28,6 +29,7 @@ ServerUi::ServerUi(io::MsgIpc* link, ServerUiCallback* platformObject)
 }
 
 ServerUi::~ServerUi() {
+    os::ProcessMonitor::instance().detachAll(this);
     destroyModules();
     stopBox.reset();
     statusDlg.reset();
@@ -112,13 +114,32 @@ void ServerUi::messageBoxClosed(mui::MuMessageBox*, unsigned button) {
 void ServerUi::stopConfirmed() {
     try {
         if (score::productMode() == score::ProductMode::Service)
-            throw plat::Exception("this build cannot start the core with more rights");
-        serverComms.sendQuit();
+            runStop();
+        else
+            serverComms.sendQuit();
+    } catch (const os::ElevateCancelled&) {
+        // The user has thought better of it.
     } catch (const plat::Exception& e) {
         log.error("Failed to quit server: %s", e.what());
     }
     if (isDebugUi())
         ipc->close(/*tell=*/true);
+}
+
+// Whoever asks for a password may take long, so the wait is the loop's.
+void ServerUi::runStop() {
+    if (stopPid != 0) {
+        log.info("The server is being stopped already");
+        return;
+    }
+    const score::ServerLauncher launcher({"-stop"});
+    stopPid = os::launchProcess(launcher.config(), this);
+}
+
+void ServerUi::processEnded(pid_t, int waitStatus) {
+    stopPid = 0;
+    if (waitStatus != 0)
+        log.info("The server was not stopped: %s", os::waitStatusText(waitStatus).c_str());
 }
 
 void ServerUi::openInfoCenter(const char* tab) {

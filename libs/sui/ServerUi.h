@@ -3,6 +3,7 @@
 
 #include "mui/MuDialog.h"
 #include "mui/MuMessageBox.h"
+#include "os/ProcessMonitor.h"
 #include "plat/Markup.h"
 #include "score/ConnectionInfo.h"
 #include "score/StatusDbReader.h"
@@ -23,6 +24,7 @@ class ServerUi : public SUiModuleMgr,
                  private ServerComms::Callback,
                  private mui::MuDialog::CloseCallback,
                  private mui::MuMessageBox::Callback,
+                 private os::ProcessMonitor::Callback,
                  private StatusDialog::Callback {
 public:
     ServerUi(io::MsgIpc* link, ServerUiCallback* platformObject); ///< both borrowed
@@ -75,7 +77,11 @@ private:
     void openInfoCenter(const char* tab) override;
     void openMoreMenu(mui::MuElement* below) override;
 
+    // os::ProcessMonitor::Callback
+    void processEnded(pid_t pid, int waitStatus) override;
+
     void stopConfirmed();
+    void runStop();
 
     io::MsgIpc* ipc;
     ServerUiCallback* platform;
@@ -88,6 +94,7 @@ private:
     CoreStatus status;
     std::unique_ptr<StatusDialog> statusDlg;
     std::unique_ptr<mui::MuMessageBox> stopBox;
+    pid_t stopPid = 0; // of what stops the server, while that runs
     bool privacy = false;
 };
 
