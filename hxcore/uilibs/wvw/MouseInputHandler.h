@@ -9,7 +9,7 @@ class Widget;
 
 /// One link of the chain along which the mouse events of a widget bubble; true ends the bubbling.
 ///
-/// Buttons number from 0: left, middle, right, then the wheel (3 up, 4 down).
+/// Buttons number from 0: left, middle, right, then the wheel (3 up, 4 down, 5 left, 6 right).
 class WMouseInputHandler {
 public:
     virtual ~WMouseInputHandler() = default;

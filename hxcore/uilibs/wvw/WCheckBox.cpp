@@ -51,17 +51,28 @@ WImage::Image stateImage(const char* prefix, const char* name) {
 
 } // namespace
 
-WCheckBox::WCheckBox(WLayout* layout, const char* imageName) : WButton(layout) {
-    if (strcmp(imageName, "WCheck_check") == 0 || strcmp(imageName, "WCheck_dot") == 0) {
-        kind = strcmp(imageName, "WCheck_dot") == 0 ? Kind::Dot : Kind::Check;
+WCheckBox::WCheckBox(WLayout* layout, const char* imageName)
+    : WButton(layout), kind(strcmp(imageName, "WCheck_dot") == 0     ? Kind::Dot
+                            : strcmp(imageName, "WCheck_check") == 0 ? Kind::Check
+                                                                     : Kind::Images),
+      name(imageName) {
+    loadImages();
+}
+
+void WCheckBox::loadImages() {
+    if (kind != Kind::Images) {
         const int px = hxutil::scaled(boxUnits);
-        images[1] = hxutil::NamedImagePixelBuffer::get(imageName, {px, px});
+        images[1] = hxutil::NamedImagePixelBuffer::get(name.c_str(), {px, px});
         return;
     }
-    kind = Kind::Images;
-    images[0] = stateImage("off", imageName);
-    images[1] = stateImage("on", imageName);
-    images[2] = stateImage("ind", imageName);
+    images[0] = stateImage("off", name.c_str());
+    images[1] = stateImage("on", name.c_str());
+    images[2] = stateImage("ind", name.c_str());
+}
+
+void WCheckBox::styleChanged() {
+    loadImages();
+    WButton::styleChanged();
 }
 
 void WCheckBox::setState(State newState) {

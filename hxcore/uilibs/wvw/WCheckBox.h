@@ -25,6 +25,7 @@ public:
     void setLabelled(bool on); ///< a label beside it shows the focus
 
     // Widget
+    void styleChanged() override;
     void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override;
 
@@ -36,11 +37,13 @@ private:
     enum class Kind { Check, Dot, Images };
 
     State afterPress() const;
+    void loadImages();
     void paintBox(rfb::FullFramePixelBuffer& pb, State shown);
     rfb::Colour edgeColour(State shown) const;
     rfb::Colour wellColour(State shown) const;
 
     Kind kind;
+    plat::String name;
     State state = State::Off;
     WImage::Image images[3]; // in the order of State; the mark alone, as images[1], for what is drawn
     bool lit = false;

@@ -130,12 +130,29 @@ void WChoice::choose(int itemKey) {
 
 // The popup.
 
+/// Goes to the item that a letter begins, where it is nobody's mnemonic.
+class WChoice::List : public WRootMenu {
+public:
+    explicit List(WChoice* owner_) : WRootMenu(static_cast<WRootMenu::Callback*>(owner_)), owner(owner_) {}
+
+protected:
+    bool unusedKey(uint32_t keysym) override {
+        WMenuItem* found = owner->findByLetter(keysym, getSelected());
+        if (found)
+            selectItem(found);
+        return found != nullptr;
+    }
+
+private:
+    WChoice* owner;
+};
+
 bool WChoice::isDropped() const { return menu && menu->isShown(); }
 
 void WChoice::buildMenu() {
     if (menu)
         return;
-    menu = std::make_unique<WRootMenu>(static_cast<WRootMenu::Callback*>(this));
+    menu = std::make_unique<List>(this);
     for (const auto& [itemKey, item] : items)
         menu->add(item.get());
 }
@@ -153,14 +170,13 @@ void WChoice::drop(bool show) {
     menu->setStyle(&getStyle());
     menu->setMinWidth(std::max(0, getWidth() - menuInset));
     menu->setMaxHeight(rowsShown * items.begin()->second->getPreferredSize().y);
-    const auto selected = items.find(getSelected());
     const Point corner = getRootPosition();
     // Over the field, where there is no room below it.
     const int height = menu->getPreferredSize().y;
     const bool below = corner.y + getHeight() + height <= root->screenSize().y || corner.y < height;
     menu->show(root, {corner.x, below ? corner.y + getHeight() : corner.y - height});
-    if (isDropped() && selected != items.end())
-        menu->selectItem(selected->second.get());
+    if (isDropped())
+        menu->selectItem(selectedItem());
     repaint();
 }
 
@@ -181,25 +197,28 @@ bool WChoice::valueChanged(Widget* origin) {
 
 // Keyboard and mouse.
 
-bool WChoice::findByLetter(uint32_t keysym) {
+WMenuItem* WChoice::selectedItem() const {
+    const auto i = items.find(getSelected());
+    return i == items.end() ? nullptr : i->second.get();
+}
+
+WMenuItem* WChoice::findByLetter(uint32_t keysym, const WMenuItem* from) const {
     const uint32_t letter = foldCodepoint(rfb::unicodeFromKeysym(keysym));
-    if (letter <= key::Space || items.empty())
-        return false;
+    if (letter <= key::Space)
+        return nullptr;
     const auto begins = [letter](const WMenuItem& item) {
         const char* text = item.getText();
         uint32_t first = 0;
         return *text && plat::utf8::decode(&text, nullptr, &first) && foldCodepoint(first) == letter;
     };
     // Again the same letter goes on to the next item that begins with it.
-    auto i = items.find(getSelected());
+    auto i = std::find_if(items.begin(), items.end(), [from](const auto& entry) { return entry.second.get() == from; });
     for (size_t n = 0; n < items.size(); ++n) {
         i = i == items.end() || std::next(i) == items.end() ? items.begin() : std::next(i);
-        if (begins(*i->second)) {
-            choose(i->first);
-            return true;
-        }
+        if (begins(*i->second))
+            return i->second.get();
     }
-    return false;
+    return nullptr;
 }
 
 bool WChoice::keyEvent(uint32_t keysym, bool down, Widget* origin) {
@@ -241,7 +260,8 @@ bool WChoice::ownKey(uint32_t keysym) {
         choose(last->first);
         return true;
     default:
-        return findByLetter(keysym);
+        WMenuItem* found = findByLetter(keysym, selectedItem());
+        return found && itemHandler.activated(found);
     }
 }
 

@@ -64,10 +64,14 @@ private:
         WChoice* owner;
     };
 
+    class List;
+
     void menuHidden(WRootMenu*) override { repaint(); }
     void buildMenu();
     void choose(int key);
-    bool findByLetter(uint32_t keysym);
+    /// The next item after `from` whose text begins with that letter, around the end; null for none.
+    WMenuItem* findByLetter(uint32_t keysym, const WMenuItem* from) const;
+    WMenuItem* selectedItem() const; // null for none
     void showText(const char* text);
     int arrowWidth() const;
     rfb::Rect arrowRect() const;

@@ -14,11 +14,20 @@ WImage::WImage(WLayout* layout, const char* name, const rfb::Point& imageSize) :
 
 void WImage::setImage(const char* name, const rfb::Point& imageSize) {
     setImage(name && *name ? NamedImagePixelBuffer::getThemed(name, imageSize) : Image());
+    imageName = name;
+    namedSize = imageSize;
 }
 
 void WImage::setImage(const Image& newImage) {
+    imageName = plat::String();
     image = newImage;
     repaint();
+}
+
+void WImage::styleChanged() {
+    if (!imageName.isEmpty())
+        image = NamedImagePixelBuffer::getThemed(imageName.c_str(), namedSize);
+    Widget::styleChanged();
 }
 
 void WImage::setAlign(int newHAlign, int newVAlign) {

@@ -26,10 +26,13 @@ public:
     void setTiled(bool on);
 
     // Widget
+    void styleChanged() override; ///< what was set by name takes the form for the theme
     void paint(rfb::FullFramePixelBuffer& pb) override;
     rfb::Point getPreferredSize() override;
 
 private:
+    plat::String imageName; // null for an image that was given as such
+    rfb::Point namedSize;
     Image image;
     int hAlign = 1;
     int vAlign = 1;

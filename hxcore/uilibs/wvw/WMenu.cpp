@@ -268,7 +268,7 @@ bool WMenu::navigate(uint32_t keysym) {
         hide();
         return true;
     default:
-        return activateByLetter(keysym);
+        return activateByLetter(keysym) || topMenu()->unusedKey(keysym);
     }
 }
 

@@ -13,7 +13,7 @@ class WMenu;
 /// One line of a menu: a text, or a separator. The user's choice hides the menus, then runs activated(this).
 class WMenuItem : public WButton {
 public:
-    /// Null or "" makes a separator. Not yet in a menu.
+    /// Without a text and an image it is a separator. Not yet in a menu.
     explicit WMenuItem(const char* markedText);
     ~WMenuItem() override;
 
@@ -49,7 +49,7 @@ private:
     void paintMarks(rfb::FullFramePixelBuffer& pb, const rfb::Colour& ink);
 
     WLabelWithMnemonic label;
-    WImage::Image image;
+    plat::String imageName; // null for none; taken anew at each paint, for the theme
     WMenu* menu = nullptr;
     WMenu* submenu = nullptr;
     uint32_t key = 0;
@@ -94,7 +94,7 @@ public:
     bool mouseExit(Widget* origin) override;
 
 protected:
-    /// Left or Right that no menu used. Called on the menu at the top. Default: not used.
+    /// A key that no menu used, folded to lower case. Called on the menu at the top. Default: not used.
     virtual bool unusedKey(uint32_t /*keysym*/) { return false; }
     rfb::Point sizeOn(WRoot* root); ///< laid out for that screen
     void showAt(WRoot* onRoot, const rfb::Point& position, bool grab);

@@ -44,8 +44,8 @@ WMenuItem::~WMenuItem() {
 }
 
 void WMenuItem::setText(const char* markedText) {
-    separator = !markedText || !*markedText;
     label.setText(markedText);
+    separator = !*label.getText() && imageName.isEmpty();
     changed();
 }
 
@@ -60,8 +60,8 @@ void WMenuItem::setElevated(bool on) {
 }
 
 void WMenuItem::setImage(const char* name) {
-    const int px = hxutil::scaled(columnUnits);
-    image = name && *name ? hxutil::NamedImagePixelBuffer::getThemed(name, {px, px}) : WImage::Image();
+    imageName = name;
+    separator = !*label.getText() && imageName.isEmpty();
     changed();
 }
 
@@ -76,7 +76,7 @@ void WMenuItem::changed() {
         menu->itemsChanged();
 }
 
-bool WMenuItem::hasMarks() const { return isVisible() && (checked || elevated || image); }
+bool WMenuItem::hasMarks() const { return isVisible() && (checked || elevated || !imageName.isEmpty()); }
 
 bool WMenuItem::matches(uint32_t keysym) const {
     return keysym && (foldKeysym(key) == keysym || label.getMnemonic() == keysym);
@@ -140,11 +140,10 @@ void WMenuItem::paintMarks(rfb::FullFramePixelBuffer& pb, const rfb::Colour& ink
     const Rect column = Rect::xywh(2, (getHeight() - px) / 2, px, px);
     if (checked)
         drawCheck(pb, column.expandBy(-std::max(1, px / 8)), pixel(pb, ink));
-    WImage::Image mark = image;
-    if (elevated && !checked)
-        mark = hxutil::NamedImagePixelBuffer::getThemed("shield", {px, px});
-    if (!mark || checked)
+    const char* name = elevated ? "shield" : imageName.c_str();
+    if (checked || !*name)
         return;
+    const WImage::Image mark = hxutil::NamedImagePixelBuffer::getThemed(name, {px, px});
     const Point room = column.size() - mark->size();
     rfb::compose(pb, column.tl + Point(room.x / 2, room.y / 2), *mark, mark->getRect(),
                  isEnabled() ? rfb::overOp : rfb::ghostOp);

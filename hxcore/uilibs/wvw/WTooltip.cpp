@@ -18,9 +18,6 @@ using rfb::Point;
 using rfb::Rect;
 
 WTooltip::WTooltip(int maxWidthPx_) : WBgLayout(nullptr, "helpBg"), maxWidthPx(maxWidthPx_) {
-    WStyle look = defaultStyle();
-    look.text = themeColour("helpText", look.text);
-    setStyle(&look);
     text.setTransparent(true);
     addChildAt(&text, {inset, inset});
 }
@@ -47,7 +44,13 @@ void WTooltip::setText(const char* plainText) {
     setMarkup(markup.c_str());
 }
 
-void WTooltip::setMarkup(const char* markup) { text.setText(markup); }
+void WTooltip::setMarkup(const char* markup) {
+    // Each time: the theme may have changed since.
+    WStyle look = defaultStyle();
+    look.text = themeColour("helpText", look.text);
+    setStyle(&look);
+    text.setText(markup);
+}
 
 Point WTooltip::getPreferredSize() {
     Point inner = text.getPreferredSize();

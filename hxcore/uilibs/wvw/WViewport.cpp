@@ -118,13 +118,14 @@ bool WViewport::valueChanged(Widget* origin) {
 }
 
 bool WViewport::mouseDown(int button, Widget* origin) {
-    if (button != 3 && button != 4)
+    if (button < 3 || button > 6)
         return WLayout::mouseDown(button, origin);
-    WScrollbar& bar = vBar.isVisible() ? vBar : hBar;
+    const bool sideways = button > 4 || shiftDown() || !vBar.isVisible();
+    WScrollbar& bar = sideways ? hBar : vBar;
     const int before = bar.getValue();
     const int wheelPx = hxutil::scaled(wheelUnits);
     if (bar.isVisible())
-        bar.stepBy(button == 3 ? -wheelPx : wheelPx);
+        bar.stepBy(button % 2 ? -wheelPx : wheelPx);
     // At its end, the wheel is for what is around us.
     return bar.getValue() != before || WLayout::mouseDown(button, origin);
 }

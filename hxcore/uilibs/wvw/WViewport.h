@@ -35,7 +35,7 @@ public:
     void removeChild(Widget* gone) override;
     bool sizeChanged(Widget* origin) override;
     bool valueChanged(Widget* origin) override;
-    bool mouseDown(int button, Widget* origin) override; ///< the wheel scrolls
+    bool mouseDown(int button, Widget* origin) override; ///< the wheel scrolls, with Shift sideways
 
 private:
     void layoutScrollbars();

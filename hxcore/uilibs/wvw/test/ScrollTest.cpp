@@ -249,6 +249,20 @@ TEST_F(ScrollViewTest, TheContentFillsTheViewAndScrollsWhereItIsLarger) {
     EXPECT_EQ(content.getParentLayout(), nullptr);
 }
 
+TEST_F(ScrollViewTest, TheWheelGoesSidewaysWithShiftOrByItsOwnButtons) {
+    content.setChildRect(&top, {0, 0, 300, 20});
+    view.relayout();
+    window.move(10, 10);
+    window.press(6);
+    EXPECT_EQ(view.getScroll(), Point(48, 0));
+    window.release(6);
+    window.press(5);
+    window.release(5);
+    window.hold(rfb::key::ShiftL);
+    window.press(4);
+    EXPECT_EQ(view.getScroll(), Point(48, 0));
+}
+
 TEST_F(ScrollViewTest, TheFocusComesIntoViewAndKeysScrollWithoutOne) {
     namespace key = rfb::key;
     view.takeFocus(); // nothing inside takes it
