@@ -237,13 +237,13 @@ void TXWindow::resize(int width, int height) {
     if (width == width_ && height == height_)
         return;
     const EventScope under(this);
-    const bool fixed = fixedSize;
-    if (fixed)
+    // A manager holds a window that it has to the hints; nobody cares for those of one that isn't up.
+    if (fixedSize && mapped)
         fixHints(false);
     resizeRequest = NextRequest(dpy);
     XResizeWindow(dpy, win_, static_cast<unsigned>(width), static_cast<unsigned>(height));
     changeSize(width, height);
-    if (fixed && under.alive())
+    if (under.alive() && fixedSize)
         fixHints(true);
 }
 

@@ -1,4 +1,5 @@
 #include "mui/MuAutoHider.h"
+#include "mui/MuiInspector.h"
 #include "mui/test/FakeElements.h"
 #include "plat/Timer.h"
 #include "plat/monoTime.h"
@@ -285,6 +286,36 @@ TEST(AutoHider, HidesAfterTheDelayWithoutThePointer) {
         EXPECT_TRUE(dialog.isShown());
         pass(2);
         EXPECT_FALSE(dialog.isShown());
+    }
+    plat::setTimeSource(nullptr);
+}
+
+TEST(MuiInspectorTest, ShowsAnElementForAMoment) {
+    plat::setTimeSource(clockNow);
+    {
+        plat::TimerManager timers;
+        FakeToolkit toolkit;
+        FakeDialog dialog("dlg");
+        MuButton* button = MuButton::create(MuLayout::create(&dialog, "row", Orientation::Horizontal), "go", "Go");
+        MuiInspector inspector;
+        const auto text = [&](const char* name) {
+            auto* element = inspector.getDialog()->findElement(plat::strFormat("main.%s", name).c_str());
+            return std::string(dynamic_cast<MuText&>(*element).getText());
+        };
+        EXPECT_STREQ(inspector.getDialog()->getName(), "MuiInspector");
+        EXPECT_TRUE(inspector.getDialog()->isShown());
+        EXPECT_EQ(text("muitype"), "&lt;type goes here&gt;");
+        inspector.show(button);
+        EXPECT_EQ(text("muiid"), "dlg.row.go");
+        EXPECT_EQ(text("muitype"), "button");
+        EXPECT_EQ(MuiInspector::getElementId(&dialog), plat::String("dlg"));
+        for (int round = 0; round < 2; ++round) { // the timer goes on
+            inspector.show(button);
+            now += 200 * plat::ticksPerMs;
+            timers.processTimers();
+            EXPECT_EQ(text("muiid") + text("muitype") + text("muistate"), "");
+        }
+        EXPECT_DEATH(MuiInspector(), "!inspector");
     }
     plat::setTimeSource(nullptr);
 }

@@ -58,6 +58,16 @@ int MuListWvw::rowAt(const rfb::Point& position) {
     return widget.hitTest(position, row, column) ? row : -1;
 }
 
+void MuListWvw::setSize(const rfb::Point& size) {
+    const bool hadRoom = widget.visibleRows() > 0;
+    MuList::setSize(size);
+    if (hadRoom || selected < 0)
+        return;
+    // What was selected while nothing could be seen has scrolled further than it needs.
+    widget.ensureRowVisible(0);
+    widget.ensureRowVisible(selected);
+}
+
 int MuListWvw::getMinWidth(int height) { return MuList::getMinWidth(height) + wvw::WScrollbar::thickness; }
 
 int MuListWvw::getMinHeight(int) {

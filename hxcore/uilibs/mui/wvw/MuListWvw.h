@@ -23,6 +23,7 @@ public:
     int rowAt(const rfb::Point& position) override;
 
     // MuElement
+    void setSize(const rfb::Point& size) override;
     int getMinWidth(int height) override;
     int getMinHeight(int width) override;
     void mouseEvent(const hxutil::MouseEvent& event) override;

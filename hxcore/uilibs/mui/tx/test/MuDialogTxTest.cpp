@@ -53,6 +53,35 @@ TEST_F(DialogTxTest, AFixedSizeIsAHint) {
     EXPECT_EQ(hints.min_width, 200);
 }
 
+// A window manager reads the property anew each time.
+TEST_F(DialogTxTest, SizeHintsAreWrittenOnceForEachChange) {
+    Display* manager = XOpenDisplay(nullptr);
+    const Atom normalHints = XInternAtom(manager, "WM_NORMAL_HINTS", False);
+    std::unique_ptr<MuDialog> dialog(
+        MuDialog::create("d", "Title", {300, 0}, MuDialog::FixedSize | MuDialog::AutoHeight));
+    XSync(tx::dpy, False);
+    XSelectInput(manager, windowOf(*dialog)->win(), PropertyChangeMask);
+    XSync(manager, False);
+    const auto written = [&] {
+        XSync(tx::dpy, False);
+        XSync(manager, False);
+        int count = 0;
+        for (XEvent event; XPending(manager) > 0;) {
+            XNextEvent(manager, &event);
+            count += event.type == PropertyNotify && event.xproperty.atom == normalHints;
+        }
+        return count;
+    };
+    MuLayout* column = MuLayout::create(dialog.get(), "", Orientation::Vertical);
+    for (int i = 0; i < 10; ++i)
+        MuStatic::create(column, "text", "A text that is long enough to need a second line in this dialog");
+    ASSERT_TRUE(showAndWait(*dialog));
+    EXPECT_LE(written(), 3); // size, place
+    dialog->nativeLayout();
+    EXPECT_EQ(written(), 0);
+    XCloseDisplay(manager);
+}
+
 TEST_F(DialogTxTest, HeightFollowsTheTextAndPlaceTheParent) {
     std::unique_ptr<MuDialog> parent(MuDialog::create("p", "Parent", {600, 400}));
     parent->setPosition({100, 100});
