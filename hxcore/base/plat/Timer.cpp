@@ -140,9 +140,16 @@ void TimerManager::cancelTimer(Timer* timer) {
 }
 
 void TimerManager::insert(Timer* timer) {
+    // Behind the last one that is not later, sought from the nearer end.
     Timer* before = tail;
-    while (before && before->expiry > timer->expiry)
-        before = before->prev;
+    if (head && timer->expiry - head->expiry < tail->expiry - timer->expiry) {
+        before = nullptr;
+        for (Timer* after = head; after->expiry <= timer->expiry; after = after->next)
+            before = after; // the tail is later
+    } else {
+        while (before && before->expiry > timer->expiry)
+            before = before->prev;
+    }
     timer->manager = this;
     timer->prev = before;
     timer->next = before ? before->next : head;

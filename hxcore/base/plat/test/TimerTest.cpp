@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -58,6 +59,21 @@ TEST_F(TimerTest, FiresInOrderOfTimeAndThenOfStart) {
     EXPECT_EQ(recorder.fired, Timers({&b, &a, &c}));
     EXPECT_EQ(manager.timeUntilNext(), -1);
     EXPECT_EQ(manager.processTimers(), -1);
+}
+
+TEST_F(TimerTest, KeepsThatOrderAmongMany) {
+    std::vector<std::unique_ptr<Timer>> timers;
+    Timers inOrder;
+    for (uint32_t i = 0; i < 300; ++i) {
+        timers.push_back(std::make_unique<Timer>(&recorder));
+        timers.back()->start(i * 7919 % 97);
+        inOrder.push_back(timers.back().get());
+    }
+    std::stable_sort(inOrder.begin(), inOrder.end(),
+                     [](const Timer* x, const Timer* y) { return x->getIntervalMs() < y->getIntervalMs(); });
+    clock.advanceMs(100);
+    manager.processTimers();
+    EXPECT_EQ(recorder.fired, inOrder);
 }
 
 TEST_F(TimerTest, TimeUntilNextRoundsUp) {

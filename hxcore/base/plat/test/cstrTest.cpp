@@ -65,6 +65,8 @@ TEST(Cstr, CutsAndRemoves) {
 TEST(Cstr, HashIsFnv1a) {
     EXPECT_EQ(hash("a"), 0xaf63dc4c8601ec8cu);
     EXPECT_EQ(hash("foobar"), 0x85944171f73967e8u);
+    EXPECT_EQ(hashNoCase("FooBAR"), hash("foobar"));
+    EXPECT_NE(hashNoCase("[{"), hashNoCase("{["));
 }
 
 std::vector<std::string> tokens(std::string text, char sep, bool skipRepeats) {
