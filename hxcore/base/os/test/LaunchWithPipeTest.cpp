@@ -1,7 +1,6 @@
 #include "os/LaunchWithPipe.h"
 #include "io/FdSelectManager.h"
 #include "io/Io.h"
-#include "io/test/FakeClock.h"
 #include "os/AppInfo.h"
 #include "os/LaunchWithNamedPipe.h"
 #include "os/UnixIo.h"
@@ -14,6 +13,7 @@
 #include "plat/Configuration.h"
 #include "plat/monoTime.h"
 #include "plat/test/CapturedLog.h"
+#include "plat/test/FakeClock.h"
 #include "plat/test/TempDir.h"
 #include "rdr/InStream.h"
 #include "rdr/OutStream.h"
@@ -382,7 +382,7 @@ TEST_F(LaunchPipeTest, AProcessThatEndsWithoutConnectingCancels) {
 // A launcher that ends well may have left the child that is about to connect; one that fails has not.
 TEST_F(LaunchPipeTest, WithForkTheChildHasFiveSecondsAfterItsLauncherEnded) {
     plat::CapturedLog log;
-    io::FakeClock clock;
+    plat::FakeClock clock;
     LaunchConfig cfg = shell("exit 0");
     cfg.detach = true;
     start(cfg);
@@ -394,10 +394,10 @@ TEST_F(LaunchPipeTest, WithForkTheChildHasFiveSecondsAfterItsLauncherEnded) {
     for (int i = 0; i < 500 && !toldOfEnd(); ++i)
         turn(20);
     ASSERT_TRUE(toldOfEnd());
-    clock.advance(4990);
+    clock.advanceMs(4990);
     rounds();
     EXPECT_EQ(outcome.count, 0);
-    clock.advance(20);
+    clock.advanceMs(20);
     rounds();
     EXPECT_EQ(outcome.count, 1);
     EXPECT_EQ(outcome.failure.rfind("cancelled", 0), 0U);
