@@ -16,6 +16,8 @@ struct Screen {
     int ppmm;
     int textFactor;
     bool dark;
+
+    friend void PrintTo(const Screen& screen, std::ostream* out) { *out << screen.name; } // for GoogleTest
 };
 
 /// Sets scale, text size and theme for one test, and back.
