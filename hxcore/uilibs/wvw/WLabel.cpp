@@ -165,6 +165,13 @@ void WLabel::paintLine(rfb::FullFramePixelBuffer& pb, size_t index) {
     const char* start = text.c_str() + line.start;
     const char* end = start + line.lenBytes;
     const uint32_t ink = pixel(pb, isEnabled() ? look.text : look.disabled);
+    const int room = getWidth() - 2 * margin;
+    if (!wrap && !selectable && line.width > room) {
+        int width = room;
+        const plat::String shown = hxutil::elide(*look.font, &width, start, end);
+        look.font->drawString(pb, shown.c_str(), {margin, origin.y}, ink);
+        return;
+    }
     look.font->drawString(pb, start, origin, ink, end);
     if (underline) {
         const int y = origin.y + look.font->height - 2;

@@ -32,7 +32,8 @@ int WPanel::getPreferredHeight(int width) {
 
 bool WPanel::sizeChanged(Widget* origin) {
     if (origin == this) {
-        const Point top = title.getPreferredSize();
+        Point top = title.getPreferredSize();
+        top.x = std::clamp(getWidth() - 2 * titleLeft, 0, top.x); // the corners stay
         const int width = std::max(0, getWidth() - 2 * margin);
         setChildRect(&title, Rect::at({titleLeft, 0}, top));
         setChildRect(&content, Rect::xywh(margin, top.y + margin, width, content.getPreferredHeight(width)));

@@ -104,9 +104,9 @@ wvw::WImage::Image MuListWvw::getCellImage(wvw::WTable*, int row, int column) {
 bool MuListWvw::isRowSelectable(wvw::WTable*, int row) { return MuList::isRowSelectable(row); }
 
 void MuListWvw::getCellStyle(wvw::WTable*, int row, int column, wvw::WStyle& style) {
-    style.text = wvw::themeColour(getCellColour(row, column), style.text);
-    if (!MuList::isRowSelectable(row))
-        style.text = style.disabled;
+    // A colour of its own says more than that the row can't be selected.
+    style.text =
+        wvw::themeColour(getCellColour(row, column), MuList::isRowSelectable(row) ? style.text : style.disabled);
 }
 
 void MuListWvw::rowActivated(wvw::WTable*, int, int) { notify(EventRowActivated); }
