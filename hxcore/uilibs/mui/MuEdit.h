@@ -48,6 +48,9 @@ public:
     virtual void setMaxLength(int bytes) = 0; ///< cuts the text at a whole character
     virtual void setPlaceholder(const char* text) = 0;
     virtual void selectAll() = 0;
+    virtual void setSelection(int start,
+                              int end) = 0; ///< bytes; typing goes on at `end`, or replaces what lies between
+    virtual void getSelection(int* start, int* end) = 0; ///< bytes, `start` first; equal where nothing is selected
     virtual void setFieldWidth(int px) = 0; ///< the least width of the field, whatever its text; 0 follows the text
     void setFilter(Filter* newFilter) { filter = newFilter; } ///< borrowed, may be null
 

@@ -3,6 +3,7 @@
 #include "mui/muFactories.h"
 #include "mui/tx/MuAutoHiderTx.h"
 #include "mui/tx/MuDialogTx.h"
+#include "mui/tx/MuFileDialogTx.h"
 #include "mui/tx/MuPopupMenuTx.h"
 #include "mui/tx/MuSuperboxTx.h"
 #include "mui/tx/modalInspection.h"
@@ -12,6 +13,10 @@ namespace mui {
 namespace {
 MuDialog* makeDialog(const char* name, const char* title, const rfb::Point& size, unsigned flags, MuDialog* parent) {
     return new MuDialogTx(name, title, size, flags, parent);
+}
+
+MuFileDialog* makeFileDialog(MuDialog* parent, MuFileDialog::Callback* callback) {
+    return new MuFileDialogTx(parent, callback);
 }
 
 MuPopupMenu* makePopupMenu(const char* name) { return new MuPopupMenuTx(name); }
@@ -26,6 +31,7 @@ MuAutoHider* makeAutoHider(MuDialog* dialog) { return new MuAutoHiderTx(dialog);
 void fillFactories() {
     MuiWvw::fillWidgetFactories();
     muDialogFactory = makeDialog;
+    muFileDialogFactory = makeFileDialog;
     muPopupMenuFactory = makePopupMenu;
     muSuperboxFactory = makeSuperbox;
     muAutoHiderFactory = makeAutoHider;

@@ -1,5 +1,7 @@
 #include "mui/wvw/MuEditWvw.h"
 
+#include <algorithm>
+
 namespace mui {
 
 MuEditWvw::MuEditWvw(const char* name, const char* label_, Type type_)
@@ -30,6 +32,13 @@ void MuEditWvw::setLabel(const char* newLabel) {
     MuEdit::setLabel(newLabel);
     widget.setGap(labelGap(label.get()));
     widget.setText(newLabel);
+}
+
+void MuEditWvw::getSelection(int* start, int* end) {
+    const int cursor = widget.getEdit().getCursor();
+    const int selection = widget.getEdit().getSelection();
+    *start = std::min(cursor, cursor + selection);
+    *end = std::max(cursor, cursor + selection);
 }
 
 void MuEditWvw::setMaxLength(int bytes) {

@@ -21,6 +21,8 @@ public:
     void setMaxLength(int bytes) override;
     void setPlaceholder(const char* text) override { widget.getEdit().setPlaceholder(text); }
     void selectAll() override { widget.getEdit().selectAll(); }
+    void setSelection(int start, int end) override { widget.getEdit().setSelection(start, end); }
+    void getSelection(int* start, int* end) override;
     void setFieldWidth(int px) override { fieldWidth = px; }
 
     // MuElement
