@@ -1,0 +1,138 @@
+// Texts, scripts, lists.
+#include "hxutil/metrics.h"
+#include "mui/MuButton.h"
+#include "mui/MuEdit.h"
+#include "mui/MuLayout.h"
+#include "mui/MuLine.h"
+#include "mui/MuList.h"
+#include "mui/MuStatic.h"
+#include "mui/MuText.h"
+#include "zefgallery/pages.h"
+
+#include <string>
+
+namespace gallery {
+namespace {
+
+constexpr const char* paragraph =
+    "A paragraph with <b>bold</b>, <a href=\"https://www.velthar.example\">a link</a> and "
+    "<font color=\"#c84800\">colour</font>, long enough that it has to be wrapped at whatever width the window leaves "
+    "it, so that the break of lines can be looked at, and a second <a href=\"app://two\">link that may well be broken "
+    "over two lines</a>.";
+
+class TextsPage : public Page {
+public:
+    explicit TextsPage(mui::MuLayout* page) {
+        page->setDefaultFlags(mui::MuLayout::Natural | mui::MuLayout::Fill);
+        heading(page, "Markup: wrapped, centred, at the right");
+        mui::MuText::create(page, "left", paragraph);
+        mui::MuText::create(page, "centre", paragraph, mui::MuText::Align::Centre);
+        mui::MuText::create(page, "right", paragraph, mui::MuText::Align::Right);
+        mui::MuLine::create(page, "etched");
+        heading(page, "Sizes, and text that can be selected");
+        for (const int size : {80, 120, 160, 240})
+            mui::MuText::create(page, "size", ("Size " + std::to_string(size) + ", <b>bold</b>").c_str())
+                ->setFontSize(size);
+        mui::MuText::create(page, "selectable", "Press and drag over this text, then copy it.")->setSelectable(true);
+        mui::MuLine::create(page, "colour", mui::MuLine::Type::Colour);
+        heading(page, "Plain text shows its <b>markup</b>; too long and unwrapped, disabled");
+        mui::MuStatic::create(page, "static", "<b>not bold</b> & \"quoted\"");
+        auto* cut =
+            mui::MuStatic::create(page, "cut",
+                                  "A line that is not wrapped however narrow the window becomes, and that "
+                                  "therefore is cut with dots at its end, as every such line should be, always");
+        cut->setWrap(false);
+        mui::MuText::create(page, "disabled", paragraph)->setEnabled(false);
+        mui::MuText::create(page, "endless", std::string(300, 'w').c_str());
+    }
+};
+
+class ScriptsPage : public Page {
+public:
+    explicit ScriptsPage(mui::MuLayout* page) {
+        heading(page, "Every character of these has a glyph");
+        for (const char* text :
+             {"English: The quick brown fox jumps over the lazy dog. 0123456789",
+              "Deutsch: Zwölf Boxkämpfer jagen Viktor quer über den großen Sylter Deich",
+              "Español: El pingüino Wenceslao hizo kilómetros bajo exhaustiva lluvia y frío, ¿no? ¡Sí!",
+              "Français : Voix ambiguë d’un cœur qui, au zéphyr, préfère les jattes de kiwis « à l’aise »",
+              "Português: À noite, vovô Kowalsky vê o ímã cair no pé do pinguim queixoso", "Polski: Zażółć gęślą jaźń",
+              "Türkçe: Pijamalı hasta yağız şoföre çabucak güvendi", "Ελληνικά: Ξεσκεπάζω την ψυχοφθόρα βδελυγμία",
+              "Русский: Съешь ещё этих мягких французских булок, да выпей чаю", "עברית: דג סקרן שט בים מאוכזב",
+              "العربية: نص حكيم له سر قاطع", "ไทย: เป็นมนุษย์สุดประเสริฐ", "日本語: いろはにほへと ちりぬるを",
+              "中文: 视野无限广，窗外有蓝天", "한국어: 키스의 고유조건은 입술끼리",
+              "Signs: ← ↑ → ↓ ✓ ✗ € £ ¥ © ® ™ … – — • ◦ ■ □ ½ ∞ ≠ ≤"})
+            mui::MuText::create(page, "script", text);
+    }
+};
+
+class ListsPage : public Page, private mui::MuObserver {
+public:
+    explicit ListsPage(mui::MuLayout* page) {
+        page->setDefaultFlags(mui::MuLayout::Natural | mui::MuLayout::Fill);
+        heading(page, "Headings, images, colours, rows that can't be selected");
+        auto* rich = mui::MuList::create(page, "rich", mui::MuList::Heading);
+        rich->addColumn(mui::MuList::ColumnType::Image, "");
+        rich->addColumn(mui::MuList::ColumnType::Text, "Name");
+        rich->addColumn(mui::MuList::ColumnType::Text, "Size", hxutil::scaled(150), mui::MuList::Align::End);
+        rich->addColumn(mui::MuList::ColumnType::Text, "State", hxutil::scaled(250), mui::MuList::Align::Centre);
+        const char* cells[][4] = {
+            {"user", "Alice", "12 KB", "Connected"},
+            {"group", "Everybody whose name is longer than any column could ever be", "1.5 MB", "Gone"},
+            {"deny", "Can't be selected", "0 B", "Refused"},
+            {"guest", "", "", ""}};
+        for (const auto& line : cells)
+            rich->addRow({plat::String(line[0]), plat::String(line[1]), plat::String(line[2]), plat::String(line[3])});
+        rich->setRowSelectable(2, false);
+        rich->setCellColour(2, 1, "#c86464");
+        rich->setSelected(0);
+        rich->setVisibleRows(5);
+        heading(page, "Five hundred rows, filtered as you type");
+        filter = mui::MuEdit::create(page, "filter", "&Filter:");
+        list = mui::MuList::create(page, "many", mui::MuList::Heading);
+        list->addColumn(mui::MuList::ColumnType::Text, "Computer");
+        list->addColumn(mui::MuList::ColumnType::Text, "Number", hxutil::scaled(150), mui::MuList::Align::End);
+        list->setVisibleRows(6);
+        list->setEmptyText("No computer has that name.");
+        fill();
+        heading(page, "Empty, and disabled");
+        mui::MuLayout* pair = row(page);
+        auto* empty = mui::MuList::create(pair, "empty");
+        empty->addColumn(mui::MuList::ColumnType::Text, nullptr);
+        empty->setEmptyText("There is nothing here.");
+        auto* disabled = mui::MuList::create(pair, "disabled");
+        disabled->addColumn(mui::MuList::ColumnType::Text, nullptr);
+        disabled->addRow({plat::String("A row")});
+        disabled->setSelected(0);
+        disabled->setEnabled(false);
+        for (mui::MuList* each : {empty, disabled}) {
+            each->setVisibleRows(3);
+            pair->setChildLayout(each, mui::MuLayout::Stretch);
+        }
+        filter->addObserver(this, true);
+    }
+    ~ListsPage() override { filter->addObserver(this, false); }
+
+private:
+    void muChanged(mui::MuElement*) override { fill(); }
+    void fill() {
+        list->removeAllRows();
+        for (int i = 0; i < 500; ++i) {
+            const std::string number = std::to_string(i);
+            const std::string name = "computer-" + number + ".example";
+            if (name.find(filter->getText()) != std::string::npos)
+                list->addRow({plat::String(name.c_str()), plat::String(number.c_str())});
+        }
+    }
+
+    mui::MuEdit* filter;
+    mui::MuList* list;
+};
+
+} // namespace
+
+std::unique_ptr<Page> makeTexts(mui::MuDialog*, mui::MuLayout* page) { return std::make_unique<TextsPage>(page); }
+std::unique_ptr<Page> makeScripts(mui::MuDialog*, mui::MuLayout* page) { return std::make_unique<ScriptsPage>(page); }
+std::unique_ptr<Page> makeLists(mui::MuDialog*, mui::MuLayout* page) { return std::make_unique<ListsPage>(page); }
+
+} // namespace gallery
