@@ -139,6 +139,29 @@ TEST_F(LinkFaultTest, AReadErrorEndsTheLink) {
     EXPECT_FALSE(link.isAttached());
 }
 
+TEST_F(LinkFaultTest, AConnectionThatEndsByItselfEndsTheLink) {
+    link.getIo()->shutdown(/*flush=*/true, /*tellHandler=*/true);
+    rounds();
+    EXPECT_EQ(closed, 1);
+    EXPECT_FALSE(link.isAttached());
+    EXPECT_EQ(error, "");
+}
+
+// The failure that counts is the first; that the rest of its message never came is only logged.
+TEST(MsgIpcFault, AMessageThatCannotBeSkippedTellsWhyItWasRefused) {
+    plat::CapturedLog log;
+    FakeLink link(/*blocking=*/true);
+    link.preload(bytes("00 03 01 'bx'"));
+    try {
+        link.ipc.readMessage("a");
+        FAIL();
+    } catch (const plat::Exception& failure) {
+        EXPECT_STREQ(failure.what(), "MsgIpc: expected message a, got b");
+    }
+    EXPECT_TRUE(log.has("0 MsgIpc: test: skip error: [EndOfStream] End of IO stream"));
+    EXPECT_THROW(link.ipc.readMessage("a"), rdr::EndOfStream) << "in step for what would come next";
+}
+
 // What had arrived before is still handled: only then the link ends, though the failure of the write came first.
 TEST_F(LinkFaultTest, AWriteErrorEndsTheLinkBehindWhatThePeerSaid) {
     plat::CapturedLog log;
