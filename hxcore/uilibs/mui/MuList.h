@@ -26,7 +26,7 @@ public:
 
     static MuList* create(MuContainer* parent, const char* name, unsigned listFlags = 0);
 
-    /// Gives the number of the column. `widthPx` may be `automatic`. `imageSize` in pixels, (0,0) for 16 by 16. Columns
+    /// Gives the number of the column. `widthPx` may be `automatic`. `imageSize` in pixels, (0,0) for 32 units. Columns
     /// come before rows.
     virtual int addColumn(ColumnType type, const char* heading, int widthPx = automatic, Align align = Align::Start,
                           const rfb::Point& imageSize = {0, 0});

@@ -64,7 +64,8 @@ void MuChoiceWvw::showText() {
 /// Observers hear of the click before the list drops, so that they can still fill it.
 void MuChoiceWvw::mouseEvent(const hxutil::MouseEvent& event) {
     const wvw::WidgetWatch self(&widget);
-    if (event.type == hxutil::MouseEvent::Press && !isInert())
+    const rfb::Rect field = widget.getChildRect(&widget.getChoice());
+    if (event.type == hxutil::MouseEvent::Press && !isInert() && field.contains({event.x, event.y}))
         notify(EventActivated);
     if (self.alive())
         MuChoice::mouseEvent(event);

@@ -1,6 +1,7 @@
 #include "mui/wvw/MuListWvw.h"
 
 #include "hxutil/NamedImagePixelBuffer.h"
+#include "hxutil/metrics.h"
 #include "plat/Assert.h"
 #include "wvw/WidgetWatch.h"
 
@@ -10,6 +11,7 @@ namespace mui {
 namespace {
 constexpr int fewestRows = 3;
 constexpr int mostRows = 8;
+constexpr int imageUnits = 32;
 } // namespace
 
 MuListWvw::MuListWvw(const char* name, unsigned listFlags_)
@@ -26,8 +28,10 @@ MuListWvw::~MuListWvw() {
 }
 
 int MuListWvw::addColumn(ColumnType type, const char* heading, int widthPx, Align align, const rfb::Point& imageSize) {
-    const int index = MuList::addColumn(type, heading, widthPx, align, imageSize);
-    widget.addColumn(index, static_cast<int>(type), heading, widthPx, imageSize, static_cast<int>(align));
+    const int side = hxutil::scaled(imageUnits);
+    const rfb::Point shown = imageSize.x > 0 ? imageSize : rfb::Point(side, side);
+    const int index = MuList::addColumn(type, heading, widthPx, align, shown);
+    widget.addColumn(index, static_cast<int>(type), heading, widthPx, shown, static_cast<int>(align));
     return index;
 }
 
@@ -97,8 +101,7 @@ wvw::WImage::Image MuListWvw::getCellImage(wvw::WTable*, int row, int column) {
     const char* imageName = getCell(row, column);
     if (!*imageName)
         return nullptr;
-    const rfb::Point size = cols[static_cast<size_t>(column)].imageSize;
-    return hxutil::NamedImagePixelBuffer::getThemed(imageName, size.x > 0 ? size : rfb::Point(16, 16));
+    return hxutil::NamedImagePixelBuffer::getThemed(imageName, cols[static_cast<size_t>(column)].imageSize);
 }
 
 bool MuListWvw::isRowSelectable(wvw::WTable*, int row) { return MuList::isRowSelectable(row); }
