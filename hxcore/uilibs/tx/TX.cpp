@@ -3,7 +3,9 @@
 #include "plat/ConfigParameter.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
+#include "plat/monoTime.h"
 #include "tx/ErrorCatcher.h"
+#include "tx/InputMethod.h"
 #include "tx/TXImage.h"
 #include "tx/TXState.h"
 #include "tx/TXWRoot.h"
@@ -35,6 +37,8 @@ plat::IntParameter decorationWidth("WMDecorationWidth", "Width of window manager
 plat::IntParameter decorationHeight("WMDecorationHeight", "Height of window manager decoration around a window", 24,
                                     /*isAdvanced=*/false, /*owner=*/nullptr, 0);
 plat::BoolParameter noGrab("_NoGrab", "", false);
+
+constexpr int eventBudgetMs = 20; // then timers and other descriptors have their turn
 
 /// Remembers when the cut buffer last changed.
 class CutBufferEventHandler : public TXEventHandler {
@@ -127,6 +131,7 @@ void TXClose() {
     if (!dpy)
         return;
     addRootEventHandler(&cutBufferHandler(), /*add=*/false);
+    InputMethod::instance().close();
     TXState& shared = state();
     if (shared.defaultFont)
         XFreeFont(dpy, shared.defaultFont);
@@ -148,15 +153,19 @@ void TXClose() {
     hasFocus = false;
 }
 
-void processEvents() {
-    while (XPending(dpy)) {
+bool processEvents() {
+    const int64_t deadline = plat::monoTicks() + eventBudgetMs * plat::ticksPerMs;
+    bool timeLeft = true;
+    while (timeLeft && XPending(dpy)) {
         XEvent event;
         XNextEvent(dpy, &event);
         handleXEvent(&event);
+        timeLeft = plat::monoTicks() < deadline;
     }
     TXWRoot::instance().reap();
     if (state().shmFailed)
         recoverFromShmFailure();
+    return !timeLeft && XQLength(dpy) > 0;
 }
 
 void addGlobalEventHandler(TXEventHandler* handler, bool add) {

@@ -26,8 +26,9 @@ void TXInit(const char* displayName = nullptr);
 /// Closes the display again. For a process that needs it only in passing, with no window alive; tests use it too.
 void TXClose();
 
-/// Handles all events that have arrived, without waiting.
-void processEvents();
+/// Handles what has arrived, without waiting, for 20 ms at most: another client may send without end. True if events
+/// are left, which the descriptor need not tell of: call again before waiting for long.
+bool processEvents();
 
 /// A handler that sees every event before its window does. Its result is ignored.
 void addGlobalEventHandler(TXEventHandler* handler, bool add);

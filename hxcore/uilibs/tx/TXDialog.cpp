@@ -77,14 +77,16 @@ void serveSources(const fd_set& ready) {
 /// Serves X, the sources and the timers of `timers` until `*done`.
 void runModalLoop(plat::TimerManager& timers, const bool* done) {
     for (;;) {
-        processEvents();
+        const bool more = processEvents();
         if (*done)
             return;
-        const int timeoutMs = timers.processTimers();
+        int timeoutMs = timers.processTimers();
         if (*done)
             return;
         if (timeoutMs == 0)
             continue; // timers have run, and may have drawn
+        if (more)
+            timeoutMs = 0; // no wait, but a look at the sources
         fd_set ready;
         waitReadable(&ready, timeoutMs);
         serveSources(ready);

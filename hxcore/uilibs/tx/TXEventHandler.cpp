@@ -23,7 +23,7 @@ struct EventHandlerList::Walk {
     EventHandlerList* list; // null once it has died
 };
 
-void TXEventHandler::processEvents() { tx::processEvents(); }
+bool TXEventHandler::processEvents() { return tx::processEvents(); }
 
 EventHandlerList::~EventHandlerList() {
     for (Walk* walk = walks; walk; walk = walk->outer) {

@@ -15,8 +15,8 @@ public:
     /// True stops further handlers of the same window; other lists ignore the result.
     virtual bool handleEvent(XEvent* event) = 0;
 
-    /// Handles all events that the server has sent, without waiting. Called by the loop and by nested modal loops.
-    static void processEvents();
+    /// tx::processEvents: called by the loop and by nested modal loops.
+    static bool processEvents();
 };
 
 /// A list of handlers that may change while it is being walked.

@@ -5,6 +5,9 @@
 #include "loc/Localize.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
+#include "plat/utf8.h"
+#include "rfb/keySymbols.h"
+#include "tx/ComposeSequences.h"
 #include "tx/ConsentGuard.h"
 #include "tx/TX.h"
 #include "tx/TXImage.h"
@@ -30,6 +33,7 @@ plat::LogSrc log("TXWParent");
 
 constexpr unsigned repaintDelayMs = 10;
 constexpr unsigned tooltipDelayMs = 500;
+constexpr int maxMerged = 1000; // events into one; another client may send without end
 constexpr int tooltipWidthUnits = 320;
 constexpr unsigned hintMs = 6000;
 constexpr int hintWidthUnits = 800;
@@ -141,6 +145,8 @@ void TXWParent::attachRoot() {
 }
 
 void TXWParent::detachRoot() {
+    InputMethod::instance().forget(this);
+    takesText = false;
     cancelTooltip();
     hintTimer.cancel();
     if (hint)
@@ -240,9 +246,12 @@ void TXWParent::paintRect(const rfb::Rect& rect) {
 void TXWParent::handleExpose(XEvent* event) {
     rfb::Rect box;
     XEvent next = *event;
+    int merged = 0;
     do {
         const XExposeEvent& e = next.xexpose; // GraphicsExpose begins alike
         box = box.unionBoundary(rfb::Rect::xywh(e.x, e.y, e.width, e.height));
+        if (++merged == maxMerged)
+            break;
     } while (XCheckTypedWindowEvent(dpy, win(), Expose, &next) ||
              XCheckTypedWindowEvent(dpy, win(), GraphicsExpose, &next));
     if (!image || !root || !attachedRoot)
@@ -266,17 +275,17 @@ bool TXWParent::handleEvent(XEvent* event) {
     }
     noteOrigin(*event);
     if (event->type == MotionNotify) {
-        while (XCheckTypedWindowEvent(dpy, win(), MotionNotify, event))
+        for (int i = 0; i < maxMerged && XCheckTypedWindowEvent(dpy, win(), MotionNotify, event); i++)
             ;
     }
     if (dragAndDrop && dragAndDrop->handleEvent(event))
         return false;
     switch (event->type) {
     case KeyPress:
-        handleKeyPress(&event->xkey);
-        break;
     case KeyRelease:
-        keyEvent(event->xkey.keycode, 0, /*down=*/false);
+        // What grants access takes its keys from the keyboard alone.
+        if (!takesText || inputBlocked || guard || !InputMethod::instance().takeKey(this, event->xkey))
+            handleKey(&event->xkey);
         break;
     case ButtonPress:
     case ButtonRelease:
@@ -314,6 +323,46 @@ void TXWParent::noteOrigin(const XEvent& event) {
     originKnown = true;
 }
 
+void TXWParent::handleKey(XKeyEvent* event) {
+    if (event->type == KeyPress)
+        handleKeyPress(event);
+    else
+        keyEvent(event->keycode, 0, /*down=*/false);
+}
+
+void TXWParent::inputMethodKey(XKeyEvent* event) { handleKey(event); }
+
+void TXWParent::setTextCursor(wvw::Widget*, const rfb::Rect& rect) {
+    takesText = !rect.isEmpty();
+    if (!takesText)
+        ComposeSequences::instance().reset();
+    InputMethod::instance().setCursor(this, win(), rect);
+}
+
+/// True if the key belongs to a sequence.
+bool TXWParent::composeKey(uint32_t keysym) {
+    plat::String text;
+    const ComposeSequences::Result result = ComposeSequences::instance().feed(keysym, &text);
+    if (result == ComposeSequences::Result::Text)
+        typeText(text);
+    return result != ComposeSequences::Result::Ordinary;
+}
+
+/// As if each character were a key.
+void TXWParent::typeText(const plat::String& text) {
+    const EventScope under(this);
+    const char* pos = text.c_str();
+    const char* const end = pos + plat::strLen(pos);
+    while (under.alive() && pos < end) {
+        uint32_t codepoint = 0;
+        if (!plat::utf8::decode(&pos, end, &codepoint) || codepoint < 0x20)
+            continue;
+        keyEvent(syntheticKeycode, rfb::keysymFromUnicode(codepoint), /*down=*/true);
+        if (under.alive())
+            keyEvent(syntheticKeycode, 0, /*down=*/false);
+    }
+}
+
 void TXWParent::handleKeyPress(XKeyEvent* event) {
     cancelTooltip();
     if (inputBlocked)
@@ -321,6 +370,8 @@ void TXWParent::handleKeyPress(XKeyEvent* event) {
     char text[256];
     KeySym keysym = NoSymbol;
     XLookupString(event, text, sizeof(text), &keysym, nullptr);
+    if (takesText && !(event->state & (ControlMask | Mod1Mask)) && composeKey(static_cast<uint32_t>(keysym)))
+        return;
     if (keysym == XK_ISO_Left_Tab)
         handleBackTab(event->keycode, (event->state & ShiftMask) != 0);
     else if (keysym != NoSymbol)

@@ -3,6 +3,7 @@
 
 #include "plat/Timer.h"
 #include "rfb/Region.h"
+#include "tx/InputMethod.h"
 #include "tx/TXWindow.h"
 #include "wvw/InputHandler.h"
 #include "wvw/MouseInputHandler.h"
@@ -33,7 +34,8 @@ class TXWParent : public TXWindow,
                   public TXEventHandler,
                   public wvw::WInputHandler,
                   public plat::Timer::Callback,
-                  public wvw::WMouseInputHandler {
+                  public wvw::WMouseInputHandler,
+                  private InputMethodClient {
 public:
     /// `root` may be null and set later; it is borrowed and gives the window its size. `unmanaged` keeps the
     /// window manager away (override-redirect).
@@ -74,6 +76,7 @@ public:
     void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* dragImage) override;
     plat::String getPrimaryText() override;
     void showCursor(wvw::CursorShape shape) override;
+    void setTextCursor(wvw::Widget* child, const rfb::Rect& rect) override;
     void guardInput() override;
     bool confirmInput() override;
 
@@ -108,7 +111,14 @@ private:
     void createImage();
     void startRepaint();
     void noteOrigin(const XEvent& event);
+    // InputMethodClient
+    void inputMethodKey(XKeyEvent* event) override;
+    void inputMethodText(const plat::String& text) override { typeText(text); }
+
+    void handleKey(XKeyEvent* event);
     void handleKeyPress(XKeyEvent* event);
+    bool composeKey(uint32_t keysym);
+    void typeText(const plat::String& text);
     void handleBackTab(unsigned keycode, bool shiftInState);
     void handlePointer(XEvent* event);
     void handleExpose(XEvent* event);
@@ -132,6 +142,7 @@ private:
     rfb::Point tooltipPosition;
     std::unique_ptr<wvw::WidgetWatch> tooltipWidget; // whose tooltip is pending or shown
     wvw::CursorShape cursorShape{};                  // over the widget that the pointer is on
+    bool takesText = false;                          // the widget with the focus
     bool inputBlocked = false;
     bool attachedRoot = false;
     bool originKnown = false;

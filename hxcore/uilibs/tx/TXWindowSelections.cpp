@@ -147,6 +147,10 @@ bool TXWindow::selectionRequest(Window requestor, Atom, Atom target, Atom proper
     if (!hasCutText())
         return false;
     const std::string_view held(cutText.data(), static_cast<size_t>(cutText.size()) - 1); // less its NUL
+    if (held.size() > largestProperty()) { // UTF-8 is never the shorter form
+        log.info("Not giving text of %zu bytes: too large for a request", held.size());
+        return false;
+    }
     if (target != XA_STRING) {
         writeBytes(requestor, property, target, held);
         return true;

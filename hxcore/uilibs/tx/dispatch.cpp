@@ -1,6 +1,7 @@
 // The road of an event to its window, and the rules of grabs and modality.
 #include "plat/ConfigParameter.h"
 #include "plat/SString.h"
+#include "tx/InputMethod.h"
 #include "tx/InputSources.h"
 #include "tx/TX.h"
 #include "tx/TXState.h"
@@ -146,6 +147,8 @@ void handleXEvent(XEvent* event) {
         InputSources::instance().handleGenericEvent(&event->xcookie);
         return;
     }
+    if (InputMethod::instance().filterEvent(*event))
+        return;
     if (event->type == MappingNotify)
         refreshMapping(&event->xmapping);
     if (event->type == FocusIn)

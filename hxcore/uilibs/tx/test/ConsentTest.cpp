@@ -88,7 +88,7 @@ struct ConsentTest : XTest, wvw::WInputHandler {
         const auto code = static_cast<unsigned>(XKeysymToKeycode(other.display, keysym));
         int noAxes = 0;
         for (const int down : {True, False})
-            fakeDeviceKey(other.display, device, code, down, &noAxes, 0, 0UL);
+            fakeDeviceKey(other.display, device, code, down, &noAxes, 0, 5UL); // later than the last release
         pump();
     }
     int taken() { return std::exchange(activations, 0); }

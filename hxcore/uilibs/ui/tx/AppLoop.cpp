@@ -19,11 +19,10 @@ AppLoopImpl::~AppLoopImpl() = default;
 int AppLoopImpl::run(os::AppLoop& loop) {
     while (!stopping) {
         // Always before the wait: Xlib may have read events that no longer show on the descriptor.
-        if (displayManager)
-            tx::processEvents();
+        const bool more = displayManager && tx::processEvents();
         if (stopping)
             break;
-        fdMgr.poll(/*timeoutMs=*/-1);
+        fdMgr.poll(/*timeoutMs=*/more ? 0 : -1);
     }
     return loop.exitCode();
 }

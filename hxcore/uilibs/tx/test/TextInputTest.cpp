@@ -1,0 +1,228 @@
+// Text that takes more than a key: dead keys, compose sequences, and an input method, which may be no good.
+#include "XTest.h"
+#include "plat/Configuration.h"
+#include "tx/ComposeSequences.h"
+#include "tx/InputMethod.h"
+#include "tx/dynTextInput.h"
+#include "wvw/WEdit.h"
+
+#include <X11/keysym.h>
+#include <xcb-imdkit/imdkit.h>
+#include <xcb/xcb.h>
+
+#include <atomic>
+#include <cstring>
+#include <thread>
+
+#include <poll.h>
+
+namespace txtest {
+namespace {
+
+template <class T>
+using Fn = plat::DynamicFn<T>;
+constexpr const char* kit = "xcb-imdkit[1]";
+const Fn<decltype(::xcb_im_create)> imCreate{kit, "xcb_im_create"};
+const Fn<decltype(::xcb_im_destroy)> imDestroy{kit, "xcb_im_destroy"};
+const Fn<decltype(::xcb_im_open_im)> imOpen{kit, "xcb_im_open_im"};
+const Fn<decltype(::xcb_im_close_im)> imClose{kit, "xcb_im_close_im"};
+const Fn<decltype(::xcb_im_filter_event)> imFilter{kit, "xcb_im_filter_event"};
+const Fn<decltype(::xcb_im_commit_string)> imCommit{kit, "xcb_im_commit_string"};
+const Fn<decltype(::xcb_im_forward_event)> imForward{kit, "xcb_im_forward_event"};
+const Fn<decltype(::xcb_utf8_to_compound_text)> toCompoundText{kit, "xcb_utf8_to_compound_text"};
+const Fn<decltype(::xcb_compound_text_init)> initCompoundText{kit, "xcb_compound_text_init"};
+constexpr const char* xcb = "xcb[1]";
+const Fn<decltype(::xcb_connect)> xcbConnect{xcb, "xcb_connect"};
+const Fn<decltype(::xcb_disconnect)> xcbDisconnect{xcb, "xcb_disconnect"};
+const Fn<decltype(::xcb_poll_for_event)> xcbPoll{xcb, "xcb_poll_for_event"};
+const Fn<decltype(::xcb_get_file_descriptor)> xcbFd{xcb, "xcb_get_file_descriptor"};
+const Fn<decltype(::xcb_flush)> xcbFlush{xcb, "xcb_flush"};
+const Fn<decltype(::xcb_generate_id)> xcbId{xcb, "xcb_generate_id"};
+const Fn<decltype(::xcb_create_window)> xcbCreateWindow{xcb, "xcb_create_window"};
+const Fn<decltype(::xcb_get_setup)> xcbSetup{xcb, "xcb_get_setup"};
+const Fn<decltype(::xcb_setup_roots_iterator)> xcbRoots{xcb, "xcb_setup_roots_iterator"};
+
+/// An input method on a thread of its own. It turns the key a into a text, holds the key b back, and gives the rest
+/// back, unless it hangs.
+class Method {
+public:
+    Method() {
+        connection = xcbConnect(nullptr, nullptr);
+        const xcb_screen_t* screen = xcbRoots(xcbSetup(connection)).data;
+        const xcb_window_t window = xcbId(connection);
+        xcbCreateWindow(connection, uint8_t{0}, window, screen->root, int16_t{0}, int16_t{0}, uint16_t{1}, uint16_t{1},
+                        uint16_t{1}, uint16_t{XCB_WINDOW_CLASS_INPUT_OUTPUT}, screen->root_visual, uint32_t{0},
+                        nullptr);
+        initCompoundText();
+        uint32_t styleList[] = {XCB_IM_PreeditPosition | XCB_IM_StatusNothing};
+        const xcb_im_styles_t styles{1, styleList};
+        char encoding[] = "COMPOUND_TEXT";
+        xcb_im_encoding_t encodingList[] = {encoding};
+        const xcb_im_encodings_t encodings{1, encodingList};
+        im = imCreate(
+            connection, 0, window, "zeftest", "en,de,all", &styles, static_cast<const xcb_im_trigger_keys_t*>(nullptr),
+            static_cast<const xcb_im_trigger_keys_t*>(nullptr), &encodings, 0U, onMessage, static_cast<void*>(this));
+        imOpen(im);
+        xcbFlush(connection);
+        thread = std::thread([this] { serve(); });
+    }
+    ~Method() {
+        stopping = true;
+        thread.join();
+        imClose(im);
+        imDestroy(im);
+        xcbDisconnect(connection);
+    }
+    Method(const Method&) = delete;
+    Method& operator=(const Method&) = delete;
+
+    std::atomic<bool> hung{false};
+    std::atomic<int> keys{0};
+
+private:
+    static void onMessage(xcb_im_t* im, xcb_im_client_t*, xcb_im_input_context_t* ic,
+                          const xcb_im_packet_header_fr_t* header, void*, void* argument, void* data) {
+        auto& self = *static_cast<Method*>(data);
+        if (header->major_opcode != XCB_XIM_FORWARD_EVENT)
+            return;
+        auto* event = static_cast<xcb_key_press_event_t*>(argument);
+        self.keys++;
+        if (event->detail == keycodeOf(XK_b))
+            return;
+        if (event->detail != keycodeOf(XK_a)) {
+            imForward(im, ic, event);
+            return;
+        }
+        if (event->response_type == XCB_KEY_PRESS) {
+            const char text[] = "\xe3\x81\x82\xc3\xa9"; // hiragana a, e with acute
+            size_t len = 0;
+            char* compound = toCompoundText(text, sizeof(text) - 1, &len);
+            imCommit(im, ic, uint32_t{XCB_XIM_LOOKUP_CHARS}, compound, static_cast<uint32_t>(len), uint32_t{0});
+            std::free(compound);
+        }
+    }
+    static unsigned keycodeOf(KeySym keysym) { return aKeycode + static_cast<unsigned>(keysym == XK_b ? 1 : 0); }
+
+    void serve() {
+        while (!stopping) {
+            xcb_generic_event_t* event = nullptr;
+            while (!hung && (event = xcbPoll(connection))) {
+                imFilter(im, event);
+                std::free(event);
+            }
+            xcbFlush(connection);
+            pollfd fd{xcbFd(connection), POLLIN, 0};
+            poll(&fd, 1, 5);
+        }
+    }
+
+    xcb_connection_t* connection = nullptr;
+    xcb_im_t* im = nullptr;
+    std::atomic<bool> stopping{false};
+    std::thread thread;
+
+public:
+    static inline unsigned aKeycode = 0; // of the key a; the next one stands for b
+};
+
+struct TextInputTest : XTest {
+    TextInputTest() {
+        plat::setTimeSource(nullptr);
+        plat::Configuration::global().set("_InputMethod", "1");
+        edit.setSize({200, 30});
+        parent.setSizeFromRoot();
+        Method::aKeycode = XKeysymToKeycode(other.display, XK_a);
+    }
+    ~TextInputTest() override {
+        tx::InputMethod::instance().close();
+        unsetenv("XMODIFIERS");
+        plat::Configuration::global().set("_InputMethod", "0");
+    }
+
+    void show() {
+        parent.show(true);
+        pump();
+        edit.takeFocus();
+    }
+    template <class Condition>
+    bool wait(Condition condition) {
+        const int64_t deadline = plat::monoTicks() + 8 * plat::ticksPerSecond;
+        while (!condition()) {
+            if (plat::monoTicks() > deadline)
+                return false;
+            tx::processEvents();
+            timers->processTimers();
+            pollfd fd{ConnectionNumber(tx::dpy), POLLIN, 0};
+            poll(&fd, 1, 5);
+        }
+        return true;
+    }
+    void key(unsigned keycode) {
+        other.sendKey(parent.win(), KeyPress, keycode);
+        other.sendKey(parent.win(), KeyRelease, keycode);
+    }
+    std::string text() const { return edit.getText(); }
+
+    wvw::WEdit edit{nullptr};
+    tx::TXWParent parent{&edit, nullptr, /*unmanaged=*/true};
+};
+
+TEST_F(TextInputTest, DeadKeysAndSequencesMakeOneCharacter) {
+    setenv("LC_ALL", "de_DE.UTF-8", 1);
+    auto& sequences = tx::ComposeSequences::instance();
+    using Result = tx::ComposeSequences::Result;
+    plat::String out;
+    EXPECT_EQ(sequences.feed(XK_e, &out), Result::Ordinary);
+    EXPECT_EQ(sequences.feed(XK_dead_circumflex, &out), Result::Swallowed);
+    EXPECT_EQ(sequences.feed(XK_Shift_L, &out), Result::Ordinary);
+    EXPECT_EQ(sequences.feed(XK_e, &out), Result::Text);
+    EXPECT_STREQ(out.c_str(), "\xc3\xaa");
+    for (const KeySym keysym : {XK_Multi_key, XK_equal})
+        EXPECT_EQ(sequences.feed(static_cast<uint32_t>(keysym), &out), Result::Swallowed);
+    EXPECT_EQ(sequences.feed(XK_e, &out), Result::Text);
+    EXPECT_STREQ(out.c_str(), "\xe2\x82\xac");
+    EXPECT_EQ(sequences.feed(XK_dead_acute, &out), Result::Swallowed);
+    EXPECT_EQ(sequences.feed(XK_F1, &out), Result::Swallowed); // leads to nothing
+    EXPECT_EQ(sequences.feed(XK_a, &out), Result::Ordinary);
+    unsetenv("LC_ALL");
+}
+
+TEST_F(TextInputTest, AMethodTakesKeysAndGivesText) {
+    setenv("XMODIFIERS", "@im=zeftest", 1);
+    Method method;
+    EXPECT_TRUE(wait([&] { return XGetSelectionOwner(other.display, other.atom("@server=zeftest")) != tx::none; }));
+    show();
+    ASSERT_TRUE(wait([] { return tx::InputMethod::instance().isReady(); }));
+    key(Method::aKeycode);
+    EXPECT_TRUE(wait([&] { return text() == "\xe3\x81\x82\xc3\xa9"; })) << text();
+}
+
+TEST_F(TextInputTest, AMethodThatHangsCostsNoKey) {
+    setenv("XMODIFIERS", "@im=zeftest", 1);
+    auto method = std::make_unique<Method>();
+    EXPECT_TRUE(wait([&] { return XGetSelectionOwner(other.display, other.atom("@server=zeftest")) != tx::none; }));
+    show();
+    ASSERT_TRUE(wait([] { return tx::InputMethod::instance().isReady(); }));
+    method->hung = true;
+    key(Method::aKeycode);
+    EXPECT_TRUE(wait([&] { return text() == "a"; })) << text();
+    EXPECT_FALSE(tx::InputMethod::instance().isReady());
+    key(Method::aKeycode);
+    EXPECT_TRUE(wait([&] { return text() == "aa"; })) << text();
+}
+
+TEST_F(TextInputTest, NoMethodOfThatNameMeansNone) {
+    for (const char* modifiers : {"@im=nobody", "@im=none", "@im=", "rubbish"}) {
+        setenv("XMODIFIERS", modifiers, 1);
+        edit.setText("");
+        show();
+        key(Method::aKeycode);
+        pump();
+        EXPECT_EQ(text(), "a") << modifiers;
+        parent.show(false);
+        pump();
+    }
+}
+
+} // namespace
+} // namespace txtest
