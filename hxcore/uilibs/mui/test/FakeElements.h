@@ -135,6 +135,8 @@ public:
     void setMaxLength(int) override {}
     void setPlaceholder(const char*) override {}
     void selectAll() override {}
+    void setSelection(int, int) override {}
+    void getSelection(int* start, int* end) override { *start = *end = 0; }
     void setFieldWidth(int) override {}
     FakeCommon fake;
     plat::String content;
