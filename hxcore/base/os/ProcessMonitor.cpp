@@ -49,10 +49,10 @@ ProcessMonitor::ProcessMonitor() : owner(getpid()) {}
 // In a forked child: the children, the loop and the pipe are the parent's, which must hear nothing from here. The
 // kicker's descriptors may be closed, and their numbers others' by now, so it is put aside as it is.
 void ProcessMonitor::startOver() {
-    static std::vector<io::FdKicker*> inherited;
+    static auto* const inherited = new std::vector<io::FdKicker*>;
     wakeup = nullptr;
     if (kicker)
-        inherited.push_back(kicker.release());
+        inherited->push_back(kicker.release());
     children.clear();
     owner = getpid();
 }
