@@ -48,6 +48,8 @@ void LaunchWithNamedPipe::pipeConnected(io::Io* io) {
 
 void LaunchWithNamedPipe::pipeFailed(const plat::Exception&) {
     stopWaiting();
+    if (!hasEnded)
+        ProcessMonitor::instance().kill(pid, SIGTERM); // it has nobody to speak to
     const plat::ExceptionFmt failure("Launch failed: acceptIo() failed for %s", program.c_str());
     callback->launchFailed(LaunchFailed(failure.what()), /*cancelled=*/false);
 }

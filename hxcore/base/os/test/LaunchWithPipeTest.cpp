@@ -343,6 +343,9 @@ TEST_F(LaunchPipeTest, AConnectionThatBreaksOffAtOnceFailsTheLaunch) {
     EXPECT_EQ(outcome.failure, "[LaunchFailed] Launch failed: acceptIo() failed for /bin/sh");
     EXPECT_TRUE(log.has("30 LaunchPipe: ioAccept error: [System-32] write: Broken pipe (32)"));
     EXPECT_TRUE(sockets().empty());
+    EXPECT_TRUE(std::any_of(log.lines.begin(), log.lines.end(), [](const std::string& line) {
+        return line.find("kill(") != std::string::npos && line.find("SIGTERM") != std::string::npos;
+    })) << "it is told to end";
 }
 
 // Directory and socket are private; should they be open, who connects is still looked at.
