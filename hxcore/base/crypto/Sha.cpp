@@ -34,9 +34,9 @@ mbedtls_md_type_t typeOf(int digestBits) {
 }
 } // namespace
 
-void Sha::Free::operator()(mbedtls_md_context_t* state) const {
-    mbedtls_md_free(state); // wipes
-    delete state;
+void Sha::Free::operator()(mbedtls_md_context_t* context) const {
+    mbedtls_md_free(context); // wipes
+    delete context;
 }
 
 Sha::Sha(int digestBits_, bool allowSha1ForLegacyCode) : digestBits(digestBits_), state(new mbedtls_md_context_t) {

@@ -72,7 +72,7 @@ void WChoice::addItem(int itemKey, const char* markedText) {
 }
 
 void WChoice::removeAll() {
-    drop(/*show=*/false);
+    showList(/*show=*/false);
     items.clear();
     if (!editable)
         showText("");
@@ -157,7 +157,7 @@ void WChoice::buildMenu() {
         menu->add(item.get());
 }
 
-void WChoice::drop(bool show) {
+void WChoice::showList(bool show) {
     if (!show) {
         if (menu)
             menu->dismiss();
@@ -181,12 +181,15 @@ void WChoice::drop(bool show) {
 }
 
 bool WChoice::ItemHandler::activated(Widget* origin) {
-    Items& items = owner->items;
-    const auto j =
-        std::find_if(items.begin(), items.end(), [origin](const auto& entry) { return entry.second.get() == origin; });
-    ASSERT(j != items.end());
-    owner->choose(j->first);
+    owner->chooseItem(origin);
     return true;
+}
+
+void WChoice::chooseItem(Widget* item) {
+    const auto j =
+        std::find_if(items.begin(), items.end(), [item](const auto& entry) { return entry.second.get() == item; });
+    ASSERT(j != items.end());
+    choose(j->first);
 }
 
 bool WChoice::valueChanged(Widget* origin) {
@@ -235,7 +238,7 @@ bool WChoice::ownKey(uint32_t keysym) {
         return false;
     const bool step = keysym == key::Up || keysym == key::Down;
     if (keysym == key::F4 || (keysym == key::Space && !ctrlDown()) || (step && altDown())) {
-        drop(/*show=*/true);
+        showList(/*show=*/true);
         return true;
     }
     if (ctrlDown() || altDown())
@@ -289,7 +292,7 @@ bool WChoice::mouseDown(int button, Widget* origin) {
     const bool used = WLayout::mouseDown(button, origin);
     if (!self.alive() || origin != this || button != 0 || !isEnabled())
         return used;
-    drop(/*show=*/true);
+    showList(/*show=*/true);
     return true;
 }
 
@@ -301,14 +304,14 @@ bool WChoice::focusChanged(bool backward, Widget* origin) {
 
 void WChoice::setEnabled(bool on) {
     if (!on) {
-        drop(/*show=*/false);
+        showList(/*show=*/false);
         setHovered(false);
     }
     WLayout::setEnabled(on);
 }
 
 void WChoice::detach() {
-    drop(/*show=*/false);
+    showList(/*show=*/false);
     hovered = false;
     WLayout::detach();
 }

@@ -33,7 +33,7 @@ public:
     WEdit& getEdit() { return edit; }
     bool isEditable() const { return editable; }
     bool isDropped() const;
-    void drop(bool show);
+    void showList(bool show);
 
     // Widget
     void paint(rfb::FullFramePixelBuffer& pb) override;
@@ -68,6 +68,7 @@ private:
 
     void menuHidden(WRootMenu*) override { repaint(); }
     void buildMenu();
+    void chooseItem(Widget* item);
     void choose(int key);
     /// The next item after `from` whose text begins with that letter, around the end; null for none.
     WMenuItem* findByLetter(uint32_t keysym, const WMenuItem* from) const;
