@@ -81,6 +81,7 @@ struct PeersTest : XTest {
         const Window before = XGetSelectionOwner(other.display, other.atom("CLIPBOARD"));
         output("(" + command + ") >/dev/null 2>&1");
         EXPECT_TRUE(wait([&] { return XGetSelectionOwner(other.display, other.atom("CLIPBOARD")) != before; }));
+        pump(); // that the selection is lost is news of the server's, too
     }
     std::string paste() { return window.getCutText(tx::clipboardAtom()).c_str(); }
     void offer(const std::string& text) { window.setCutText(text.size(), text.data(), tx::getServerTime()); }

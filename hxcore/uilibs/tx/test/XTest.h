@@ -142,7 +142,8 @@ protected:
 
     /// Handles everything that has happened up to now on both sides.
     void pump() {
-        for (int round = 0; round < 3; round++) {
+        // A turn takes a bounded number of events.
+        for (int round = 0; round < 3 || (round < 1000 && XPending(tx::dpy)); round++) {
             other.sync();
             XSync(tx::dpy, False);
             tx::processEvents();
