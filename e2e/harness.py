@@ -54,12 +54,46 @@ class Home:
             out.write(text)
 
 
-class Core:
+class Inspected:
+    """A UI that is looked into and driven over its inspection socket; ui_pid() tells which process it is."""
+
+    inspect = None
+
+    def ask(self, line):
+        """One inspection request; its reply without the closing line."""
+        if self.inspect is None:
+            pattern = f"/tmp/.zef-{os.geteuid()}/*MuiComms*"
+
+            def find():
+                pid = self.ui_pid()
+                paths = [p for p in glob.glob(pattern) if pid and listens(p, pid)]
+                return paths[0] if paths else None
+            self.inspect = until(find, "the inspection socket")
+        with socket.socket(socket.AF_UNIX) as link:
+            link.settimeout(10 * SLOW)
+            link.connect(self.inspect)
+            link.sendall(line.encode() + b"\n")
+            data = b""
+            while not (data.endswith(b"\n\n") or data == b"\n"):
+                piece = link.recv(65536)
+                if not piece:
+                    break
+                data += piece
+        return data.decode(errors="replace").rstrip("\n")
+
+    def state(self, ref):
+        """The state of an element as a map."""
+        return dict(line.split(" ", 1) for line in self.ask("state " + ref).split("\n") if " " in line)
+
+    def until_state(self, ref, key, value):
+        return until(lambda: self.state(ref).get(key) == value, f"{ref} {key} = {value}")
+
+
+class Core(Inspected):
     """The stand-in core at the other end of pipes: say() a command, expect() a line."""
 
     def __init__(self, home, mode="user", args=(), core_args=()):
         self.home = home
-        self.inspect = None
         self.lines = []
         with open(os.path.join(home.path, "stderr"), "wb") as errors:
             self.process = subprocess.Popen(
@@ -104,35 +138,6 @@ class Core:
         children = subprocess.run(["pgrep", "-P", str(self.process.pid), "-f", "zefserverui"],
                                   capture_output=True, text=True, check=False).stdout.split()
         return int(children[0]) if children else None
-
-    def ask(self, line):
-        """One inspection request; its reply without the closing line."""
-        if self.inspect is None:
-            pattern = f"/tmp/.zef-{os.geteuid()}/*MuiComms*"
-
-            def find():
-                pid = self.ui_pid()
-                paths = [p for p in glob.glob(pattern) if pid and listens(p, pid)]
-                return paths[0] if paths else None
-            self.inspect = until(find, "the inspection socket")
-        with socket.socket(socket.AF_UNIX) as link:
-            link.settimeout(10 * SLOW)
-            link.connect(self.inspect)
-            link.sendall(line.encode() + b"\n")
-            data = b""
-            while not (data.endswith(b"\n\n") or data == b"\n"):
-                piece = link.recv(65536)
-                if not piece:
-                    break
-                data += piece
-        return data.decode(errors="replace").rstrip("\n")
-
-    def state(self, ref):
-        """The state of an element as a map."""
-        return dict(line.split(" ", 1) for line in self.ask("state " + ref).split("\n") if " " in line)
-
-    def until_state(self, ref, key, value):
-        return until(lambda: self.state(ref).get(key) == value, f"{ref} {key} = {value}")
 
     def end(self):
         if self.process.poll() is None:

@@ -18,9 +18,9 @@ struct Row {
     MakePage make;
 };
 constexpr Row rows[] = {
-    {"Buttons", makeButtons},        {"Choices", makeChoices}, {"Fields", makeFields},   {"Texts", makeTexts},
-    {"Scripts", makeScripts},        {"Lists", makeLists},     {"Frames", makeFrames},   {"Containers", makeContainers},
-    {"Info frames", makeInfoFrames}, {"Images", makeImages},   {"Windows", makeWindows},
+    {"Buttons", makeButtons},       {"Choices", makeChoices}, {"Fields", makeFields},   {"Texts", makeTexts},
+    {"Scripts", makeScripts},       {"Lists", makeLists},     {"Frames", makeFrames},   {"Containers", makeContainers},
+    {"Infoframes", makeInfoFrames}, {"Images", makeImages},   {"Windows", makeWindows},
 };
 } // namespace
 

@@ -9,8 +9,8 @@
 #include "mui/MuList.h"
 #include "mui/MuPopupMenu.h"
 #include "mui/MuSlider.h"
+#include "mui/MuStatic.h"
 #include "mui/MuSuperbox.h"
-#include "mui/MuText.h"
 #include "zefgallery/pages.h"
 
 #include <string>
@@ -48,7 +48,9 @@ public:
         auto* careful = mui::MuButton::create(row(page), "deliberate", "&Accept");
         careful->setDeliberate(true);
         heading(page, "What was pressed last");
-        last = mui::MuText::create(page, "last", "nothing");
+        last = mui::MuEdit::create(page, "last", nullptr);
+        last->setFieldWidth(hxutil::scaled(600));
+        last->setLocked(true);
         menu.reset(mui::MuPopupMenu::create("gallery"));
         menu->addItem("&Plain", nullptr, nullptr, this);
         menu->addItem("With an &image", "connections", nullptr, this);
@@ -70,7 +72,7 @@ private:
 
     mui::MuLayout* page;
     mui::MuButton* popup;
-    mui::MuText* last;
+    mui::MuEdit* last;
     std::unique_ptr<mui::MuPopupMenu> menu;
 };
 
@@ -108,7 +110,7 @@ public:
         slider = mui::MuSlider::create(sliders, "slider", 0, 8);
         slider->setValue(3);
         sliders->setChildLayout(slider, mui::MuLayout::Fixed, hxutil::scaled(400));
-        value = mui::MuText::create(sliders, "value", "3");
+        value = mui::MuStatic::create(sliders, "value", "3");
         auto* deadSlider = mui::MuSlider::create(sliders, "dead", 0, 8);
         deadSlider->setEnabled(false);
         sliders->setChildLayout(deadSlider, mui::MuLayout::Fixed, hxutil::scaled(400));
@@ -129,7 +131,7 @@ private:
 
     mui::MuLayout* page;
     mui::MuSlider* slider;
-    mui::MuText* value;
+    mui::MuStatic* value;
 };
 
 /// A field that filters a list of 500 under it.

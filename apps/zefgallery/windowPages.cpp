@@ -9,7 +9,6 @@
 #include "mui/MuLayout.h"
 #include "mui/MuMessageBox.h"
 #include "mui/MuText.h"
-#include "plat/Xml.h"
 #include "product/init.h"
 #include "zefgallery/pages.h"
 
@@ -52,13 +51,13 @@ public:
         mui::MuLayout* boxes = row(page);
         for (const char* name : {"Info", "Warning", "Error", "Question"})
             boxOpeners.push_back(mui::MuButton::create(boxes, name, name));
-        answer = mui::MuText::create(page, "answer", "not asked yet");
+        answer = result("answer");
         heading(page, "Files and folders");
         mui::MuLayout* choosers = row(page);
         openFile = mui::MuButton::create(choosers, "open", "&Open...");
         saveFile = mui::MuButton::create(choosers, "save", "&Save...");
         chooseFolder = mui::MuButton::create(choosers, "folder", "&Folder...");
-        chosen = mui::MuText::create(page, "chosen", "nothing chosen yet");
+        chosen = result("chosen");
         chooser = mui::MuFileDialog::create(top, this);
         heading(page, "About");
         about = mui::MuButton::create(row(page), "About", "&About...");
@@ -96,9 +95,17 @@ private:
         aboutDialog->show();
     }
 
+    /// A field that shows what came of something.
+    mui::MuEdit* result(const char* name) {
+        mui::MuEdit* const field = mui::MuEdit::create(page, name, nullptr);
+        field->setFieldWidth(hxutil::scaled(1000));
+        field->setLocked(true);
+        return field;
+    }
+
     // mui::MuFileDialog::Callback
-    void fileChosen(const char* path) override { chosen->setText(path ? plat::xmlEscape(path).c_str() : "cancelled"); }
-    void fileFailed(const char* message) override { chosen->setText(plat::xmlEscape(message).c_str()); }
+    void fileChosen(const char* path) override { chosen->setText(path ? path : "cancelled"); }
+    void fileFailed(const char* message) override { chosen->setText(message); }
 
     void open(size_t index) {
         if (!dialogs[index]) {
@@ -131,11 +138,11 @@ private:
     std::vector<mui::MuButton*> boxOpeners;
     std::vector<std::unique_ptr<mui::MuDialog>> dialogs; // made when first opened
     std::vector<std::unique_ptr<mui::MuButtonBar>> bars;
-    mui::MuText* answer;
+    mui::MuEdit* answer;
     mui::MuButton* openFile;
     mui::MuButton* saveFile;
     mui::MuButton* chooseFolder;
-    mui::MuText* chosen;
+    mui::MuEdit* chosen;
     std::unique_ptr<mui::MuFileDialog> chooser;
     mui::MuButton* about;
     std::unique_ptr<mui::MuAboutDialog> aboutDialog;

@@ -1,0 +1,169 @@
+"""The whole toolkit in one window, by the keyboard alone: the focus goes round and is always seen, keys do what they say."""
+import hashlib
+import os
+import subprocess
+import time
+import unittest
+
+import harness
+from harness import until
+
+PAGES = ["Buttons", "Choices", "Fields", "Texts", "Scripts", "Lists", "Frames", "Containers", "Infoframes", "Images",
+         "Windows"]
+
+
+class Gallery(harness.Inspected):
+    def __init__(self, home, *args):
+        self.process = subprocess.Popen([os.path.join(harness.BIN, "zefgallery"), "-_MuiComms", *args], env=home.env)
+
+    def ui_pid(self):
+        return self.process.pid
+
+    def page(self, index, path=""):
+        return f"gallery.split.pages.{PAGES[index]}{path}"
+
+
+class GalleryTest(unittest.TestCase):
+    def setUp(self):
+        self.home = harness.Home()
+        self.gallery = None
+
+    def tearDown(self):
+        self.stop()
+        self.home.remove()
+
+    def stop(self):
+        if self.gallery:
+            self.gallery.process.terminate()
+            self.gallery.process.wait()
+            self.gallery = None
+
+    def start(self, *args):
+        self.stop()
+        self.gallery = Gallery(self.home, *args)
+        self.gallery.until_state("gallery", "shown", "1")
+        self.window = until(lambda: self.find("^Gallery$"), "the window")
+        subprocess.run(["xdotool", "windowfocus", "--sync", self.window], check=True)
+
+    def find(self, name):
+        return subprocess.run(["xdotool", "search", "--onlyvisible", "--name", name],
+                              capture_output=True, text=True, check=False).stdout.strip()
+
+    def keys(self, *names):
+        subprocess.run(["xdotool", "key", *names], check=True)
+
+    def picture(self):
+        """What the screen shows once it rests."""
+        last = None
+        for _ in range(100):
+            data = subprocess.run(["xwd", "-root", "-silent"], capture_output=True, check=True).stdout
+            now = hashlib.sha256(data).hexdigest()
+            if now == last:
+                return now
+            last = now
+            time.sleep(0.06)  # a repaint is put off by 10 ms
+        raise AssertionError("the screen never rests")
+
+    def go_to(self, index):
+        """To a page, from the list of their names."""
+        self.gallery.ask(f"select gallery.split.names {index}")
+
+    def test_tab_goes_round_on_every_page_and_is_seen_at_each_stop(self):
+        self.start()
+        for index, name in enumerate(PAGES):
+            with self.subTest(page=name):
+                self.go_to(index)
+                # Once round, since the mark comes with the first key, and fields keep what they were left with.
+                stops = [self.picture()]
+                while len(stops) < 100:
+                    self.keys("Tab")
+                    now = self.picture()
+                    if now in stops:
+                        break
+                    stops.append(now)
+                self.assertLess(len(stops), 100, "never comes round")
+                circle = stops[stops.index(now):]
+                self.assertGreaterEqual(2 * len(circle), len(stops), "two stops look alike")
+                if len(circle) > 1:
+                    self.keys("shift+Tab")
+                    back = self.picture()
+                    self.assertTrue(back != now and back in stops, "backwards is another way")
+
+    def test_buttons_and_menus_answer_keys(self):
+        self.start()
+        last = self.gallery.page(0, ".last")
+        self.keys("alt+n")
+        self.gallery.until_state(last, "value", "normal")
+        self.keys("alt+d", "alt+l", "Tab")  # disabled; the link has its key as well
+        self.gallery.until_state(last, "value", "link")
+        self.keys("alt+p")
+        self.gallery.until_state(last, "value", "popup")
+        self.keys("Down", "Down", "Return")
+        self.gallery.until_state(last, "value", "With an &image")
+        self.keys("alt+p", "p")
+        self.gallery.until_state(last, "value", "&Plain")
+        self.keys("alt+p", "Escape", "alt+n")
+        self.gallery.until_state(last, "value", "normal")
+
+    def test_choices_fields_and_lists_answer_keys(self):
+        self.start()
+        self.go_to(1)
+        checked = self.gallery.page(1, ".off")
+        self.keys("alt+f")
+        self.gallery.until_state(checked, "value", "1")
+        self.keys("alt+s", "Right")
+        self.keys("alt+p", "Down")
+        until(lambda: "Item 2" in self.gallery.ask("state " + self.gallery.page(1, ".plain")), "the second item")
+        self.go_to(2)
+        number = self.gallery.page(2, ".number")
+        self.keys("alt+5", "minus", "7", "5", "x", "BackSpace", "3")
+        self.gallery.until_state(number, "value", "-3")
+        self.keys("alt+p", "End", "ctrl+shift+Left", "x")
+        self.gallery.until_state(self.gallery.page(2, ".plain"), "value", "Some x")
+        self.go_to(5)
+        self.keys("alt+f", "4", "9", "9")
+        until(lambda: self.gallery.ask("listitems " + self.gallery.page(5, ".many")).count("\n") == 0, "one row of 500")
+
+    def test_every_dialog_opens_and_closes_by_keys(self):
+        self.start()
+        self.go_to(10)
+        for name in ["Plain", "Fixed", "Modal", "Above", "Undecorated", "Transient"]:
+            with self.subTest(dialog=name):
+                self.gallery.ask(f"click {self.gallery.page(10)}.{name}")
+                self.gallery.until_state(name, "shown", "1")
+                window = until(lambda: self.find(f"^{name}$"), "its window")
+                if name != "Transient":
+                    subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+                self.keys("alt+f", "End", "x")
+                self.gallery.until_state(f"{name}.field", "value", "and something to type inx")
+                self.keys("Escape")
+                self.gallery.until_state(name, "shown", "0")
+
+    def test_a_file_is_chosen_by_keys(self):
+        folder = os.path.join(self.home.path, "chosen")
+        os.mkdir(folder)
+        with open(os.path.join(folder, "picture.png"), "w", encoding="ascii") as out:
+            out.write("x")
+        self.start()
+        self.go_to(10)
+        self.gallery.ask("click " + self.gallery.page(10, ".open"))
+        self.gallery.until_state("saveDlg", "shown", "1")
+        window = until(lambda: self.find("^Open$"), "its window")
+        subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+        subprocess.run(["xdotool", "type", "--delay", "30", folder + "/p"], check=True)
+        self.gallery.until_state("saveDlg.mainLyt.name", "value", folder + "/picture.png")
+        self.keys("Return")
+        self.gallery.until_state(self.gallery.page(10, ".chosen"), "value", folder + "/picture.png")
+
+    def test_everything_fits_at_every_scale(self):
+        for args in [(), ("-ppmm=8", "-TextSizeFactor=200"), ("-_DarkMode",)]:
+            with self.subTest(args=args):
+                self.start(*args)
+                for index in range(len(PAGES)):
+                    self.go_to(index)
+                    page = self.gallery.page(index)
+                    self.assertEqual(self.gallery.ask("checklayout " + page), "", PAGES[index])
+
+
+if __name__ == "__main__":
+    harness.main()
