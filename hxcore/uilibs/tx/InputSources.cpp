@@ -72,15 +72,21 @@ bool InputSources::watch(bool on) {
 }
 
 void InputSources::select(bool on) {
-    std::array<unsigned char, XIMaskLen(XI_LASTEVENT)> raw{};
-    std::array<unsigned char, XIMaskLen(XI_LASTEVENT)> hierarchy{};
+    using Mask = std::array<unsigned char, XIMaskLen(XI_LASTEVENT)>;
+    Mask raw{};
+    Mask hierarchy{};
+    // As XISetMask, which narrows to a byte without a cast.
+    const auto set = [](Mask& mask, int event) {
+        unsigned char& bits = mask[static_cast<size_t>(event >> 3)];
+        bits = static_cast<unsigned char>(bits | 1 << (event & 7));
+    };
     if (on) {
         for (const RawTypes& types : rawTypes) {
-            XISetMask(raw.data(), types.raw);
+            set(raw, types.raw);
             if (withTouch && types.touch)
-                XISetMask(raw.data(), types.touch);
+                set(raw, types.touch);
         }
-        XISetMask(hierarchy.data(), XI_HierarchyChanged);
+        set(hierarchy, XI_HierarchyChanged);
     }
     XIEventMask masks[] = {{XIAllMasterDevices, static_cast<int>(raw.size()), raw.data()},
                            {XIAllDevices, static_cast<int>(hierarchy.size()), hierarchy.data()}};
