@@ -66,7 +66,10 @@ ConfigHelper::ConfigHelper(io::Io* parent, const std::string& file_, const std::
     link.acceptIo(parent);
 }
 
-ConfigHelper::~ConfigHelper() { link.removeReader(this); }
+ConfigHelper::~ConfigHelper() {
+    link.removeReader(this);
+    ipc = nullptr; // the link goes before the reader that we are
+}
 
 void ConfigHelper::addParameters() {
     static const char* const encryption[] = {"AlwaysMaximum", "AlwaysOn",  "PreferOn",

@@ -68,7 +68,10 @@ ConfigHelperClient::ConfigHelperClient(const char* name) : link(nullptr, "config
         link.addHandler(each, this);
 }
 
-ConfigHelperClient::~ConfigHelperClient() { link.removeReader(this); }
+ConfigHelperClient::~ConfigHelperClient() {
+    link.removeReader(this);
+    ipc = nullptr; // the link goes before the reader that we are
+}
 
 plat::Configuration& ConfigHelperClient::dumpXML() {
     Request request(*this, "dumpXML");

@@ -74,8 +74,8 @@ TEST(IoDefaults, AreSilent) {
          {io.getPeerEndpoint(), io.getPeerEndpointUri(), io.getLocalEndpoint(), io.getLocalEndpointUri()})
         EXPECT_STREQ(text.get(), "");
     EXPECT_FALSE(io.isConnecting());
+    FdHandler idle; // outlives the manager, which tells its handlers that it goes
     FdSelectManager mgr;
-    FdHandler idle;
     mgr.addHandler(&idle, /*add=*/true);
     mgr.markReadable(&idle);
     mgr.markWritable(&idle);

@@ -1,6 +1,6 @@
 #include "rfb/pixelRows.h"
 
-#include <cstring>
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -30,8 +30,8 @@ std::vector<uint8_t> allPairs() {
 template <class Loop>
 void expectSame(const std::vector<uint8_t>& dst, size_t offset, Loop&& loop) {
     std::vector<uint8_t> fast(dst.size() + 16, 0xa5), plain(dst.size() + 16, 0xa5);
-    std::memcpy(fast.data() + offset, dst.data(), dst.size());
-    std::memcpy(plain.data() + offset, dst.data(), dst.size());
+    std::copy(dst.begin(), dst.end(), fast.data() + offset);
+    std::copy(dst.begin(), dst.end(), plain.data() + offset);
     loop(rfb::pixelRows(), fast.data() + offset);
     loop(rfb::plainPixelRows(), plain.data() + offset);
     EXPECT_EQ(fast, plain);
