@@ -2,6 +2,7 @@
 #include "plat/DString.h"
 #include "plat/SString.h"
 #include "plat/utf8.h"
+#include "plat/visibleText.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -31,6 +32,14 @@ void checkRepair(const std::string& text) {
     }
 }
 
+// What is shown is one line of visible characters, and shows as itself.
+void checkVisible(const std::string& text) {
+    const plat::String shown = plat::visibleText(text.c_str());
+    require(plat::utf8::isValid(shown.c_str()) && plat::visibleText(shown.c_str()) == shown);
+    for (const char c : shown.view())
+        require(static_cast<unsigned char>(c) >= 0x20 && c != 0x7f);
+}
+
 void checkSteps(const std::string& text) {
     const char* pos = text.data() + text.size();
     while (pos > text.data()) {
@@ -56,6 +65,7 @@ void checkCuts(const std::string& text) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     checkRepair(text);
+    checkVisible(text);
     checkSteps(text);
     checkCuts(text);
     return 0;
