@@ -10,6 +10,7 @@
 #include "plat/cstr.h"
 #include "score/Mode.h"
 #include "score/ServerHelper.h"
+#include "sui/InformationCenterDialog.h"
 
 #include <cstring>
 
@@ -23,7 +24,8 @@ ServerUi::ServerUi(io::MsgIpc* link, ServerUiCallback* platformObject)
     : ipc(link), platform(platformObject), serverComms(link, this), infoDb("Info"),
       infoReader(std::make_unique<score::StatusDbReader>(link, &infoDb)),
       eventReader(std::make_unique<score::StatusDbReader>(link, &events)),
-      statusDlg(std::make_unique<StatusDialog>(&infoDb, &events, static_cast<StatusDialog::Callback*>(this), this)) {
+      statusDlg(std::make_unique<StatusDialog>(&infoDb, &events, static_cast<StatusDialog::Callback*>(this), this)),
+      infoDlg(std::make_unique<InformationCenterDialog>()) {
     statusDlg->getDialog()->setCloseCallback(this);
     serverComms.sendUiLocale(loc::Localize::instance().firstLocale().c_str());
 }
@@ -32,9 +34,15 @@ ServerUi::~ServerUi() {
     os::ProcessMonitor::instance().detachAll(this);
     destroyModules();
     stopBox.reset();
+    infoDlg.reset();
     statusDlg.reset();
     infoReader.reset();
     eventReader.reset();
+}
+
+void ServerUi::modulesCreated() {
+    SUiModuleMgr::modulesCreated();
+    infoDlg->tabsReady();
 }
 
 void ServerUi::activate() {
@@ -144,7 +152,7 @@ void ServerUi::processEnded(pid_t, int waitStatus) {
 
 void ServerUi::openInfoCenter(const char* tab) {
     serverComms.sendUpdateStatus();
-    log.debug("information center asked for: %s", tab);
+    infoDlg->show(tab);
 }
 
 void ServerUi::openMoreMenu(mui::MuElement*) { log.debug("menu asked for"); }

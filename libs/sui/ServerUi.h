@@ -34,11 +34,12 @@ public:
     io::MsgIpc* msgIpc() override { return ipc; }
     ui::MenuGrouper* serverMenu() override { return nullptr; }
     StatusDialog* statusDialog() override { return statusDlg.get(); }
-    InformationCenterDialog* infoCenter() override { return nullptr; }
+    InformationCenterDialog* infoCenter() override { return infoDlg.get(); }
     ServerComms* comms() override { return &serverComms; }
     score::StatusDb* statusDb() override { return &infoDb; }
     score::StatusEventDb* eventDb() override { return &events; }
     void activate() override;
+    void modulesCreated() override;
 
     // plat::Markup::LinkCallback
     void linkClicked(const char* href) override { handleLink(href); }
@@ -93,6 +94,7 @@ private:
     std::vector<score::ConnectionInfo> records; // in order of arrival
     CoreStatus status;
     std::unique_ptr<StatusDialog> statusDlg;
+    std::unique_ptr<InformationCenterDialog> infoDlg;
     std::unique_ptr<mui::MuMessageBox> stopBox;
     pid_t stopPid = 0; // of what stops the server, while that runs
     bool privacy = false;
