@@ -45,7 +45,9 @@ size_t indexOf(char code) { return static_cast<size_t>(code - minCode); }
 
 void addPermissionDefn(char code, plat::String desc, const char* groups, const char* params) {
     addBuiltIns();
-    ASSERT(code >= minCode && code < minCode + nCodes && permissionGroupDefns.find(code) == permissionGroupDefns.end());
+    // clang-format off
+    ASSERT(code >= minCode && code < minCode+nCodes && permissionGroupDefns.find(code) == permissionGroupDefns.end());
+    // clang-format on
     ASSERT(!lookupPermissionDefn(code));
     PermissionDefn defn{code, std::move(desc), {}};
     plat::String names(params);
