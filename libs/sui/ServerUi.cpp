@@ -2,12 +2,18 @@
 
 #include "io/MsgIpc.h"
 #include "loc/Localize.h"
+#include "mui/MuAboutDialog.h"
 #include "mui/MuButtonBar.h"
+#include "mui/MuPopupMenu.h"
 #include "os/launchFailures.h"
 #include "os/openUrl.h"
+#include "plat/DeferredDeleter.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
+#include "plat/MString.h"
 #include "plat/cstr.h"
+#include "product/ProductUri.h"
+#include "product/init.h"
 #include "score/Mode.h"
 #include "score/ServerHelper.h"
 #include "sui/InformationCenterDialog.h"
@@ -18,15 +24,23 @@ namespace sui {
 namespace {
 plat::LogSrc log("ServerUi");
 constexpr const char* optionsLink = "app://options/";
+
+// Sections of the server's menu; modules add theirs between the two.
+constexpr int firstSection = 1;
+constexpr int lastSection = 4;
+
+bool isServiceMode() { return score::productMode() == score::ProductMode::Service; }
 } // namespace
 
 ServerUi::ServerUi(io::MsgIpc* link, ServerUiCallback* platformObject)
     : ipc(link), platform(platformObject), serverComms(link, this), infoDb("Info"),
       infoReader(std::make_unique<score::StatusDbReader>(link, &infoDb)),
-      eventReader(std::make_unique<score::StatusDbReader>(link, &events)),
+      eventReader(std::make_unique<score::StatusDbReader>(link, &events)), menuGrouper(&menuProxy),
       statusDlg(std::make_unique<StatusDialog>(&infoDb, &events, static_cast<StatusDialog::Callback*>(this), this)),
       infoDlg(std::make_unique<InformationCenterDialog>()) {
+    addMenuItems();
     statusDlg->getDialog()->setCloseCallback(this);
+    menuProxy.attach(statusDlg->getMoreMenu());
     serverComms.sendUiLocale(loc::Localize::instance().firstLocale().c_str());
 }
 
@@ -34,10 +48,28 @@ ServerUi::~ServerUi() {
     os::ProcessMonitor::instance().detachAll(this);
     destroyModules();
     stopBox.reset();
+    optionsFailureBox.reset();
+    optionsDlg.reset();
+    aboutDlg.reset();
     infoDlg.reset();
+    mui::Mui::instance()->removeMenu(&menuProxy);
+    menuProxy.detach(statusDlg->getMoreMenu());
     statusDlg.reset();
     infoReader.reset();
     eventReader.reset();
+}
+
+void ServerUi::addMenuItems() {
+    const unsigned elevated = isServiceMode() ? unsigned{ui::Menu::NeedsElevation} : 0;
+    const auto add = [this](int section, const char* text, unsigned flags) {
+        return menuGrouper.addItem(section, text, nullptr, static_cast<ui::Menu::ActionCallback*>(this), flags);
+    };
+    infoCenterItem = add(firstSection, LOC_TEXT("sui_serverui_mi_infocenter"), 0);
+    optionsItem = add(firstSection, LOC_TEXT("sui_serverui_mi_options"), elevated);
+    supportItem = add(firstSection, LOC_TEXT("sui_serverui_mi_help"), 0);
+    aboutItem = add(firstSection, LOC_TEXT("sui_serverui_mi_about"), 0);
+    stopItem = add(lastSection, LOC_TEXT("sui_serverui_mi_quit"), elevated);
+    mui::Mui::instance()->addMenu("serverui", &menuProxy);
 }
 
 void ServerUi::modulesCreated() {
@@ -64,7 +96,9 @@ void ServerUi::addRemConn(const score::ConnectionInfo& info, bool add) {
 
 void ServerUi::updateCoreStatus(const CoreStatus& fresh) {
     status = fresh;
-    anyVetoOptions();
+    stopItem->setEnabled(!status.cannotStop);
+    const bool vetoed = anyVetoOptions(); // every module hears of each status
+    optionsItem->setEnabled(!status.optionsDisabled && !vetoed);
     platform->refreshAll();
 }
 
@@ -73,9 +107,39 @@ void ServerUi::updatePrivacyStatus(bool on) {
     platform->refreshIcon();
 }
 
-void ServerUi::showOptions(const char* section) {
-    log.status("Options are asked for, but not part of this build: %s", section ? section : "(default)");
+void ServerUi::showOptions(const char* section) { openOptions(section); }
+
+void ServerUi::openOptions(const char* section) {
+    if (optionsDlg) {
+        optionsDlg->select(section);
+        return;
+    }
+    std::unique_ptr<OptionsDialog> fresh;
+    try {
+        fresh = std::make_unique<OptionsDialog>(statusDlg->getDialog(), static_cast<OptionsDialog::Callback*>(this));
+        addOptionSections(*fresh);
+        fresh->load();
+        fresh->show();
+        fresh->select(section);
+        optionsDlg = std::move(fresh);
+    } catch (const os::ElevateCancelled&) {
+        // The user has thought better of it.
+    } catch (const plat::Exception& e) {
+        log.error("Error showing options dialog: %s", e.describe().c_str());
+        showOptionsFailure(fresh && fresh->errorText() ? fresh->errorText() : e.what());
+    }
 }
+
+void ServerUi::showOptionsFailure(const char* message) {
+    plat::MString markup;
+    markup.text(message);
+    optionsFailureBox = std::make_unique<mui::MuMessageBox>(statusDlg->getDialog(), LOC_TEXT("sui_optionsdialog_title"),
+                                                            mui::MuMessageBox::Icon::Error,
+                                                            std::initializer_list<const char*>{markup.c_str()});
+    optionsFailureBox->show();
+}
+
+void ServerUi::optionsFinished() { plat::deleteLater(optionsDlg.release()); }
 
 void ServerUi::setServerExe(const char* path) { score::setServerExe(path); }
 
@@ -96,6 +160,30 @@ void ServerUi::handleLink(const char* url) {
     }
     if (!offerLink(url))
         os::openUrl(url);
+}
+
+void ServerUi::menuAction(ui::Menu::Item* item) {
+    if (item == infoCenterItem) {
+        openInfoCenter(nullptr);
+    } else if (item == optionsItem) {
+        serverComms.sendUpdateStatus();
+        serverComms.sendRequestOptions();
+        // Where there is no core, nobody answers.
+        if (isDebugUi())
+            openOptions(nullptr);
+    } else if (item == supportItem) {
+        os::openUrl(product::supportUri);
+    } else if (item == aboutItem) {
+        showAbout();
+    } else if (item == stopItem) {
+        confirmStop();
+    }
+}
+
+void ServerUi::showAbout() {
+    aboutDlg = std::make_unique<mui::MuAboutDialog>(statusDlg->getDialog(), LOC_TEXT("sui_statusdialog_title"),
+                                                    "zefserver", product::aboutMarkup(), this);
+    aboutDlg->show();
 }
 
 bool ServerUi::closing(mui::MuDialog*) {
@@ -121,7 +209,7 @@ void ServerUi::messageBoxClosed(mui::MuMessageBox*, unsigned button) {
 
 void ServerUi::stopConfirmed() {
     try {
-        if (score::productMode() == score::ProductMode::Service)
+        if (isServiceMode())
             runStop();
         else
             serverComms.sendQuit();
@@ -154,8 +242,6 @@ void ServerUi::openInfoCenter(const char* tab) {
     serverComms.sendUpdateStatus();
     infoDlg->show(tab);
 }
-
-void ServerUi::openMoreMenu(mui::MuElement*) { log.debug("menu asked for"); }
 
 const char* ServerUi::iconName(const CoreStatus& status) {
     switch (status.state) {

@@ -4,6 +4,7 @@
 #include "loc/Localize.h"
 #include "mui/MuFrame.h"
 #include "mui/MuLine.h"
+#include "mui/MuPopupMenu.h"
 #include "mui/MuText.h"
 #include "mui/Mui.h"
 #include "score/StatusEvent.h"
@@ -23,7 +24,8 @@ StatusDialog::StatusDialog(score::StatusDb* info, score::StatusEventDb* eventDb,
                            plat::Markup::LinkCallback* links)
     : StatusObserver(info, eventDb), infoDb(info), events(eventDb), callback(target),
       dialog(mui::MuDialog::create("statusdialog", LOC_TEXT("sui_statusdialog_title"), {hxutil::scaled(widthUnits), 1},
-                                   mui::MuDialog::FixedSize | mui::MuDialog::NoHide | mui::MuDialog::AutoHeight)) {
+                                   mui::MuDialog::FixedSize | mui::MuDialog::NoHide | mui::MuDialog::AutoHeight)),
+      moreMenu(mui::MuPopupMenu::create("moreMenu")) {
     dialog->setBgColour("contentBg");
     dialog->setMinSize({hxutil::scaled(widthUnits), hxutil::scaled(1)});
     dialog->setMargin(0);
@@ -94,7 +96,7 @@ void StatusDialog::muActivated(mui::MuElement* element) {
     else if (element == header->getUserButton())
         callback->openInfoCenter("connections");
     else if (element == header->getSettingButton())
-        callback->openMoreMenu(element);
+        moreMenu->showUnder(element, /*rightAligned=*/true);
 }
 
 } // namespace sui

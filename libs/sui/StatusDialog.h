@@ -15,6 +15,7 @@ class StatusEventDb;
 }
 namespace mui {
 class MuFrame;
+class MuPopupMenu;
 class MuText;
 } // namespace mui
 
@@ -37,7 +38,6 @@ public:
         virtual uint32_t connectionCount() = 0;
         virtual void statusChanged() = 0;                 ///< something that is shown is another
         virtual void openInfoCenter(const char* tab) = 0; ///< "status" or "connections"
-        virtual void openMoreMenu(mui::MuElement* below) = 0;
     };
 
     /// All borrowed; they outlive the dialog.
@@ -47,6 +47,7 @@ public:
 
     void refresh(); ///< derives the model afresh and shows it if it is another
     mui::MuDialog* getDialog() { return dialog.get(); }
+    mui::MuPopupMenu* getMoreMenu() { return moreMenu.get(); } ///< "moreMenu", empty at first
     const StatusDialogModel& getModel() const { return model; }
 
 private:
@@ -67,6 +68,7 @@ private:
     Callback* callback;
     StatusDialogModel model;
     std::unique_ptr<mui::MuDialog> dialog;
+    std::unique_ptr<mui::MuPopupMenu> moreMenu;
     std::unique_ptr<MuStatusDialogHeader> header;
     std::unique_ptr<MuStatusDialogConnectivity> connectivity;
     std::unique_ptr<MuStatusDialogSecurity> security;
