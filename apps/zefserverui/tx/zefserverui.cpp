@@ -5,6 +5,7 @@
 #include "mui/tx/followDesktop.h"
 #include "mui/tx/muFactories.h"
 #include "mui/wvw/MuiWvw.h"
+#include "os/AppInfo.h"
 #include "os/setUserHelper.h"
 #include "plat/Configuration.h"
 #include "plat/DString.h"
@@ -97,6 +98,7 @@ int runServerUi(int argc, char** argv) {
         throw plat::Exception(LOC_TEXT("plat_this_program_not_directly"));
     Usage usage;
     plat::Configuration::global().setFromArgsStrict(argv + 3, &usage);
+    os::AppInfo::setExtraArgs(argv + 3);
 
     registerBuiltInResources();
     ui::AppLoop loop;

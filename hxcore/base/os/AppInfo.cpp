@@ -12,6 +12,7 @@ namespace {
 struct Info {
     plat::String app, company, group, pathComp;
     plat::String displayNameKey, programPath;
+    std::vector<plat::String> extraArgs;
     plat::String userDir, profileDir, configDir, sharedDir, executableDir;
 };
 
@@ -64,6 +65,14 @@ const char* AppInfo::displayNameKey() { return info().displayNameKey.c_str(); }
 void AppInfo::setDisplayNameKey(const char* key) { info().displayNameKey = key; }
 const char* AppInfo::programPath() { return info().programPath.c_str(); }
 void AppInfo::setProgramPath(const char* path) { info().programPath = path; }
+
+const std::vector<plat::String>& AppInfo::extraArgs() { return info().extraArgs; }
+
+void AppInfo::setExtraArgs(const char* const* argv) {
+    info().extraArgs.clear();
+    for (; *argv; ++argv)
+        info().extraArgs.emplace_back(*argv);
+}
 
 const char* AppInfo::userDir() { return info().userDir.c_str(); }
 void AppInfo::setUserDir(const char* dir) { info().userDir = dir; }

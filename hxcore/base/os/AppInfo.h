@@ -3,6 +3,8 @@
 
 #include "plat/String.h"
 
+#include <vector>
+
 namespace os {
 
 /// Identity and directories of the process, set once by the product's start-up.
@@ -24,6 +26,10 @@ public:
     static void setDisplayNameKey(const char* key);
     static const char* programPath(); ///< argv[0]
     static void setProgramPath(const char* path);
+
+    /// The configuration arguments of the command line, which helpers of this process are started with as well.
+    static const std::vector<plat::String>& extraArgs();
+    static void setExtraArgs(const char* const* argv); ///< up to a null pointer
 
     static const char* userDir(); ///< $HOME/.zef
     static void setUserDir(const char* dir);

@@ -93,18 +93,17 @@ std::vector<std::string> buildEnvironment(const LaunchConfig& cfg) {
     return all;
 }
 
-// Once it has been replaced on the disk, the link in /proc still leads to what runs.
-plat::String runningExecutable() {
-    char path[PATH_MAX];
-    const ssize_t len = readlink("/proc/self/exe", path, sizeof path - 1);
-    const plat::String target = len > 0 ? plat::String(path, static_cast<int>(len)) : plat::String();
-    return isExecutableFile(target.c_str()) ? target : plat::String("/proc/self/exe");
+std::vector<plat::String> allArgs(const LaunchConfig& cfg) {
+    std::vector<plat::String> args = cfg.args;
+    args.insert(args.end(), cfg.trailingArgs.begin(), cfg.trailingArgs.end());
+    return args;
 }
 
 std::vector<plat::String> forUser(const LaunchConfig& cfg) {
     ASSERT(getuid() == 0 && geteuid() == 0);
     std::vector<plat::String> args{runningExecutable(), setUserHelperWord, plat::strFormat("%u", cfg.user)};
-    args.insert(args.end(), cfg.args.begin(), cfg.args.end());
+    const std::vector<plat::String> theirs = allArgs(cfg);
+    args.insert(args.end(), theirs.begin(), theirs.end());
     return args;
 }
 
@@ -112,7 +111,7 @@ std::vector<plat::String> elevated(const LaunchConfig& cfg) {
     const char* const key = AppInfo::displayNameKey();
     const plat::String title = cfg.title.isEmpty() && *key ? plat::String(plat::translate(key)) : cfg.title;
     std::vector<plat::String> args =
-        elevatedCommand(getElevateProg(title.isEmpty() ? nullptr : title.c_str()), cfg.args);
+        elevatedCommand(getElevateProg(title.isEmpty() ? nullptr : title.c_str()), allArgs(cfg));
     if (isAbsolutePath(args[0]))
         return args;
     const plat::String found = findProgram(args[0].c_str());
@@ -134,7 +133,7 @@ std::vector<plat::String> finalArgs(const LaunchConfig& cfg) {
     if (cfg.asUser)
         return forUser(cfg);
     if (!cfg.elevate || geteuid() == 0)
-        return cfg.args;
+        return allArgs(cfg);
     std::vector<plat::String> args = elevated(cfg);
     checkExecutable(args[0].c_str());
     return args;
@@ -267,6 +266,13 @@ pid_t forkProcess(const LaunchConfig& cfg, ProcessMonitor::Callback* callback) {
     enter(child, "<forked>", cfg, callback);
     log.info("<forked>");
     return child;
+}
+
+plat::String runningExecutable() {
+    char path[PATH_MAX];
+    const ssize_t len = readlink("/proc/self/exe", path, sizeof path - 1);
+    const plat::String target = len > 0 ? plat::String(path, static_cast<int>(len)) : plat::String();
+    return isExecutableFile(target.c_str()) ? target : plat::String("/proc/self/exe");
 }
 
 plat::String findProgram(const char* name) {

@@ -18,6 +18,7 @@ struct LaunchConfig {
     };
 
     std::vector<plat::String> args;                                 ///< the program's absolute path first
+    std::vector<plat::String> trailingArgs;                         ///< behind them and the words of a launch pipe
     std::vector<std::pair<plat::String, plat::String>> environment; ///< names and values, added to ours or replacing
     plat::String workingDir;                                        ///< "": ours
     std::vector<KeptFd> keptFds; ///< standard descriptors are kept anyway, all others closed
@@ -45,6 +46,10 @@ pid_t launchProcess(const LaunchConfig& cfg, ProcessMonitor::Callback* callback 
 /// `args`, `environment`, `elevate` and `asUser` mean nothing here. The event loop and all that hangs on it belong to
 /// the parent: the child may use its descriptors and must end with _exit or execve. Throws as launchProcess does.
 pid_t forkProcess(const LaunchConfig& cfg, ProcessMonitor::Callback* callback = nullptr);
+
+/// The absolute path of this program; once it has been replaced on the disk the link in /proc, which still leads to
+/// what runs.
+plat::String runningExecutable();
 
 /// The absolute path of an executable file of that name, from the absolute directories of PATH only; else "".
 plat::String findProgram(const char* name);
