@@ -1,8 +1,10 @@
 #include "score/ConnectionInfo.h"
 
 #include "loc/Localize.h"
+#include "plat/Exception.h"
 #include "rdr/InStream.h"
 #include "rdr/OutStream.h"
+#include "sysauth/SecurityPrincipal.h"
 
 #include <algorithm>
 #include <cstring>
@@ -42,6 +44,13 @@ bool ConnectionInfo::isSameConnection(const ConnectionInfo& other) const {
 }
 
 plat::String ConnectionInfo::displayName() const {
+    if (strcmp(userType.c_str(), "System") == 0) {
+        try {
+            return sysauth::SecurityPrincipal(user.c_str()).displayName();
+        } catch (const plat::Exception&) {
+            return user; // a name that the system could not have
+        }
+    }
     for (const TypeText& each : typeTexts)
         if (strcmp(userType.c_str(), each.userType) == 0)
             return plat::String(LOC_TEXT(each.key));

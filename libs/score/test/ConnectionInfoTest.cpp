@@ -54,6 +54,11 @@ TEST(ConnectionInfo, IsCalledByItsTypeOrItsName) {
     EXPECT_STREQ(info.displayName().c_str(), "amy");
     info.userType = "Guest";
     EXPECT_STREQ(info.displayName().c_str(), "ZEF guest user");
+    info.userType = "System";
+    EXPECT_STREQ(info.displayName().c_str(), "amy");
+    info.user = "DOMAIN:amy";
+    EXPECT_STREQ(info.displayName().c_str(), "DOMAIN:amy");
+    info.user = "amy";
     info.userType = "guest"; // types compare exactly
     EXPECT_STREQ(info.displayName().c_str(), "amy");
 }
