@@ -30,6 +30,9 @@ public:
     /// Called once, after all modules are there: makes the page. An override calls this first, then fills page().
     virtual void build(mui::MuPager* tabs);
 
+    /// What takes the keys when the window opens on this tab; null leaves that to the order of the elements.
+    virtual mui::MuElement* firstFocus() { return nullptr; }
+
     const char* getName() const { return name.c_str(); }
     const char* getTitle() const { return title.c_str(); }
     int getOrder() const { return order; }

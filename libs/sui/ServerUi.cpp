@@ -16,7 +16,7 @@
 #include "product/init.h"
 #include "score/Mode.h"
 #include "score/ServerHelper.h"
-#include "sui/InformationCenterDialog.h"
+#include "sui/DiagnosticsTab.h"
 
 #include <cstring>
 
@@ -40,8 +40,19 @@ ServerUi::ServerUi(io::MsgIpc* link, ServerUiCallback* platformObject)
       infoDlg(std::make_unique<InformationCenterDialog>()) {
     addMenuItems();
     statusDlg->getDialog()->setCloseCallback(this);
+    addInfoCenterTabs();
     menuProxy.attach(statusDlg->getMoreMenu());
     serverComms.sendUiLocale(loc::Localize::instance().firstLocale().c_str());
+}
+
+void ServerUi::addInfoCenterTabs() {
+    auto connectionsOwned = std::make_unique<ConnectionsTab>(this);
+    connectionsTab = connectionsOwned.get();
+    infoDlg->addTab(std::move(connectionsOwned));
+    auto statusOwned = std::make_unique<StatusTab>(this, &events);
+    statusTab = statusOwned.get();
+    infoDlg->addTab(std::move(statusOwned));
+    infoDlg->addTab(std::make_unique<DiagnosticsTab>(this, &infoDb, &events, platform));
 }
 
 ServerUi::~ServerUi() {
@@ -86,10 +97,10 @@ void ServerUi::activate() {
 
 void ServerUi::addRemConn(const score::ConnectionInfo& info, bool add) {
     if (add)
-        records.push_back(info);
+        connectionsTab->addConnection(info);
     else
-        score::ConnectionInfo::removeMatching(records, info);
-    notifyConnectionCount(static_cast<int>(records.size()));
+        connectionsTab->removeConnection(info);
+    notifyConnectionCount(static_cast<int>(connections().size()));
     // Whoever is looking must show at once, whether or not the core's tree changes too.
     statusDlg->refresh();
 }
@@ -99,6 +110,7 @@ void ServerUi::updateCoreStatus(const CoreStatus& fresh) {
     stopItem->setEnabled(!status.cannotStop);
     const bool vetoed = anyVetoOptions(); // every module hears of each status
     optionsItem->setEnabled(!status.optionsDisabled && !vetoed);
+    statusTab->setOptionsDisabled(status.optionsDisabled);
     platform->refreshAll();
 }
 

@@ -8,11 +8,14 @@
 #include "score/ConnectionInfo.h"
 #include "score/StatusDbReader.h"
 #include "score/StatusEvent.h"
+#include "sui/ConnectionsTab.h"
+#include "sui/InformationCenterDialog.h"
 #include "sui/OptionsDialog.h"
 #include "sui/SUiModule.h"
 #include "sui/ServerComms.h"
 #include "sui/ServerUiCallback.h"
 #include "sui/StatusDialog.h"
+#include "sui/StatusTab.h"
 #include "ui/MenuGrouper.h"
 #include "ui/MenuProxy.h"
 
@@ -61,7 +64,7 @@ public:
 
     const CoreStatus& coreStatus() const { return status; }
     bool isPrivate() const { return privacy; }
-    const std::vector<score::ConnectionInfo>& connections() const { return records; }
+    const std::vector<score::ConnectionInfo>& connections() const { return connectionsTab->connections(); }
 
     // Names of images; null for none. Pure functions of the state.
     static const char* iconName(const CoreStatus& status);
@@ -89,7 +92,7 @@ private:
     // mui::MuMessageBox::Callback
     void messageBoxClosed(mui::MuMessageBox* box, unsigned button) override;
     // StatusDialog::Callback
-    uint32_t connectionCount() override { return static_cast<uint32_t>(records.size()); }
+    uint32_t connectionCount() override { return static_cast<uint32_t>(connections().size()); }
     void statusChanged() override { platform->refreshIcon(); }
     void openInfoCenter(const char* tab) override;
 
@@ -100,6 +103,7 @@ private:
     void openOptions(const char* section); ///< null for the default one
     void showOptionsFailure(const char* message);
     void showAbout();
+    void addInfoCenterTabs();
     void stopConfirmed();
     void runStop();
 
@@ -121,6 +125,8 @@ private:
     CoreStatus status;
     std::unique_ptr<StatusDialog> statusDlg;
     std::unique_ptr<InformationCenterDialog> infoDlg;
+    ConnectionsTab* connectionsTab; // these are the information center's
+    StatusTab* statusTab;
     std::unique_ptr<mui::MuAboutDialog> aboutDlg;
     std::unique_ptr<OptionsDialog> optionsDlg;
     std::unique_ptr<mui::MuMessageBox> optionsFailureBox;

@@ -10,6 +10,7 @@
 #include "plat/MString.h"
 #include "plat/SysColors.h"
 #include "plat/utf8.h"
+#include "plat/visibleText.h"
 
 #include <algorithm>
 #include <cstring>
@@ -19,13 +20,10 @@ namespace {
 constexpr TextStyle headingStyle{240, 300, 0, "contentText"};
 constexpr TextStyle titleStyle{140, 700, 0, "contentText"};
 constexpr const char* linkColour = "#3838c8";
+constexpr uint32_t replacementChar = 0xfffd;
 constexpr const char* darkLinkColour = "#66a7e8"; // the other one can't be read on black
 
-// Controls, and those that turn the direction of text round (Unicode 15, 23.2 and 9.3).
-bool isDisguise(uint32_t c) {
-    return (c < 32 && c != '\n') || c == 127 || c == 0x200e || c == 0x200f || (c >= 0x202a && c <= 0x202e) ||
-           (c >= 0x2066 && c <= 0x2069);
-}
+bool isControl(uint32_t c) { return c < 0x20 || (c >= 0x7f && c < 0xa0) || c == 0x2028 || c == 0x2029; }
 
 mui::MuLayout* addColumn(mui::MuLayout* row, int topPx) {
     mui::MuLayout* column = mui::MuLayout::create(row, "", mui::Orientation::Vertical);
@@ -86,16 +84,21 @@ plat::String styledHtml(const TextStyle& style, const char* html, const char* co
     return out.take();
 }
 
-plat::String escapedText(const char* text) {
-    plat::DString plain;
+plat::String literalText(const char* text) {
+    plat::DString out;
     for (const char* pos = text ? text : ""; *pos;) {
         uint32_t c = 0;
-        const bool valid = plat::utf8::decode(&pos, nullptr, &c);
-        if (valid && !isDisguise(c))
-            plain.appendChars(c, 1);
+        if (!plat::utf8::decode(&pos, nullptr, &c))
+            out.appendChars(replacementChar, 1);
+        else if (c == '\n' || c == '\t' || !(isControl(c) || plat::isInvisible(c)))
+            out.appendChars(c, 1);
     }
+    return out.take();
+}
+
+plat::String escapedText(const char* text) {
     plat::MString out;
-    out.text(plain.c_str());
+    out.text(literalText(text).c_str());
     return out.take();
 }
 

@@ -35,7 +35,12 @@ int weightFor(int size, int weight);
 /// `html` inside a div of that style, its links in `colourOfLinks` unless they state a look (null leaves them).
 plat::String styledHtml(const TextStyle& style, const char* html, const char* colourOfLinks);
 
-/// Plain text as markup: escaped, without control and direction characters that could disguise it.
+/// `text` (null is empty) without characters that show nothing, such as controls and marks of direction, which could
+/// disguise it; invalid UTF-8 becomes U+FFFD. Lines, tabs and blanks stay as they are: for one line see
+/// plat::visibleText.
+plat::String literalText(const char* text);
+
+/// literalText as markup: escaped.
 plat::String escapedText(const char* text);
 
 /// The colour of links in the current theme.

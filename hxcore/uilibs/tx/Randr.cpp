@@ -2,10 +2,15 @@
 
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
+#include "plat/cstr.h"
 #include "plat/numbers.h"
+#include "tx/ErrorCatcher.h"
 #include "tx/TX.h"
 #include "tx/dynXrandr.h"
+#include "tx/edid.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 #include <strings.h>
@@ -14,6 +19,11 @@ namespace tx {
 namespace {
 
 plat::LogSrc logSrc("Randr");
+
+constexpr int quietLevel = 100;
+
+// How drivers name the panels of portable computers.
+constexpr const char* panelNames[] = {"eDP", "LVDS", "DSI"};
 
 struct Version {
     bool present = false;
@@ -52,6 +62,18 @@ Resources getResources() {
             [](XRRScreenResources* r) { dynXrandr::XRRFreeScreenResources(r); }};
 }
 
+// Without asking the hardware, which may take long (RandR 1.3 and later).
+Resources getCurrentResources() {
+    if (!dynXrandr::XRRGetScreenResourcesCurrent.isAvailable())
+        return getResources();
+    return {dynXrandr::XRRGetScreenResourcesCurrent(dpy, rootWindow),
+            [](XRRScreenResources* r) { dynXrandr::XRRFreeScreenResources(r); }};
+}
+
+RROutput getPrimary() {
+    return dynXrandr::XRRGetOutputPrimary.isAvailable() ? dynXrandr::XRRGetOutputPrimary(dpy, rootWindow) : none;
+}
+
 Monitor readMonitor(XRRScreenResources* resources, RRCrtc crtc, const XRRCrtcInfo& info) {
     Monitor monitor;
     monitor.crtc = crtc;
@@ -64,6 +86,56 @@ Monitor readMonitor(XRRScreenResources* resources, RRCrtc crtc, const XRRCrtcInf
         dynXrandr::XRRFreeOutputInfo(output);
     }
     return monitor;
+}
+
+// What the server gives as a property, at most 256 bytes of it; empty if it has none of bytes.
+std::vector<uint8_t> readProperty(RROutput output, const char* name) {
+    constexpr long maxWords = 64;
+    Atom type = none;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long left = 0;
+    unsigned char* data = nullptr;
+    const Atom property = XInternAtom(dpy, name, /*only_if_exists=*/True);
+    if (property == none ||
+        dynXrandr::XRRGetOutputProperty(dpy, output, property, 0, maxWords, False, False, AnyPropertyType, &type,
+                                        &format, &count, &left, &data) != success)
+        return {};
+    std::vector<uint8_t> bytes;
+    if (data && format == 8)
+        bytes.assign(data, data + count);
+    if (data)
+        XFree(data);
+    return bytes;
+}
+
+bool isBuiltIn(const char* name) {
+    return std::any_of(std::begin(panelNames), std::end(panelNames),
+                       [=](const char* prefix) { return plat::startsWithNoCase(name, prefix); });
+}
+
+Output readOutput(XRRScreenResources* resources, RROutput id, const XRROutputInfo& info) {
+    Output output;
+    output.name = plat::String(info.name, info.nameLen);
+    output.monitorName = edidMonitorName(readProperty(id, "EDID"));
+    output.builtIn = isBuiltIn(output.name.c_str());
+    XRRCrtcInfo* crtc = info.crtc == none ? nullptr : dynXrandr::XRRGetCrtcInfo(dpy, resources, info.crtc);
+    if (!crtc)
+        return output;
+    output.active = crtc->mode != none;
+    if (output.active)
+        output.rect = rfb::Rect::xywh(crtc->x, crtc->y, static_cast<int>(crtc->width), static_cast<int>(crtc->height));
+    dynXrandr::XRRFreeCrtcInfo(crtc);
+    return output;
+}
+
+Output wholeScreen() {
+    Output output;
+    output.name = plat::strFormat("Screen %d", DefaultScreen(dpy));
+    output.primary = true;
+    output.active = true;
+    output.rect = rfb::Rect::xywh(0, 0, DisplayWidth(dpy, DefaultScreen(dpy)), DisplayHeight(dpy, DefaultScreen(dpy)));
+    return output;
 }
 
 bool hasOutput(const Monitor& monitor, const char* name) {
@@ -119,6 +191,39 @@ Monitor findMonitor(const char* name) {
             return monitor;
     }
     throw plat::ExceptionFmt("Monitor named '%s' not found", name);
+}
+
+std::vector<Output> listOutputs() {
+    if (!randrAvailable(/*log=*/false))
+        return {wholeScreen()};
+    std::vector<Output> outputs;
+    const ErrorCatcher errors(quietLevel); // an output may go while we ask
+    const Resources resources = getCurrentResources();
+    const RROutput primary = getPrimary();
+    for (int i = 0; resources && i < resources->noutput; i++) {
+        XRROutputInfo* info = dynXrandr::XRRGetOutputInfo(dpy, resources.get(), resources->outputs[i]);
+        if (!info)
+            continue;
+        if (info->connection == RR_Connected) {
+            outputs.push_back(readOutput(resources.get(), resources->outputs[i], *info));
+            outputs.back().primary = resources->outputs[i] == primary;
+        }
+        dynXrandr::XRRFreeOutputInfo(info);
+    }
+    return outputs;
+}
+
+int screenBitsPerPixel() {
+    const int depth = DefaultDepth(dpy, DefaultScreen(dpy));
+    int count = 0;
+    XPixmapFormatValues* formats = XListPixmapFormats(dpy, &count);
+    int bits = depth;
+    for (int i = 0; formats && i < count; i++)
+        if (formats[i].depth == depth)
+            bits = formats[i].bits_per_pixel;
+    if (formats)
+        XFree(formats);
+    return bits;
 }
 
 } // namespace tx

@@ -25,4 +25,20 @@ std::vector<Monitor> listMonitors();
 /// plat::Exception "Monitor named '%s' not found".
 Monitor findMonitor(const char* name);
 
+/// An output with a monitor at it, which may be switched off.
+struct Output {
+    plat::String name;        ///< such as "HDMI-1"
+    plat::String monitorName; ///< as the monitor calls itself; empty if it doesn't say
+    bool primary = false;
+    bool builtIn = false; ///< the panel of a portable computer
+    bool active = false;  ///< shows a part of the screen
+    rfb::Rect rect;       ///< on the root window; empty while inactive
+};
+
+/// What the server knows without asking the hardware. Where RandR is missing, the screen as one output.
+std::vector<Output> listOutputs();
+
+/// The bits that one pixel of the screen takes in a picture.
+int screenBitsPerPixel();
+
 } // namespace tx

@@ -27,5 +27,6 @@ inline const Fn<decltype(::XRRFreeCrtcInfo)> XRRFreeCrtcInfo{library, "XRRFreeCr
 inline const Fn<decltype(::XRRGetOutputInfo)> XRRGetOutputInfo{library, "XRRGetOutputInfo"};
 inline const Fn<decltype(::XRRFreeOutputInfo)> XRRFreeOutputInfo{library, "XRRFreeOutputInfo"};
 inline const Fn<decltype(::XRRGetOutputPrimary)> XRRGetOutputPrimary{library, "XRRGetOutputPrimary"};
+inline const Fn<decltype(::XRRGetOutputProperty)> XRRGetOutputProperty{library, "XRRGetOutputProperty"};
 
 } // namespace tx::dynXrandr

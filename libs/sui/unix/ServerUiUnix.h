@@ -4,6 +4,7 @@
 #include "plat/Timer.h"
 #include "sui/ServerUi.h"
 #include "sui/ServerUiCallback.h"
+#include "sui/unix/displayInfo.h"
 
 namespace sui {
 
@@ -21,6 +22,7 @@ private:
     // sui::ServerUiCallback
     void dialogOpened() override { dialogWanted = true; }
     bool mayHideDialog() override;
+    DisplayInfo displayInfo() override { return readDisplayInfo(); }
     // plat::Timer::Callback
     bool timerExpired(plat::Timer* timer) override;
 
