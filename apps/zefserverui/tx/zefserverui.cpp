@@ -2,24 +2,19 @@
 #include "io/FdIo.h"
 #include "loc/Localize.h"
 #include "mui/MuiComms.h"
-#include "mui/tx/followDesktop.h"
-#include "mui/tx/muFactories.h"
-#include "mui/wvw/MuiWvw.h"
 #include "os/AppInfo.h"
 #include "os/setUserHelper.h"
-#include "plat/Configuration.h"
 #include "plat/DString.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
 #include "product/init.h"
-#include "registerBuiltInResources.h"
 #include "score/Mode.h"
-#include "tx/DesktopSettings.h"
 #include "tx/TX.h"
-#include "tx/TXWindowIcon.h"
 #include "ui/tx/AppLoop.h"
 #include "zefserverui/tx/ServerUiApp.h"
 #include "zefserverui/tx/descriptors.h"
+#include "zefserverui/tx/queryConnect.h"
+#include "zefserverui/tx/setup.h"
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
@@ -33,29 +28,7 @@
 namespace {
 plat::LogSrc log("zefserverui");
 
-constexpr const char* displayVersion = "7.18.0 (r14)";
-constexpr const char* dottedVersion = "7.18.0.14";
-constexpr const char* programName = "zefserverui";
 constexpr int linkReadBytes = 262144; // one read empties a socket; what stays unused takes no memory
-
-/// Prints what can be set, and ends the process.
-class Usage : public plat::Configuration::HelpCallback {
-public:
-    void showHelp(int level) override {
-        plat::Configuration::global().usage(/*all=*/level > 0, /*showDefaults=*/true);
-        exit(0);
-    }
-};
-
-void initProduct(const char* programPath, const plat::String& name) {
-    product::setVersion(displayVersion, dottedVersion);
-    product::InitArgs args{programPath};
-    args.applicationName = name.c_str();
-    args.displayNameKey = "svr_server_app_name_r";
-    args.fileLogging = true;
-    args.readStores = true;
-    product::init(args);
-}
 
 // Writes the caller's real user id where the core looks for the owner of the desktop.
 int runServiceUi() {
@@ -80,27 +53,16 @@ void setupInspection() {
     mui::MuiComms::initFromParameter(mui::Mui::instance(), suffix.get());
 }
 
-void setupToolkit() {
-    static tx::DesktopSettings desktop; // first: the toolkit takes scale and theme when it is made
-    static mui::MuiWvw toolkit;
-    mui::Mui::setInstance(&toolkit);
-    mui::followDesktop(desktop);
-    tx::setWindowIcon("zefserver");
-    mui::fillFactories();
-}
-
 int runServerUi(int argc, char** argv) {
     const bool isGoodCall = argc >= 3 && score::isProductModeName(argv[1]);
     if (argc >= 2 && score::isProductModeName(argv[1]))
         score::setProductMode(score::parseProductMode(argv[1]));
-    initProduct(argv[0], plat::strFormat("%s-%s", programName, score::productModeName(score::productMode())));
+    initProduct(argv[0], /*fileLogging=*/true);
     if (!isGoodCall)
         throw plat::Exception(LOC_TEXT("plat_this_program_not_directly"));
-    Usage usage;
-    plat::Configuration::global().setFromArgsStrict(argv + 3, &usage);
+    setParameters(argv + 3);
     os::AppInfo::setExtraArgs(argv + 3);
 
-    registerBuiltInResources();
     ui::AppLoop loop;
     setupToolkit();
     setupInspection();
@@ -115,10 +77,12 @@ int runRoad(int argc, char** argv) {
     os::runSetUserHelper(argc, argv); // before anything is opened or read
     const char* road = argc >= 2 ? argv[1] : "";
     repairStandardDescriptors();
-    if (strcmp(road, "-statusicon") == 0 || strcmp(road, "-QueryConnectApp") == 0)
+    if (strcmp(road, "-statusicon") == 0)
         return unavailableRoad(road);
     if (strcmp(road, "-serviceui") == 0)
         return runServiceUi();
+    if (strcmp(road, "-QueryConnectApp") == 0)
+        return runQueryConnect(argc, argv);
     return runServerUi(argc, argv);
 }
 

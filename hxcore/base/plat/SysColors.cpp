@@ -35,6 +35,8 @@ constexpr ThemeColor themeColors[] = {
     {"statusYellow", 0xe6a000, 0xe6a000},
     {"statusRed", 0xc90000, 0xc90000},
     {"statusText", 0xffffff, 0xffffff},
+    {"warningText", 0x8f5600, 0xe6a000}, // statusYellow as text, at 6.0 and 9.4 to 1
+    {"outsideText", 0x1565c0, 0x66a7e8}, // what others wrote, inside a sentence of ours
     {"customBigBtnBg", 0x1976d2, 0x1976d2},
     {"customBigBtnText", 0xffffff, 0xffffff},
     {"white", 0xffffff, 0xffffff},

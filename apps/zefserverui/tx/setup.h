@@ -1,0 +1,12 @@
+// Steps of the start that the roads with windows share.
+#pragma once
+
+/// Identity, directories, configuration and log of this program, its name being "zefserverui-" and the product mode.
+/// `programPath` is argv[0].
+void initProduct(const char* programPath, bool fileLogging);
+
+/// The parameters on the command line, null-terminated; a bad one, or a call for help, ends the process.
+void setParameters(char** args);
+
+/// Pictures, fonts, windows and elements, in the looks of the desktop. Once, with the loop made.
+void setupToolkit();
