@@ -9,6 +9,7 @@
 #include "plat/LogSrc.h"
 #include "product/init.h"
 #include "score/Mode.h"
+#include "tx/DesktopUidMonitor.h"
 #include "tx/TX.h"
 #include "ui/tx/AppLoop.h"
 #include "zefserverui/tx/ServerUiApp.h"
@@ -16,7 +17,6 @@
 #include "zefserverui/tx/queryConnect.h"
 #include "zefserverui/tx/setup.h"
 
-#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <csignal>
 #include <cstdio>
@@ -33,11 +33,8 @@ constexpr int linkReadBytes = 262144; // one read empties a socket; what stays u
 // Writes the caller's real user id where the core looks for the owner of the desktop.
 int runServiceUi() {
     tx::TXInit();
-    long uid = static_cast<long>(getuid()); // format 32 travels in longs (Xlib, XChangeProperty)
-    const Atom property = XInternAtom(tx::dpy, "ZEF_DESKTOP_UID", False);
-    XChangeProperty(tx::dpy, tx::rootWindow, property, XA_CARDINAL, 32, PropModeReplace,
-                    reinterpret_cast<unsigned char*>(&uid), 1);
-    XCloseDisplay(tx::dpy);
+    tx::writeDesktopUid(getuid());
+    tx::TXClose();
     return 0;
 }
 

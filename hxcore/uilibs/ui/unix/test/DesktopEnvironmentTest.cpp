@@ -1,49 +1,14 @@
 #include "ui/unix/DesktopEnvironment.h"
 
+#include "os/test/Sleeper.h"
 #include "plat/test/CapturedLog.h"
 #include "tx/test/XTest.h"
 
 #include <algorithm>
-#include <csignal>
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
 using Kind = ui::DesktopEnvironment::Kind;
-
-/// A sleeping process whose environment holds one address, perhaps of another user.
-class Sleeper {
-public:
-    explicit Sleeper(const std::string& address, uid_t user = geteuid()) {
-        int ready[2];
-        if (pipe2(ready, O_CLOEXEC) != 0)
-            std::abort();
-        pid = fork();
-        if (pid == 0) {
-            const std::string variable = "DBUS_SESSION_BUS_ADDRESS=" + address;
-            if (user != geteuid() && setuid(user) != 0)
-                _exit(1);
-            const char* environment[] = {"A=1", variable.c_str(), nullptr};
-            execle("/bin/sleep", "sleep", "60", nullptr, environment);
-            _exit(1);
-        }
-        close(ready[1]);
-        char byte;
-        while (read(ready[0], &byte, 1) < 0) // ends with the execve
-            ;
-        close(ready[0]);
-    }
-    ~Sleeper() {
-        kill(pid, SIGKILL);
-        waitpid(pid, nullptr, 0);
-    }
-    Sleeper(const Sleeper&) = delete;
-    Sleeper& operator=(const Sleeper&) = delete;
-
-    pid_t pid;
-};
 
 struct DesktopTest : txtest::XTest, ui::DesktopEnvironment::Callback {
     ~DesktopTest() override {
@@ -161,10 +126,10 @@ TEST_F(DesktopTest, OnlyAFirstStringOfTheRightTypeAndFormatCounts) {
 
 TEST_F(DesktopTest, TheBusAddressIsThatOfAProcessOfOurs) {
     redirect();
-    const Sleeper good("unix:path=/run/user/7/bus,guid=12");
-    const Sleeper remote("tcp:host=evil,port=1");
-    const Sleeper mixed("unix:abstract=/a;unixexec:path=/bin/sh");
-    const Sleeper blank("unix:path=/a b");
+    const os::Sleeper good("DBUS_SESSION_BUS_ADDRESS=unix:path=/run/user/7/bus,guid=12");
+    const os::Sleeper remote("DBUS_SESSION_BUS_ADDRESS=tcp:host=evil,port=1");
+    const os::Sleeper mixed("DBUS_SESSION_BUS_ADDRESS=unix:abstract=/a;unixexec:path=/bin/sh");
+    const os::Sleeper blank("DBUS_SESSION_BUS_ADDRESS=unix:path=/a b");
     const Window shell = window(instance("gnome-shell"));
     const auto addressFor = [&](long pid, const char* type = "CARDINAL") {
         setPid(shell, pid, type);
@@ -178,7 +143,7 @@ TEST_F(DesktopTest, TheBusAddressIsThatOfAProcessOfOurs) {
     for (const long pid : {long{remote.pid}, long{mixed.pid}, long{blank.pid}, 0L, -1L, 0x7fffffffL, 0xffffffffL})
         EXPECT_EQ(addressFor(pid), "") << pid;
     if (geteuid() == 0) {
-        const Sleeper stranger("unix:path=/tmp/trap", 65534);
+        const os::Sleeper stranger("DBUS_SESSION_BUS_ADDRESS=unix:path=/tmp/trap", 65534);
         EXPECT_EQ(addressFor(stranger.pid), "");
     }
     // Another window of the same kind may know better; one of a lesser kind isn't asked.
