@@ -39,6 +39,10 @@ ConsentGuard::~ConsentGuard() {
 
 void ConsentGuard::shown() {
     shownAt = getServerTime();
+    uncoveredAt = shownAt;
+    visibility = VisibilityUnobscured;
+    mayBeTyping = false;
+    clicked = false;
     buttons.clear(); // a release alone has no effect
     noteHeldKeys();
 }
@@ -51,6 +55,19 @@ void ConsentGuard::noteHeldKeys() {
         if (down[code / 8] & (1 << code % 8))
             keys[code] = Verdict::NotFresh;
     }
+}
+
+/// The keyboard is ours from here on. What went down before counts as held, and a press on its way does too.
+void ConsentGuard::noteKeyboard() {
+    noteHeldKeys();
+    quietSince = getServerTime();
+    mayBeTyping = !clicked || msBetween(clickedAt, quietSince) > keyDelayMs;
+}
+
+void ConsentGuard::noteVisibility(int state) {
+    if (state < visibility) // VisibilityUnobscured is the least
+        uncoveredAt = getServerTime();
+    visibility = state;
 }
 
 ConsentGuard::Verdict ConsentGuard::verdict() const {
@@ -73,6 +90,8 @@ const char* ConsentGuard::describe(Verdict verdict) {
         return "too early";
     case Verdict::NotFresh:
         return "no fresh press";
+    case Verdict::Hidden:
+        return "the window is hidden";
     case Verdict::Injected:
         return "injected";
     case Verdict::Unknown:
@@ -84,16 +103,34 @@ const char* ConsentGuard::describe(Verdict verdict) {
 ConsentGuard::Verdict ConsentGuard::judge(const XEvent& event) {
     switch (event.type) {
     case FocusIn:
-        // Keys that went down while others had the keyboard. A press that is still on its way counts as held.
+        if (event.xany.send_event)
+            return Verdict::NoInput;
+        hasKeyboard = event.xfocus.detail != NotifyPointer;
+        noteKeyboard();
+        return Verdict::NoInput;
+    case FocusOut:
         if (!event.xany.send_event)
-            noteHeldKeys();
+            hasKeyboard = false;
+        return Verdict::NoInput;
+    case EnterNotify:
+        // Where no window has the focus, keys go to the one under the pointer.
+        if (event.xcrossing.focus && !hasKeyboard && !event.xany.send_event)
+            noteKeyboard();
+        return Verdict::NoInput;
+    case Expose:
+        if (!event.xany.send_event)
+            uncoveredAt = getServerTime();
+        return Verdict::NoInput;
+    case VisibilityNotify:
+        if (!event.xany.send_event)
+            noteVisibility(event.xvisibility.state);
         return Verdict::NoInput;
     case KeyPress:
-        return judgePress(event, keyDelayMs, keys, event.xkey.keycode);
+        return judgePress(event, keys, event.xkey.keycode);
     case KeyRelease:
         return judgeRelease(event, keys, event.xkey.keycode);
     case ButtonPress:
-        return judgePress(event, pointerDelayMs, buttons, event.xbutton.button);
+        return judgePress(event, buttons, event.xbutton.button);
     case ButtonRelease:
         return judgeRelease(event, buttons, event.xbutton.button);
     case MotionNotify:
@@ -103,7 +140,7 @@ ConsentGuard::Verdict ConsentGuard::judge(const XEvent& event) {
     }
 }
 
-ConsentGuard::Verdict ConsentGuard::judgePress(const XEvent& event, int delayMs, std::map<unsigned, Verdict>& presses,
+ConsentGuard::Verdict ConsentGuard::judgePress(const XEvent& event, std::map<unsigned, Verdict>& presses,
                                                unsigned code) {
     if (event.xany.send_event)
         return Verdict::Forged; // and what is held stays so
@@ -113,10 +150,35 @@ ConsentGuard::Verdict ConsentGuard::judgePress(const XEvent& event, int delayMs,
     Verdict verdict = judgeSource(event);
     if (verdict != Verdict::Injected && (repeated || presses.count(code)))
         verdict = Verdict::NotFresh;
-    else if (verdict != Verdict::Injected && msBetween(shownAt, event.xkey.time) < delayMs)
-        verdict = Verdict::TooEarly;
+    else if (verdict == Verdict::Deliberate)
+        verdict = judgeTime(event);
     presses[code] = verdict;
     return verdict;
+}
+
+/// Of a fresh press that may count.
+ConsentGuard::Verdict ConsentGuard::judgeTime(const XEvent& event) {
+    if (event.type == KeyPress) {
+        if (isTyping(event) || msBetween(shownAt, event.xkey.time) < keyDelayMs)
+            return Verdict::TooEarly;
+        return visibility == VisibilityFullyObscured ? Verdict::Hidden : Verdict::Deliberate;
+    }
+    const Time time = event.xbutton.time;
+    if (msBetween(shownAt, time) < pointerDelayMs || msBetween(uncoveredAt, time) < pointerDelayMs)
+        return Verdict::TooEarly;
+    clicked = true; // whoever clicks here means this window with the keys that follow, too
+    clickedAt = time;
+    mayBeTyping = false;
+    return Verdict::Deliberate;
+}
+
+/// Whether the key may belong to a text that was begun for another window.
+bool ConsentGuard::isTyping(const XEvent& press) {
+    if (!mayBeTyping)
+        return false;
+    mayBeTyping = msBetween(quietSince, press.xkey.time) < keyDelayMs;
+    quietSince = press.xkey.time;
+    return mayBeTyping;
 }
 
 ConsentGuard::Verdict ConsentGuard::judgeRelease(const XEvent& event, std::map<unsigned, Verdict>& presses,

@@ -19,6 +19,10 @@ namespace tx {
 /// after the window appeared. With the parameter LocalConsentOnly it must have come from a device as well, not from
 /// XTEST.
 ///
+/// What another window hid counts as new once it is seen: the delay of the pointer begins again, since the click may
+/// have been meant for what lay there; keys do nothing while all of the window is hidden. And a window that was given
+/// the keyboard, rather than clicked, may have cut into somebody's typing: keys count once none came for keyDelayMs.
+///
 /// Input that can't count is kept from the window altogether (isIgnored), so that nobody else moves the focus, say.
 class ConsentGuard : private plat::NonCopyable {
 public:
@@ -28,6 +32,7 @@ public:
         Forged,  ///< sent by a client
         TooEarly,
         NotFresh, ///< held down since before, or repeated
+        Hidden,   ///< a key, while nobody can see the window
         Injected, ///< not by a device of this computer
         Unknown,  ///< injected perhaps: the server doesn't tell
     };
@@ -63,13 +68,24 @@ public:
 
 private:
     Verdict judge(const XEvent& event);
-    Verdict judgePress(const XEvent& event, int delayMs, std::map<unsigned, Verdict>& presses, unsigned code);
+    Verdict judgePress(const XEvent& event, std::map<unsigned, Verdict>& presses, unsigned code);
     Verdict judgeRelease(const XEvent& event, std::map<unsigned, Verdict>& presses, unsigned code);
     static Verdict judgeSource(const XEvent& event);
+    Verdict judgeTime(const XEvent& event);
+    bool isTyping(const XEvent& press);
     void noteHeldKeys();
+    void noteKeyboard();
+    void noteVisibility(int state);
 
-    bool watching;    // the sources of input
-    Time shownAt = 0; // by the server's clock
+    bool watching;        // the sources of input
+    Time shownAt = 0;     // by the server's clock, as are all times here
+    Time uncoveredAt = 0; // a part of the window, or all of it
+    int visibility = VisibilityUnobscured;
+    bool hasKeyboard = false; // by the focus, rather than under the pointer
+    bool mayBeTyping = false; // since the keyboard came; quietSince holds
+    Time quietSince = 0;      // the keyboard came, or the last key that was too early
+    bool clicked = false;     // deliberately; clickedAt holds
+    Time clickedAt = 0;
     Verdict current = Verdict::NoInput;
     std::map<unsigned, Verdict> keys;    // that are down, and what was thought of their press
     std::map<unsigned, Verdict> buttons; // the same

@@ -491,6 +491,7 @@ void TXWParent::defineCursor() {
 void TXWParent::guardInput() {
     if (guard || !isMapped())
         return;
+    addEventMask(VisibilityChangeMask);
     guard = std::make_shared<ConsentGuard>();
     guard->shown();
     refusalsTold = 0;

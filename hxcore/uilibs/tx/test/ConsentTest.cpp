@@ -51,7 +51,10 @@ struct ConsentTest : XTest, wvw::WInputHandler {
     void show() {
         parent.show(true);
         pump();
-        XSetInputFocus(other.display, parent.win(), RevertToPointerRoot, tx::currentTime);
+        focus(parent.win());
+    }
+    void focus(Window window) {
+        XSetInputFocus(other.display, window, RevertToPointerRoot, tx::currentTime);
         pump();
     }
     /// The server itself waits before it makes the event.
@@ -147,6 +150,44 @@ TEST_F(ConsentTest, WhatClientsSendDoesNotReachIt) {
     EXPECT_FALSE(button.isHovered() || button.isPressed());
     press(XK_Return);
     EXPECT_EQ(taken(), 1);
+}
+
+// Somebody is writing when a window manager hands the keyboard over.
+TEST_F(ConsentTest, TypingThatGoesOnNeverAnswers) {
+    show();
+    focus(other.root());
+    press(XK_F5, /*afterMs=*/1010);
+    focus(parent.win());
+    for (const KeySym typed : {XK_space, XK_Return, XK_space})
+        press(typed, /*afterMs=*/450);
+    EXPECT_EQ(taken(), 0);
+    press(XK_Return, /*afterMs=*/1010);
+    EXPECT_EQ(taken(), 1);
+
+    // A click into the window says whom the keys are for.
+    focus(other.root());
+    click();
+    focus(parent.win());
+    press(XK_Return, /*afterMs=*/5);
+    EXPECT_EQ(taken(), 2);
+}
+
+TEST_F(ConsentTest, WhatWasHiddenIsNewOnceItIsSeen) {
+    show();
+    XSetWindowAttributes unmanaged{};
+    unmanaged.override_redirect = True;
+    const Window cover = other.makeWindow();
+    XChangeWindowAttributes(other.display, cover, CWOverrideRedirect, &unmanaged);
+    XMoveResizeWindow(other.display, cover, 90, 90, 200, 200);
+    XMapRaised(other.display, cover);
+    press(XK_Return, /*afterMs=*/1010);
+    EXPECT_EQ(taken(), 0); // nobody can see what it would answer
+    XUnmapWindow(other.display, cover);
+    click(); // meant for what lay there
+    EXPECT_EQ(taken(), 0);
+    click(/*afterMs=*/510);
+    press(XK_Return);
+    EXPECT_EQ(taken(), 2);
 }
 
 TEST_F(ConsentTest, ByPolicyInjectedInputIsIgnoredAndSaidSo) {
