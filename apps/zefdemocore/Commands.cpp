@@ -69,6 +69,20 @@ std::string unhex(const std::string& text) {
         bytes += static_cast<char>(strtoul(digits.substr(i, 2).c_str(), nullptr, 16));
     return bytes;
 }
+
+// Bytes that a line can't hold, as in addresses: "%0a".
+std::string unpercent(const std::string& text) {
+    const auto isHex = [&](size_t at) {
+        return at < text.size() && std::isxdigit(static_cast<unsigned char>(text[at]));
+    };
+    std::string bytes;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const bool coded = text[i] == '%' && isHex(i + 1) && isHex(i + 2);
+        bytes += coded ? unhex(text.substr(i + 1, 2)) : text.substr(i, 1);
+        i += coded ? 2 : 0;
+    }
+    return bytes;
+}
 } // namespace
 
 struct Commands::Command {
@@ -82,13 +96,14 @@ const Commands::Command Commands::table[] = {
     {"children", &Commands::children, "N PARENT: N distinct nodes under one parent, in one batch"},
     {"close", &Commands::closeLink, "close the link to the UI"},
     {"commit", &Commands::commit, "commit the status database"},
-    {"connect", &Commands::connect, "USER ADDRESS TYPE: a user comes"},
+    {"connect", &Commands::connect, "USER ADDRESS TYPE [PERMISSIONS]: a user comes; %20 is a blank, and so on"},
     {"corestatus", &Commands::coreStatus, "STATE OPTIONSOFF CANNOTSTOP CLOSESTOPS NOTIFYMS FLAGS"},
     {"desktop", &Commands::desktop, "0|1: the desktop ended or started"},
     {"disconnect", &Commands::disconnect, "USER: a user goes"},
     {"echo", &Commands::echo, "TEXT: print it"},
     {"end", &Commands::end, "close the batch, which commits"},
-    {"event", &Commands::event, "ID SEVERITY TITLE | description=.. | recovery=.. : something to know"},
+    {"event", &Commands::event,
+     "ID SEVERITY TITLE | description=.. | recovery=.. : something to know; %0a is a line end"},
     {"exited", &Commands::waitExit, "[MS]: wait for the end of the UI and print it"},
     {"features", &Commands::features, "NAME=ae NAME=a NAME= ..: available, enabled"},
     {"flood", &Commands::flood, "N: N writes of one node in one batch"},
@@ -108,7 +123,7 @@ const Commands::Command Commands::table[] = {
     {"showoptions", &Commands::showOptions, "[SECTION]"},
     {"showstatus", &Commands::showStatus, "open the status dialog"},
     {"sleep", &Commands::sleep, "MS"},
-    {"text", &Commands::text, "PATH TEXT: write a node with that text"},
+    {"text", &Commands::text, "PATH TEXT: write a node with that text; %0a is a line end"},
     {"wait", &Commands::wait, "MESSAGE [MS]: until the UI has sent it"},
 };
 
@@ -170,9 +185,18 @@ void Commands::finish() {
     queue.clear();
 }
 
-void Commands::uiMessage(const std::string& name) {
-    if (name == "updateStatus" && mirror)
+void Commands::answer(const std::string& name, const std::vector<std::string>& fields) {
+    if (name == "updateStatus")
         model.sendAll();
+    else if (name == "disconnClient")
+        model.disconnect(fields.at(0), fields.at(1));
+    else if (name == "resolveEvent")
+        link.sendText("resolveEvent", fields.at(0)); // nothing that it could do itself
+}
+
+void Commands::uiMessage(const std::string& name, const std::vector<std::string>& fields) {
+    if (mirror)
+        answer(name, fields);
     if (!waitingFor.empty() && name == waitingFor) {
         waitingFor.clear();
         timer.cancel();
@@ -233,7 +257,7 @@ void Commands::node(const std::string& rest) {
 void Commands::text(const std::string& rest) {
     std::string left = rest;
     const std::string path = takeWord(left);
-    model.setText(path, left);
+    model.setText(path, unpercent(left));
 }
 
 void Commands::removeNode(const std::string& rest) { model.remove(rest); }
@@ -247,6 +271,8 @@ void Commands::event(const std::string& rest) {
     const uint32_t severity = number(takeWord(left));
     std::map<std::string, std::string> data = keyValues(left);
     data["title"] = parts(left).front();
+    for (auto& [key, value] : data)
+        value = unpercent(value);
     model.setEvent(id, severity, data);
 }
 
@@ -254,15 +280,15 @@ void Commands::removeEvent(const std::string& rest) { model.removeEvent(rest); }
 
 void Commands::connect(const std::string& rest) {
     const Words words = split(rest);
-    if (words.size() != 3) {
-        fail("connect USER ADDRESS TYPE");
+    if (words.size() != 3 && words.size() != 4) {
+        fail("connect USER ADDRESS TYPE [PERMISSIONS]");
         return;
     }
-    model.connect(words[0], words[1], words[2]);
+    model.connect(unpercent(words[0]), unpercent(words[1]), words[2], words.size() > 3 ? words[3] : "sv");
 }
 
 void Commands::disconnect(const std::string& rest) {
-    if (!model.disconnect(rest))
+    if (!model.disconnect(unpercent(rest)))
         fail("no such user: " + rest);
 }
 

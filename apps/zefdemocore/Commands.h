@@ -16,7 +16,7 @@ namespace democore {
 /// Runs command lines in turn; `sleep` and `wait` hold up those behind them while the loop goes on.
 class Commands : public StopListener::Callback, private CoreLink::Callback, private plat::Timer::Callback {
 public:
-    Commands(UiProcess* uiProcess, bool mirrorStatus); ///< borrowed; `mirrorStatus` answers updateStatus
+    Commands(UiProcess* uiProcess, bool mirrorStatus); ///< borrowed; `mirrorStatus` answers the UI as a core would
     ~Commands() override;
 
     void add(const std::string& line); ///< at the end of the queue
@@ -30,11 +30,12 @@ private:
     static const Command table[];
 
     // CoreLink::Callback
-    void uiMessage(const std::string& name) override;
+    void uiMessage(const std::string& name, const std::vector<std::string>& fields) override;
     void linkLost() override;
     // plat::Timer::Callback
     bool timerExpired(plat::Timer* timer) override;
 
+    void answer(const std::string& name, const std::vector<std::string>& fields);
     void runQueue();
     void run(const std::string& line);
     void fail(const std::string& why);

@@ -28,7 +28,7 @@ std::string readField(rdr::InStream& in, char kind) {
         return std::to_string(in.readU32());
     const plat::String text =
         kind == 's' ? in.readString8(/*repairUtf8=*/true) : in.readString32(maxLogText, /*repairUtf8=*/true);
-    return "\"" + std::string(text.c_str()) + "\"";
+    return text.c_str();
 }
 
 std::string messageOf(const char* db) { return std::string("StatusDb") + db; }
@@ -47,13 +47,17 @@ void CoreLink::ipcClosed(io::MsgIpc*) { callback->linkLost(); }
 
 bool CoreLink::readMsg(const char* name, rdr::InStream& in, io::MsgIpc*) {
     std::string line = std::string("ui: ") + name;
+    std::vector<std::string> fields;
     for (const UiMessage& message : uiMessages)
         if (strcmp(name, message.name) == 0)
-            for (const char* field = message.fields; *field; ++field)
-                line += " " + readField(in, *field);
+            for (const char* field = message.fields; *field; ++field) {
+                fields.push_back(readField(in, *field));
+                const char* quote = *field == 'u' ? "" : "\"";
+                line += " " + (quote + fields.back()) + quote;
+            }
     printf("%s\n", line.c_str());
     fflush(stdout);
-    callback->uiMessage(name);
+    callback->uiMessage(name, fields);
     return true;
 }
 

@@ -23,7 +23,8 @@ public:
     class Callback {
     public:
         virtual ~Callback() = default;
-        virtual void uiMessage(const std::string& name) { (void)name; } ///< after it was printed
+        /// After it was printed; numbers among the fields are decimal.
+        virtual void uiMessage(const std::string& name, const std::vector<std::string>& fields) = 0;
         virtual void linkLost() {}
     };
 

@@ -66,8 +66,9 @@ void CoreModel::removeEvent(const std::string& id) {
     commitUnlessBatch(eventDb);
 }
 
-void CoreModel::connect(const std::string& user, const std::string& address, const std::string& userType) {
-    connections.push_back({user, address, std::to_string(nextId++), "demo", "sv", userType});
+void CoreModel::connect(const std::string& user, const std::string& address, const std::string& userType,
+                        const std::string& permissions) {
+    connections.push_back({user, address, std::to_string(nextId++), "demo", permissions, userType});
     link->addRemConn(connections.back(), true);
 }
 
@@ -79,6 +80,15 @@ bool CoreModel::disconnect(const std::string& user) {
     link->addRemConn(*found, false);
     connections.erase(found);
     return true;
+}
+
+void CoreModel::disconnect(const std::string& idA, const std::string& idB) {
+    std::erase_if(connections, [&](const Connection& each) {
+        const bool meant = (idA.empty() && idB.empty()) || (each.idA == idA && each.idB == idB);
+        if (meant)
+            link->addRemConn(each, false);
+        return meant;
+    });
 }
 
 void CoreModel::sendAll() {

@@ -24,8 +24,10 @@ public:
     void setEvent(const std::string& id, uint32_t severity, const std::map<std::string, std::string>& data);
     void removeEvent(const std::string& id);
 
-    void connect(const std::string& user, const std::string& address, const std::string& userType);
-    bool disconnect(const std::string& user); ///< the first of that name; false if there is none
+    void connect(const std::string& user, const std::string& address, const std::string& userType,
+                 const std::string& permissions);
+    bool disconnect(const std::string& user);                        ///< the first of that name; false if there is none
+    void disconnect(const std::string& idA, const std::string& idB); ///< both empty: all
 
     void sendAll(); ///< both databases again, as an answer to updateStatus
 

@@ -114,6 +114,7 @@ void ConnectionsTab::buildHistory() {
     using mui::MuList;
     pastLayout = mui::MuLayout::create(page(), "history", mui::Orientation::Vertical);
     pastLayout->setSpacing(hxutil::scaled(halfUnits));
+    mui::MuSpacer::create(pastLayout, ""); // a new group
     mui::MuStatic::create(pastLayout, "heading", LOC_TEXT("sui_connectionstab_past"));
     pastTable = MuList::create(pastLayout, "pastlist", MuList::Heading | MuList::KeepSelection);
     for (const char* key : {"sui_connectionstab_usercolumn", "sui_connectionstab_addresscolumn",

@@ -45,12 +45,25 @@ void InformationCenterDialog::show(const char* tabName) {
     for (const auto& tab : tabs)
         tab->aboutToShow();
     dialog->setShown(true);
+    dialog->raise(); // it may lie under other windows
     dialog->nativeLayout();
-    if (!tabName)
-        return;
+    if (tabName)
+        select(tabName);
+    for (const auto& tab : tabs) {
+        mui::MuElement* first = isCurrent(*tab) ? tab->firstFocus() : nullptr;
+        if (first)
+            first->setFocus();
+    }
+}
+
+void InformationCenterDialog::select(const char* tabName) {
     for (int i = 0; i < pager->getChildCount(); ++i)
         if (strcmp(pager->getChild(i)->getName(), tabName) == 0)
             pager->setPage(i);
+}
+
+bool InformationCenterDialog::isCurrent(const InformationCenterTab& tab) const {
+    return tab.page() && pager->getChild(pager->getPage()) == tab.page();
 }
 
 bool InformationCenterDialog::actionKey(int action, mui::MuDialog*) {

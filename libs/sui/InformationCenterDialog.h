@@ -32,6 +32,9 @@ private:
     // mui::ActionKeyCallback
     bool actionKey(int action, mui::MuDialog*) override;
 
+    void select(const char* tabName);
+    bool isCurrent(const InformationCenterTab& tab) const;
+
     std::vector<std::unique_ptr<InformationCenterTab>> tabs;
     std::unique_ptr<mui::MuDialog> dialog;
     mui::MuPager* pager = nullptr;

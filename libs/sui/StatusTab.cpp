@@ -23,7 +23,8 @@ namespace {
 using score::StatusEvent;
 
 constexpr int tabOrder = 2;
-constexpr int iconColumnUnits = 56;
+constexpr int iconColumnUnits = 40;
+constexpr int cellPaddings = 8; // pixels, which a cell has on both sides
 constexpr int severityUnits = 32;
 constexpr int visibleRows = 5;
 constexpr TextStyle titleStyle{120, 700, 0, "buttonText"};
@@ -85,7 +86,7 @@ void StatusTab::build(mui::MuPager* tabs) {
     page()->setChildLayout(listLayout, mui::MuLayout::Stretch);
     table = mui::MuList::create(listLayout, "issues", mui::MuList::KeepSelection | mui::MuList::EnterActivates);
     const int iconPx = hxutil::scaled(severityUnits);
-    table->addColumn(mui::MuList::ColumnType::Image, nullptr, hxutil::scaled(iconColumnUnits),
+    table->addColumn(mui::MuList::ColumnType::Image, nullptr, hxutil::scaled(iconColumnUnits) + cellPaddings,
                      mui::MuList::Align::Centre, {iconPx, iconPx}); // "statusicon"
     table->addColumn(mui::MuList::ColumnType::Text, nullptr);       // "issue"
     table->setVisibleRows(visibleRows);

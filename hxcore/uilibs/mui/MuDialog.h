@@ -105,7 +105,8 @@ public:
     const char* getTitle() const { return getLabel(); }
     MuElement* getActionButton(int action) const { return actionButtons[action]; } ///< may be null
 
-    virtual void clear(); ///< deletes all panels, the last first
+    virtual void raise() {} ///< on top and active, if it is shown and the window manager agrees
+    virtual void clear();   ///< deletes all panels, the last first
     virtual void setMinSize(const rfb::Point& size) = 0;
     virtual void* nativeWindow() = 0; ///< the toolkit's window object, null if there is none
     virtual void setParentDialog(MuDialog* dialog);

@@ -298,6 +298,11 @@ void MuDialogTx::hide() {
     window->hide(false);
 }
 
+void MuDialogTx::raise() {
+    if (shown)
+        window->raise();
+}
+
 void MuDialogTx::place() {
     auto* parentWindow = parentDialog ? static_cast<tx::TXWindow*>(parentDialog->nativeWindow()) : nullptr;
     if (!parentWindow || !parentWindow->isMapped() || (dialogFlags & Popup)) {

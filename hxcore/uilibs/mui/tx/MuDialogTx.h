@@ -21,6 +21,7 @@ public:
     ~MuDialogTx() override;
 
     // MuDialog
+    void raise() override;
     void setMinSize(const rfb::Point& size) override;
     void* nativeWindow() override;
     void setParentDialog(MuDialog* dialog) override;

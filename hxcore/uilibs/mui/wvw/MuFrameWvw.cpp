@@ -11,7 +11,7 @@ namespace mui {
 void MuFrameWvw::Background::paint(rfb::FullFramePixelBuffer& pb) {
     wvw::WBgLayout::paint(pb);
     if (type == Type::Line)
-        rfb::frameRect(pb, getRect(), pixel(pb, getStyle().disabled));
+        drawBevel(pb, getRect(), /*sunken=*/false, /*thin=*/true);
     else if (type == Type::Sunken)
         drawBevel(pb, getRect(), /*sunken=*/true, /*thin=*/false);
 }
