@@ -35,7 +35,7 @@ bool isServiceMode() { return score::productMode() == score::ProductMode::Servic
 ServerUi::ServerUi(io::MsgIpc* link, ServerUiCallback* platformObject)
     : ipc(link), platform(platformObject), serverComms(link, this), infoDb("Info"),
       infoReader(std::make_unique<score::StatusDbReader>(link, &infoDb)),
-      eventReader(std::make_unique<score::StatusDbReader>(link, &events)), menuGrouper(&menuProxy),
+      eventReader(std::make_unique<score::StatusDbReader>(link, &events)), connNotifier(this), menuGrouper(&menuProxy),
       statusDlg(std::make_unique<StatusDialog>(&infoDb, &events, static_cast<StatusDialog::Callback*>(this), this)),
       infoDlg(std::make_unique<InformationCenterDialog>()) {
     addMenuItems();
@@ -103,6 +103,7 @@ void ServerUi::addRemConn(const score::ConnectionInfo& info, bool add) {
     notifyConnectionCount(static_cast<int>(connections().size()));
     // Whoever is looking must show at once, whether or not the core's tree changes too.
     statusDlg->refresh();
+    connNotifier.onConnection(info, add, status);
 }
 
 void ServerUi::updateCoreStatus(const CoreStatus& fresh) {

@@ -8,6 +8,7 @@
 #include "score/ConnectionInfo.h"
 #include "score/StatusDbReader.h"
 #include "score/StatusEvent.h"
+#include "sui/ConnNotifier.h"
 #include "sui/ConnectionsTab.h"
 #include "sui/InformationCenterDialog.h"
 #include "sui/OptionsDialog.h"
@@ -31,6 +32,7 @@ namespace sui {
 /// Owns the link's readers, both databases, the dialogs and all modules, and decides what a message does.
 class ServerUi : public SUiModuleMgr,
                  public plat::Markup::LinkCallback,
+                 private ConnNotifier::Callback,
                  private ui::Menu::ActionCallback,
                  private ServerComms::Callback,
                  private OptionsDialog::Callback,
@@ -50,7 +52,7 @@ public:
     ServerComms* comms() override { return &serverComms; }
     score::StatusDb* statusDb() override { return &infoDb; }
     score::StatusEventDb* eventDb() override { return &events; }
-    void activate() override;
+    void activate() override; ///< of sui::ConnNotifier::Callback as well
     void modulesCreated() override;
 
     // plat::Markup::LinkCallback
@@ -115,6 +117,7 @@ private:
     std::unique_ptr<score::StatusDbReader> infoReader;
     std::unique_ptr<score::StatusDbReader> eventReader;
     std::vector<score::ConnectionInfo> records; // in order of arrival
+    ConnNotifier connNotifier;
     ui::MenuProxy menuProxy;
     ui::MenuGrouper menuGrouper;
     ui::Menu::Item* infoCenterItem = nullptr; // the items are the menu's

@@ -114,6 +114,7 @@ public:
     virtual void setTitle(const char* title);
     virtual rfb::Point getOuterSize() = 0;   ///< with the window manager's decoration
     virtual rfb::Rect getScreenArea() = 0;   ///< what windows may cover
+    virtual rfb::Point getScreenSize() = 0;  ///< with panels and all
     virtual ui::MenuBar* menuBar() = 0;      ///< made on first use; null where the toolkit has none
     virtual void moved(const rfb::Point&) {} ///< the window went to this root position
 

@@ -94,6 +94,7 @@ public:
     /// Asks for, or gives up, the pointer and the keyboard. The latest mapped window that wants one has it.
     void setGrab(bool pointer, bool keyboard, Cursor cursor, bool ownerEvents);
     void pushModal(); ///< keys and buttons of our other windows are dropped until this is unmapped
+    void setBesideModal(bool on) { besideModal = on; } ///< takes its input whatever is modal
 
     // Selections.
     bool ownSelection(Atom selection, Time time);
@@ -118,7 +119,8 @@ public:
     bool isOverrideRedirect() const { return overrideRedirect; }
     bool hasWMProperties() const { return wmPropertiesSet; }
     bool isInEvent() const { return scope != nullptr; } ///< a call of ours is under way that may need it to the end
-    bool isModal() const;                               ///< in the modal stack, whoever is on top
+    bool isBesideModal() const { return besideModal; }
+    bool isModal() const; ///< in the modal stack, whoever is on top
     bool grabsPointer() const { return grab.pointer; }
     bool grabsKeyboard() const { return grab.keyboard; }
     bool hasCutText() const { return !cutText.isEmpty(); }
@@ -200,6 +202,7 @@ private:
     bool overrideRedirect;
     bool fixedSize = false;
     bool urgent = false;
+    bool besideModal = false;
     bool inputHint = true;
     int initialState = NormalState;
     unsigned long resizeRequest = 0; // number of our last resize: what was reported before is out of date

@@ -87,7 +87,7 @@ TXWindow* routeInput(XEvent* event, TXWindow* target, bool targetGrabs, TXWindow
         return grabber;
     }
     TXWindow* modal = topModal();
-    return modal && modal != target ? nullptr : target;
+    return modal && modal != target && !target->isBesideModal() ? nullptr : target;
 }
 
 bool isDeleteMessage(const XEvent* event) {

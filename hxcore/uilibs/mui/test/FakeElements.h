@@ -230,6 +230,7 @@ public:
     void* nativeWindow() override { return nullptr; }
     rfb::Point getOuterSize() override { return getSize(); }
     rfb::Rect getScreenArea() override { return {0, 0, 1000, 1000}; }
+    rfb::Point getScreenSize() override { return {1000, 1000}; }
     ui::MenuBar* menuBar() override { return nullptr; }
     void setDefaultFocus(MuElement* element) override { defaultFocus = element; }
 

@@ -8,6 +8,7 @@
 #include "rfb/keySymbols.h"
 #include "rfb/renderOps.h"
 #include "tx/TX.h"
+#include "tx/TXWRoot.h"
 #include "tx/WindowManager.h"
 #include "tx/atoms.h"
 #include "wvw/WCanvas.h"
@@ -135,6 +136,8 @@ void MuDialogTx::applyFlags() {
         window->setFixedSize(true);
     if (dialogFlags & popupFlags) {
         window->setOverrideRedirect(true);
+        // What only tells something stays in reach beside a question.
+        window->setBesideModal((dialogFlags & NoFocusOnShow) != 0);
         return;
     }
     window->setWMProperties(getTitle(), window.get());
@@ -171,6 +174,8 @@ rfb::Point MuDialogTx::getOuterSize() {
 }
 
 rfb::Rect MuDialogTx::getScreenArea() { return tx::WindowManager::getWorkArea(); }
+
+rfb::Point MuDialogTx::getScreenSize() { return tx::TXWRoot::instance().screenSize(); }
 
 void MuDialogTx::setDefaultFocus(MuElement* element) {
     defaultFocus = element;

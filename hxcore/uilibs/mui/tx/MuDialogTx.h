@@ -28,6 +28,7 @@ public:
     void setTitle(const char* title) override;
     rfb::Point getOuterSize() override;
     rfb::Rect getScreenArea() override;
+    rfb::Point getScreenSize() override;
     ui::MenuBar* menuBar() override;
     void setDefaultFocus(MuElement* element) override;
 

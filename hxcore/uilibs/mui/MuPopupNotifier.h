@@ -1,0 +1,39 @@
+// Notifications as popups.
+#pragma once
+
+#include "mui/MuPopupNotification.h"
+#include "ui/Notifier.h"
+
+#include <map>
+#include <memory>
+
+namespace mui {
+
+/// Shows each notification in a popup of its own. A click tells the callback, and ends it unless that wants it kept.
+class MuPopupNotifier : public ui::Notifier, private MuPopupNotification::Callback, private plat::NonCopyable {
+public:
+    explicit MuPopupNotifier(const char* imageName); ///< of the picture in every popup
+    ~MuPopupNotifier() override;                     ///< ends all, telling nobody
+
+    // ui::Notifier
+    Handle notify(const Notification& notification) override;
+    void cancel(Handle handle) override;
+
+private:
+    struct Entry {
+        std::unique_ptr<MuPopupNotification> popup;
+        ui::Notifier::Callback* callback; // may be null
+    };
+
+    // MuPopupNotification::Callback
+    void popupClicked(MuPopupNotification* popup) override;
+    void popupEnded(MuPopupNotification* popup) override;
+
+    Handle handleOf(const MuPopupNotification* popup) const; ///< 0 if it is none of ours
+    ui::Notifier::Callback* drop(Handle handle);             ///< gives the callback of what it was
+
+    plat::String imageName;
+    std::map<Handle, Entry> live;
+};
+
+} // namespace mui
