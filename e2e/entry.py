@@ -47,11 +47,11 @@ class Entry(UiTest):
                 status, _, err = self.run_on_link(mode)
                 self.assertEqual(status, 0, err)
 
-    def test_roads_that_come_later_end_with_a_clear_message(self):
+    def test_helpers_started_by_hand_end_with_a_clear_message(self):
         for road in ("-statusicon", "-QueryConnectApp"):
             status, _, err = self.run_ui(road)
             self.assertEqual(status, 1)
-            self.assertIn(road, err)
+            self.assertIn(NOT_DIRECTLY, err)
 
     def test_the_set_user_helper_becomes_the_user_before_all_else(self):
         status, _, err = self.run_ui("-setuidhelper", "65534")

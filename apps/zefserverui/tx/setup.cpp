@@ -38,6 +38,17 @@ void initProduct(const char* programPath, bool fileLogging) {
     product::init(args);
 }
 
+void initStatusIconProduct(const char* programPath) {
+    const plat::String name = plat::strFormat("%s-statusicon", programName);
+    product::setVersion(displayVersion, dottedVersion);
+    product::InitArgs args{programPath};
+    args.applicationName = name.c_str();
+    args.displayNameKey = "svr_server_app_name_r";
+    product::init(args);
+    if (plat::ConfigParameter* parameter = plat::Configuration::global().find("Log"))
+        parameter->setParam("*:stderr:10", plat::PriorityPreference);
+}
+
 void setParameters(char** args) {
     Usage usage;
     plat::Configuration::global().setFromArgsStrict(args, &usage);

@@ -16,6 +16,7 @@
 #include "zefserverui/tx/descriptors.h"
 #include "zefserverui/tx/queryConnect.h"
 #include "zefserverui/tx/setup.h"
+#include "zefserverui/tx/statusIcon.h"
 
 #include <X11/Xlib.h>
 #include <csignal>
@@ -68,14 +69,12 @@ int runServerUi(int argc, char** argv) {
     return loop.run();
 }
 
-int unavailableRoad(const char* road) { throw plat::ExceptionFmt("%s is not available in this build", road); }
-
 int runRoad(int argc, char** argv) {
     os::runSetUserHelper(argc, argv); // before anything is opened or read
     const char* road = argc >= 2 ? argv[1] : "";
     repairStandardDescriptors();
     if (strcmp(road, "-statusicon") == 0)
-        return unavailableRoad(road);
+        return runStatusIcon(argc, argv);
     if (strcmp(road, "-serviceui") == 0)
         return runServiceUi();
     if (strcmp(road, "-QueryConnectApp") == 0)

@@ -13,6 +13,8 @@ plat::LogSrc log("Gtk");
 const Fn<c::Bool(int*, char***)> gtkInitCheck{Library::Gtk, "gtk_init_check"};
 const Fn<c::LogFunc(c::LogFunc, c::Pointer)> logSetDefaultHandler{Library::Glib, "g_log_set_default_handler"};
 
+const Fn<c::Pointer()> getDefaultXDisplay{Library::Gtk, "gdk_x11_get_default_xdisplay"}; // of GDK, which GTK loads
+
 constexpr int fatalLevel = 1 << 1; // G_LOG_FLAG_FATAL
 constexpr int errorLevel = 1 << 2; // G_LOG_LEVEL_ERROR: it aborts next
 
@@ -34,5 +36,7 @@ bool startGtk(int argc, char** argv) {
     char** given = words.data();
     return gtkInitCheck(&argc, &given) != 0;
 }
+
+void* defaultXDisplay() { return getDefaultXDisplay.isAvailable() ? getDefaultXDisplay() : nullptr; }
 
 } // namespace gtkwrap
