@@ -95,6 +95,7 @@ const Commands::Command Commands::table[] = {
     {"begin", &Commands::begin, "open a batch of status changes"},
     {"children", &Commands::children, "N PARENT: N distinct nodes under one parent, in one batch"},
     {"close", &Commands::closeLink, "close the link to the UI"},
+    {"cloudrefresh", &Commands::cloudRefresh, "0|1: whether the UI may ask for a refresh of the cloud's state"},
     {"commit", &Commands::commit, "commit the status database"},
     {"connect", &Commands::connect, "USER ADDRESS TYPE [PERMISSIONS]: a user comes; %20 is a blank, and so on"},
     {"corestatus", &Commands::coreStatus, "STATE OPTIONSOFF CANNOTSTOP CLOSESTOPS NOTIFYMS FLAGS"},
@@ -300,6 +301,7 @@ void Commands::coreStatus(const std::string& rest) {
 }
 
 void Commands::privacy(const std::string& rest) { link.updatePrivacyStatus(number(rest) != 0); }
+void Commands::cloudRefresh(const std::string& rest) { link.sendBool("cloudRefreshAllowed", number(rest) != 0); }
 void Commands::desktop(const std::string& rest) { link.desktopStarted(number(rest) != 0); }
 
 void Commands::features(const std::string& rest) {

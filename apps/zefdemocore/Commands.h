@@ -56,6 +56,7 @@ private:
     void disconnect(const std::string& rest);
     void coreStatus(const std::string& rest);
     void privacy(const std::string& rest);
+    void cloudRefresh(const std::string& rest);
     void desktop(const std::string& rest);
     void features(const std::string& rest);
     void showStatus(const std::string& rest);

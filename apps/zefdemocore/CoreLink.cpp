@@ -18,7 +18,8 @@ struct UiMessage {
 constexpr UiMessage uiMessages[] = {
     {"uiLocale", "s"}, {"addClient", "s"},   {"disconnClient", "ss"}, {"resolveEvent", "s"},
     {"reload", ""},    {"updateStatus", ""}, {"uiActivated", ""},     {"requestOptions", ""},
-    {"quit", ""},      {"desktopEnv", "s"},  {"logMsg", "ust"},       {"badMsg", "s"},
+    {"quit", ""},      {"desktopEnv", "s"},  {"logMsg", "ust"},       {"refreshCloudStatus", ""},
+    {"badMsg", "s"},
 };
 
 constexpr size_t maxLogText = 1024;
@@ -105,6 +106,11 @@ void CoreLink::updateFeatures(const std::vector<std::pair<std::string, int>>& fe
 
 void CoreLink::sendText(const char* name, const std::string& text) {
     link.startMsg(name).writeString8(text);
+    link.endMsg();
+}
+
+void CoreLink::sendBool(const char* name, bool value) {
+    link.startMsg(name).writeBool(value);
     link.endMsg();
 }
 

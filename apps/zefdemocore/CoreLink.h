@@ -38,6 +38,7 @@ public:
     void updatePrivacyStatus(bool on);
     void updateFeatures(const std::vector<std::pair<std::string, int>>& features); ///< bit 0 available, 1 enabled
     void sendText(const char* name, const std::string& text);                      ///< a message of one string8
+    void sendBool(const char* name, bool value);                                   ///< a message of one boolean
     void sendEmpty(const char* name);
     void setLogLevel(uint32_t level);
 

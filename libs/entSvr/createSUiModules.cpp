@@ -1,5 +1,7 @@
 #include "entSvr/createSUiModules.h"
 
+#include "hostedremoteaccess/SUiModuleCloudAccess.h"
+#include "hostedremoteaccess/SUiModuleCloudJoin.h"
 #include "hxutil/ConfigStoreFile.h"
 #include "smisc/SUiModuleProductUri.h"
 
@@ -8,7 +10,9 @@
 void createSUiModules(sui::SUiModuleMgr* manager, int section) {
     (void)section;
     new smisc::SUiModuleProductUri(manager);
+    new hostedremoteaccess::SUiModuleCloudJoin(manager);
     if (!hxutil::ConfigStore::instance())
         hxutil::ConfigStore::setInstance(std::make_unique<hxutil::ConfigStoreFile>());
+    new hostedremoteaccess::SUiModuleCloudAccess(manager);
     manager->modulesCreated();
 }

@@ -8,6 +8,7 @@
 #include "mui/MuFrame.h"
 #include "mui/MuList.h"
 #include "mui/MuPager.h"
+#include "mui/MuScroll.h"
 #include "mui/MuSpacer.h"
 #include "mui/MuStatic.h"
 #include "mui/Mui.h"
@@ -94,7 +95,9 @@ void ConnectionsTab::buildDetails() {
     details = mui::MuFrame::create(page(), "detailsfr", mui::MuFrame::Type::Line);
     textStyle.applyTo(details);
     details->setBgColour("contentBg");
-    auto* column = mui::MuLayout::create(details, "detailslyt", mui::Orientation::Vertical);
+    // Always as high as four lines: a long name scrolls, and nothing below it moves.
+    auto* view = mui::MuScroll::create(details, "");
+    auto* column = mui::MuLayout::create(view, "detailslyt", mui::Orientation::Vertical);
     column->setSpacing(hxutil::scaled(halfUnits));
     mui::MuLayout* rows[ValueCount];
     mui::MuStatic* labels[ValueCount];
@@ -108,6 +111,8 @@ void ConnectionsTab::buildDetails() {
     }
     for (int i = 0; i < ValueCount; ++i)
         rows[i]->setChildLayout(labels[i], mui::MuLayout::Fixed, labelWidth);
+    page()->setChildLayout(details, mui::MuLayout::Fixed, column->getMinHeight(0) + 2 * details->getMargin().y);
+    detailsView = view;
 }
 
 void ConnectionsTab::buildHistory() {
@@ -184,6 +189,7 @@ void ConnectionsTab::showDetails() {
     values[SinceValue]->setText(sel < 0 ? "" : momentText(starts[static_cast<size_t>(sel)].wall).c_str());
     disconnectButton->setEnabled(sel >= 0);
     page()->doLayout();
+    detailsView->doLayout();
 }
 
 void ConnectionsTab::muEvent(mui::MuElement* element, int type) {

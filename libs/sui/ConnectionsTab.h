@@ -51,6 +51,7 @@ private:
     mui::MuLayout* nobody = nullptr;
     mui::MuList* table = nullptr;
     mui::MuFrame* details = nullptr;
+    mui::MuElement* detailsView = nullptr; // scrolls what is in the frame
     mui::MuStatic* values[4] = {};
     mui::MuButton* disconnectButton = nullptr;
     mui::MuLayout* pastLayout = nullptr;

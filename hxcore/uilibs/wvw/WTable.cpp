@@ -26,7 +26,7 @@ using rfb::Rect;
 plat::IntParameter doubleClickTime("DoubleClickTime",
                                    "Maximum time in milliseconds between two mouse button clicks to count as a double "
                                    "click",
-                                   500, /*isAdvanced=*/false, /*minValue=*/0, INT_MAX);
+                                   500, /*isAdvanced=*/false, /*owner=*/nullptr, /*minValue=*/0);
 
 constexpr int border = 2;
 constexpr int cellPad = 4;
