@@ -472,21 +472,42 @@ void TXWindow::handleMapped(bool nowMapped) {
     mapChanged();
 }
 
+// Only what the server itself sent: others may send any size.
 bool TXWindow::drainConfigure(XEvent* last) {
     bool any = false;
     XEvent event;
     while (XCheckTypedWindowEvent(dpy, win_, ConfigureNotify, &event)) {
         const XConfigureEvent& e = event.xconfigure;
-        if (e.window != win_)
-            continue; // of a child
+        if (e.window != win_ || e.send_event) // of a child, or a claim
+            continue;
         *last = event;
         any = true;
     }
     return any;
 }
 
+/// A manager sends one itself after a move, and where it refused a resize (ICCCM 4.1.5): the server knows whether it
+/// tells the truth.
+void TXWindow::correctSize(XConfigureEvent* synthetic) const {
+    if (synthetic->width == width_ && synthetic->height == height_)
+        return;
+    Window root = none;
+    int x = 0;
+    int y = 0;
+    unsigned width = 0;
+    unsigned height = 0;
+    unsigned border = 0;
+    unsigned depth = 0;
+    const ErrorCatcher catcher(100);
+    if (!XGetGeometry(dpy, win_, &root, &x, &y, &width, &height, &border, &depth))
+        return;
+    synthetic->width = static_cast<int>(width);
+    synthetic->height = static_cast<int>(height);
+}
+
 void TXWindow::handleConfigure(XEvent* event) {
-    drainConfigure(event);
+    if (!drainConfigure(event) && event->xany.send_event)
+        correctSize(&event->xconfigure);
     const XConfigureEvent& e = event->xconfigure;
     const bool outOfDate = resizeRequest && static_cast<long>(e.serial - resizeRequest) < 0;
     const bool possible = e.width >= 1 && e.height >= 1 && e.width <= maxSize && e.height <= maxSize;

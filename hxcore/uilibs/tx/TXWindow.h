@@ -176,6 +176,7 @@ private:
     Atom answerSelection(const XSelectionRequestEvent& event, Atom property);
     bool handleClientMessage(const XClientMessageEvent& event); // false: the event ends here
     bool drainConfigure(XEvent* last);
+    void correctSize(XConfigureEvent* synthetic) const;
     void selectEvents(long mask);
     void applyGrabs(const TXWindow* oldPointer, const TXWindow* oldKeyboard);
     void changeSize(int width, int height);
