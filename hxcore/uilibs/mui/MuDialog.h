@@ -112,10 +112,11 @@ public:
     virtual void setParentDialog(MuDialog* dialog);
     virtual void setActionButton(int action, MuElement* element); ///< borrowed, below this dialog; null for none
     virtual void setTitle(const char* title);
-    virtual rfb::Point getOuterSize() = 0;   ///< with the window manager's decoration
-    virtual rfb::Rect getScreenArea() = 0;   ///< what windows may cover
-    virtual rfb::Point getScreenSize() = 0;  ///< with panels and all
-    virtual ui::MenuBar* menuBar() = 0;      ///< made on first use; null where the toolkit has none
+    virtual rfb::Point getOuterSize() = 0;  ///< with the window manager's decoration
+    virtual rfb::Rect getScreenArea() = 0;  ///< what windows may cover
+    virtual rfb::Point getScreenSize() = 0; ///< with panels and all
+    virtual ui::MenuBar* menuBar() = 0;     ///< made on first use; null where the toolkit has none
+    virtual void showIconified() = 0; ///< shows it as its window manager's icon, from where setShown brings it back
     virtual void moved(const rfb::Point&) {} ///< the window went to this root position
 
     // MuContainer

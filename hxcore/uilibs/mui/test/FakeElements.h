@@ -232,6 +232,7 @@ public:
     rfb::Rect getScreenArea() override { return {0, 0, 1000, 1000}; }
     rfb::Point getScreenSize() override { return {1000, 1000}; }
     ui::MenuBar* menuBar() override { return nullptr; }
+    void showIconified() override { setShown(true); }
     void setDefaultFocus(MuElement* element) override { defaultFocus = element; }
 
     FakeCommon fake;

@@ -288,6 +288,19 @@ void MuDialogTx::show() {
         grabInput(true);
 }
 
+void MuDialogTx::showIconified() {
+    // Who maps an icon's window again asks for the window itself (ICCCM 4.1.4).
+    if (shown && !window->isMapped())
+        return;
+    if (!shown) {
+        nativeLayout();
+        if (!positioned)
+            place();
+        shown = true;
+    }
+    window->iconify();
+}
+
 // A state is asked of the window manager only for a window that it has seen mapped.
 void MuDialogTx::windowMapped() {
     if (dialogFlags & KeepAbove)

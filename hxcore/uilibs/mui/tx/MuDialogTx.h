@@ -30,6 +30,7 @@ public:
     rfb::Rect getScreenArea() override;
     rfb::Point getScreenSize() override;
     ui::MenuBar* menuBar() override;
+    void showIconified() override;
     void setDefaultFocus(MuElement* element) override;
 
     // MuContainer, MuElement
