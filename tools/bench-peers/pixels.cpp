@@ -108,7 +108,7 @@ void gradients() {
 void conversions() {
     std::vector<uint32_t> srcBits = noise(width * height);
     const QImage from(reinterpret_cast<uchar*>(srcBits.data()), width, height, QImage::Format_RGB32);
-    const double whole = measure([&] { from.convertToFormat(QImage::Format_RGB16); });
+    const double whole = measure([&] { (void)from.convertToFormat(QImage::Format_RGB16); });
     QImage to(width, height, QImage::Format_RGB16);
     QPainter painter(&to);
     painter.setCompositionMode(QPainter::CompositionMode_Source);

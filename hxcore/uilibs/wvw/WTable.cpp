@@ -100,14 +100,27 @@ Rect WTable::contentRect() const {
     return {left, top, std::max(left, getWidth() - border - bar), std::max(top, getHeight() - border)};
 }
 
+// Rows come by the hundred: between two paints only the first is told to the window.
+void WTable::repaintRows() {
+    if (allInvalid)
+        return;
+    repaint();
+    allInvalid = isAttached();
+}
+
+void WTable::invalidateChild(Widget* child, const rfb::Region& region) {
+    if (!allInvalid)
+        WLayout::invalidateChild(child, region);
+}
+
 void WTable::arrange() {
+    repaintRows();
     const int shown = visibleRows();
     scrollbar.setVisible(rowCount > shown && getHeight() > 0);
     scrollbar.setRange(std::max(0, rowCount - shown));
     scrollbar.setPage(std::max(1, shown));
     setChildRect(&scrollbar, Rect::xywh(getWidth() - border - WScrollbar::thickness, border, WScrollbar::thickness,
                                         std::max(0, getHeight() - 2 * border)));
-    repaint();
 }
 
 std::vector<int> WTable::columnWidths() const {
@@ -385,6 +398,7 @@ Point WTable::getPreferredSize() {
 }
 
 void WTable::paint(rfb::FullFramePixelBuffer& pb) {
+    allInvalid = false;
     const WStyle& look = getStyle();
     fill(pb, getRect().expandBy(-1), look.contentBg);
     const Rect inner = getRect().expandBy(-border).intersect(pb.getRect());

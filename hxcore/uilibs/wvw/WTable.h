@@ -72,6 +72,8 @@ public:
     bool timerExpired(plat::Timer* timer) override;
 
 protected:
+    // WLayout
+    void invalidateChild(Widget* child, const rfb::Region& region) override;
     // Widget
     bool ownKey(uint32_t keysym) override;
 
@@ -91,6 +93,7 @@ private:
     std::vector<int> columnWidths() const;
     rfb::Rect rowRect(int row) const; // empty while it is not in view
     void arrange();
+    void repaintRows();
     bool step(int from, int direction, int count);
     bool moveBy(int direction);
     bool scrollToTop();
@@ -114,7 +117,8 @@ private:
     int clickedRow = -1;
     int clickedColumn = -1;
     bool activateByEnter = false;
-    std::string typed; // small letters, that a row is looked for by
+    bool allInvalid = false; // the window knows that it has to paint all of this
+    std::string typed;       // small letters, that a row is looked for by
     plat::Timer typedTimer;
     mutable plat::String cellTooltip;
 };
