@@ -24,6 +24,8 @@ constexpr unsigned storedOnly = 0x4000; // a flag without effect
 constexpr unsigned dialogFlags = storedOnly | mui::MuDialog::NoFocusOnShow | mui::MuDialog::KeepAbove |
                                  mui::MuDialog::AutoHeight | mui::MuDialog::NoHide | mui::MuDialog::FixedSize;
 constexpr unsigned tickMs = 1000;
+constexpr int maxNameChars = 255;
+constexpr int minNameChars = 16;            // before the window gives up
 constexpr const char* rightsOfAccept = "f"; // group letters
 constexpr const char* rightsOfViewOnly = "v";
 
@@ -123,9 +125,11 @@ mui::MuButton* QueryConnectDialog::addButton(mui::MuLayout* row, const char* nam
 void QueryConnectDialog::start(const ConnectRequest& request) {
     hide(); // what was pressed for another request must not answer this one: the window comes up afresh
     fill(request);
-    fit(request.timeoutS);
+    fitLine(request);
     dialog->setDefaultFocus(acceptButton);
     showQuietly();
+    if (dialog->getSize().y > fitted.y)
+        dialog->setSize(fitted); // showing it gave it all the height that its text wants
     shownAt = plat::monoTicks();
     deadline = shownAt + request.timeoutS * plat::ticksPerSecond;
     timer.start(tickMs);
@@ -136,9 +140,7 @@ void QueryConnectDialog::fill(const ConnectRequest& request) {
     timeoutRights = request.timeoutRights;
     grants = !hxauth::Permissions::sameEntries(timeoutRights, hxauth::Permissions());
     viewButton->setShown(request.offerViewOnly);
-    const plat::String line = promptLine(request.userName.get(), request.userType.get());
-    notify(line, request.timeoutS);
-    question->setText(line.c_str());
+    notify(promptLine(request.userName.get(), request.userType.get()), request.timeoutS);
     scroll->setShown(!request.message.isEmpty());
     custom->setText(promptMessage(request.message.get()).c_str());
     (grants ? warningStyle : plainStyle).applyTo(consequence);
@@ -210,19 +212,31 @@ int QueryConnectDialog::wantedHeight(int width, int maxHeight) {
     return dialog->getSize().y;
 }
 
-void QueryConnectDialog::fit(int timeoutS) {
+/// On a small screen a long name gives way, so that what silence does can be read.
+void QueryConnectDialog::fitLine(const ConnectRequest& request) {
     const PromptLimits bounds = limits();
+    int chars = maxNameChars;
+    do {
+        question->setText(promptLine(request.userName.get(), request.userType.get(), chars).c_str());
+        chars /= 2;
+    } while (!fit(request.timeoutS, bounds) && chars >= minNameChars);
+}
+
+/// False if the dialog wants to be higher than it may be.
+bool QueryConnectDialog::fit(int timeoutS, const PromptLimits& bounds) {
     const int chrome = chromeWidth();
     const int customWidth = scroll->isShown() ? custom->getMinWidth(0) : 0;
     const int textWidth = std::max(question->getMinWidth(0), customWidth);
     Measure measure(*this, bounds.maxHeight, timeoutS);
-    const rfb::Point size = fitPrompt(std::min(textWidth, bounds.maxWidth) + chrome, bounds, measure);
-    if (dialog->getSize() != size)
-        dialog->setSize(size);
+    fitted = fitPrompt(std::min(textWidth, bounds.maxWidth) + chrome, bounds, measure);
+    const bool fits = measure.heightAt(fitted.x) <= bounds.maxHeight;
+    if (dialog->getSize() != fitted)
+        dialog->setSize(fitted);
     dialog->doLayout();
     const rfb::Rect area = dialog->getScreenArea();
-    dialog->setPosition(
-        {area.tl.x + std::max(0, (area.width() - size.x) / 2), area.tl.y + std::max(0, (area.height() - size.y) / 2)});
+    dialog->setPosition({area.tl.x + std::max(0, (area.width() - fitted.x) / 2),
+                         area.tl.y + std::max(0, (area.height() - fitted.y) / 2)});
+    return fits;
 }
 
 // Answers

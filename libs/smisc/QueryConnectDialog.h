@@ -83,7 +83,8 @@ private:
     mui::MuButton* addButton(mui::MuLayout* row, const char* name, const char* text);
     void fill(const ConnectRequest& request);
     void showTimeLeft(int seconds);
-    void fit(int timeoutS);
+    void fitLine(const ConnectRequest& request);
+    bool fit(int timeoutS, const PromptLimits& bounds);
     int chromeWidth();
     int wantedHeight(int width, int maxHeight);
     PromptLimits limits();
@@ -99,6 +100,7 @@ private:
     int64_t deadline = 0; // the same
     bool asking = false;
     bool grants = false; // silence does
+    rfb::Point fitted;   // pixels
     std::unique_ptr<mui::MuDialog> dialog;
     mui::MuFrame* header = nullptr;
     mui::MuLayout* body = nullptr;

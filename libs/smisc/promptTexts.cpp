@@ -5,6 +5,7 @@
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
 #include "plat/MString.h"
+#include "plat/utf8.h"
 #include "plat/visibleText.h"
 #include "sui/TextStyle.h"
 
@@ -20,6 +21,20 @@ constexpr int smallestSize = 100; // tenths of a point; body text has 120
 constexpr int largestSize = 240;
 
 bool showsNothing(const plat::String& text) { return std::strspn(text.c_str(), " ") == text.view().size(); }
+
+/// `text` is valid UTF-8.
+plat::String cutChars(plat::String text, int maxChars) {
+    const char* pos = text.c_str();
+    const char* const end = pos + text.len();
+    uint32_t codepoint = 0;
+    for (int i = 0; i < maxChars && pos < end; ++i)
+        plat::utf8::decode(&pos, end, &codepoint);
+    if (pos == end)
+        return text;
+    plat::DString cut;
+    cut.append(text.c_str(), static_cast<int>(pos - text.c_str())).append("\u2026");
+    return cut.take();
+}
 
 plat::String visibleLines(const char* text) {
     plat::DString lines;
@@ -87,10 +102,10 @@ const char* lineForType(std::string_view type) {
 
 } // namespace
 
-plat::String promptLine(const char* userName, const char* userType) {
+plat::String promptLine(const char* userName, const char* userType, int maxNameChars) {
     if (const char* line = lineForType(plat::strOrEmpty(userType)))
         return line;
-    const plat::String name = plat::visibleText(userName);
+    const plat::String name = cutChars(plat::visibleText(userName), maxNameChars);
     if (showsNothing(name))
         return LOC_TEXT("smisc_queryconnect_prompt_anon_marked_up");
     plat::MString marked;

@@ -34,8 +34,10 @@ void MuText::setText(const char* newMarkup) {
 
 void MuText::parseLinks() {
     links.clear();
+    label = "";
     try {
         plat::Markup::ParserHtml::instance().parse(markup.c_str(), this);
+        label = plat::Markup::strip(markup.c_str());
     } catch (const plat::Exception&) {
         links.clear(); // the widget shows the exception's text in place of the markup
     }

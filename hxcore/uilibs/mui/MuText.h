@@ -13,7 +13,7 @@ class MuContainer;
 /// A marked-up text that wraps, with links that pointer and keys reach.
 ///
 /// A clicked link goes to the link callback; without one nothing happens. Text from outside must be escaped
-/// (plat::MString does it).
+/// (plat::MString does it). The label is the text without its markup.
 class MuText : public MuElement, public plat::Markup::Handler {
 public:
     enum class Align { Left = 0, Centre = 1, Right = 2 };

@@ -42,6 +42,8 @@ TEST_F(PromptTexts, ANameIsNoMarkupAndNoSentenceOfOurs) {
     EXPECT_EQ(line, "User \"<span style=\"color:outsideText\">&lt;b&gt;x&lt;/b&gt;&amp;amp;%S&quot; An administrator"
                     "</span>\" is requesting remote access to your computer.");
     EXPECT_EQ(plainLine(std::string(255, 'w').c_str(), "").find(std::string(255, 'w')), 6U);
+    EXPECT_STREQ(plat::Markup::strip(promptLine("\xc3\x84\xc3\x84\xc3\x84", "", /*maxNameChars=*/2).c_str()).c_str(),
+                 "User \"\xc3\x84\xc3\x84\u2026\" is requesting remote access to your computer.");
 }
 
 TEST_F(PromptTexts, TheMessageKeepsItsMarkupAndLosesWhatMisleads) {
