@@ -54,6 +54,59 @@ class Home:
             out.write(text)
 
 
+class Server:
+    """An X server of one test, to be killed at will; with a window manager if one is named."""
+
+    def __init__(self, options=("-screen", "0", "1024x768x24"), manager=()):
+        read_end, write_end = os.pipe()
+        # Not to begin anew when its last client leaves: whoever connects in that moment is turned away.
+        self.process = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-noreset", "-nolisten", "tcp", *options], pass_fds=[write_end],
+            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(write_end)
+        with os.fdopen(read_end) as told:
+            number = told.readline().strip()
+        if not number:
+            self.process.wait()
+            raise AssertionError(f"no X server with {options}")
+        self.display = ":" + number
+        self.manager = None
+        if manager:
+            self.manage(*manager)
+
+    def env(self, base=None):
+        return {**(os.environ if base is None else base), "DISPLAY": self.display}
+
+    def run(self, *command):
+        """What a client of this server prints."""
+        return subprocess.run(command, env=self.env(), capture_output=True, text=True, check=False).stdout
+
+    def manage(self, *command):
+        """Starts a window manager, and waits until it has taken over."""
+        self.manager = subprocess.Popen(command, env=self.env(), stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                        stderr=subprocess.DEVNULL)
+        until(self.lists_clients if command[0] == "openbox" else self.is_managed, command[0])
+
+    def lists_clients(self):
+        # Openbox names itself first, and loses what is mapped until it lists its clients.
+        return "window id" in self.run("xprop", "-root", "_NET_CLIENT_LIST")
+
+    def is_managed(self):
+        return "SubstructureRedirect" in self.run("xwininfo", "-root", "-events")
+
+    def unmanage(self):
+        self.manager.kill()
+        self.manager.wait()
+        self.manager = None
+
+    def kill(self):
+        if self.manager:
+            self.unmanage()
+        if self.process.poll() is None:
+            self.process.kill()
+        self.process.wait()
+
+
 class Inspected:
     """A UI that is looked into and driven over its inspection socket; ui_pid() tells which process it is."""
 
@@ -71,7 +124,14 @@ class Inspected:
             self.inspect = until(find, "the inspection socket")
         with socket.socket(socket.AF_UNIX) as link:
             link.settimeout(10 * SLOW)
-            link.connect(self.inspect)
+
+            def connected():
+                try:
+                    link.connect(self.inspect)
+                except BlockingIOError:  # other tests knock as well, to see whose it is
+                    return False
+                return True
+            until(connected, "an inspection connection")
             link.sendall(line.encode() + b"\n")
             data = b""
             while not (data.endswith(b"\n\n") or data == b"\n"):
@@ -147,6 +207,7 @@ class Core(Inspected):
             except subprocess.TimeoutExpired:
                 self.process.kill()
                 self.process.wait()
+        self.process.stdin.close()
         self.process.stdout.close()
 
 
@@ -154,6 +215,7 @@ def listens(path, pid):
     """Whether the process at the other end of a local socket is that one."""
     with socket.socket(socket.AF_UNIX) as link:
         try:
+            link.setblocking(False)
             link.connect(path)
         except OSError:
             return False
@@ -185,7 +247,7 @@ class UiTest(unittest.TestCase):
         return until(lambda: self.window(), "the window")
 
     def window(self, name="^Velthar Server$"):
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", name],
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", name], env=self.home.env,
                                capture_output=True, text=True, check=False).stdout.split()
         return found[0] if found else None
 
