@@ -115,17 +115,21 @@ const Commands::Command Commands::table[] = {
     {"noevent", &Commands::removeEvent, "ID: take an event away"},
     {"privacy", &Commands::privacy, "0|1"},
     {"producturi", &Commands::productUri, "URI"},
+    {"prompt", &Commands::prompt,
+     "name=.. | type=.. | timeout=S | message=.. | rights=.. | view=1: may somebody connect? %0a is a line end"},
+    {"promptcancel", &Commands::cancelPrompt, "take the question back"},
+    {"promptclose", &Commands::closePrompt, "close the link to the prompt and print how it ended"},
     {"quit", &Commands::quit, "end this program"},
     {"raw", &Commands::raw, "HEX: bytes onto the wire as they are"},
     {"remove", &Commands::removeNode, "PATH"},
     {"resolve", &Commands::resolve, "ID: hand an event back"},
     {"serverexe", &Commands::serverExe, "PATH"},
-    {"shell", &Commands::shell, "COMMAND: run it and wait, with UI_PID set"},
+    {"shell", &Commands::shell, "COMMAND: run it and wait, with UI_PID and PROMPT_PID set"},
     {"showoptions", &Commands::showOptions, "[SECTION]"},
     {"showstatus", &Commands::showStatus, "open the status dialog"},
     {"sleep", &Commands::sleep, "MS"},
     {"text", &Commands::text, "PATH TEXT: write a node with that text; %0a is a line end"},
-    {"wait", &Commands::wait, "MESSAGE [MS]: until the UI has sent it"},
+    {"wait", &Commands::wait, "MESSAGE [MS]: until the UI, or the prompt, has sent it"},
 };
 
 Commands::Commands(UiProcess* uiProcess, bool mirrorStatus)
@@ -198,6 +202,10 @@ void Commands::answer(const std::string& name, const std::vector<std::string>& f
 void Commands::uiMessage(const std::string& name, const std::vector<std::string>& fields) {
     if (mirror)
         answer(name, fields);
+    take(name);
+}
+
+void Commands::take(const std::string& name) {
     if (!waitingFor.empty() && name == waitingFor) {
         waitingFor.clear();
         timer.cancel();
@@ -323,6 +331,30 @@ void Commands::resolve(const std::string& rest) { link.sendText("resolveEvent", 
 void Commands::productUri(const std::string& rest) { link.sendText("productUri", rest); }
 void Commands::logLevel(const std::string& rest) { link.setLogLevel(number(rest)); }
 
+void Commands::prompt(const std::string& rest) {
+    if (!promptProcess || !promptProcess->isOpen())
+        promptProcess = makePrompt(this);
+    auto fields = keyValues(rest);
+    for (auto& [name, text] : fields)
+        text = unpercent(text);
+    promptProcess->start(fields);
+}
+
+void Commands::cancelPrompt(const std::string&) {
+    if (promptProcess)
+        promptProcess->cancel();
+}
+
+void Commands::closePrompt(const std::string&) {
+    if (!promptProcess) {
+        fail("no prompt runs");
+        return;
+    }
+    printf("prompt %s\n", promptProcess->close().c_str());
+    fflush(stdout);
+    promptProcess.reset();
+}
+
 void Commands::flood(const std::string& rest) {
     const uint32_t count = number(rest);
     model.begin();
@@ -353,6 +385,7 @@ void Commands::message(const std::string& rest) {
 
 void Commands::shell(const std::string& rest) {
     setenv("UI_PID", std::to_string(ui->pid()).c_str(), 1);
+    setenv("PROMPT_PID", promptProcess ? std::to_string(promptProcess->pid()).c_str() : "", 1);
     const int status = system(rest.c_str()); // NOLINT: the script's own words, in a tool for developers
     if (status != 0)
         fail("shell: ended with " + std::to_string(status));

@@ -4,20 +4,30 @@
 #include "plat/Timer.h"
 #include "zefdemocore/CoreLink.h"
 #include "zefdemocore/CoreModel.h"
+#include "zefdemocore/PromptProcess.h"
 #include "zefdemocore/StopRequest.h"
 #include "zefdemocore/UiProcess.h"
 
 #include <deque>
+#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace democore {
 
 /// Runs command lines in turn; `sleep` and `wait` hold up those behind them while the loop goes on.
-class Commands : public StopListener::Callback, private CoreLink::Callback, private plat::Timer::Callback {
+class Commands : public StopListener::Callback,
+                 private CoreLink::Callback,
+                 private PromptProcess::Callback,
+                 private plat::Timer::Callback {
 public:
     Commands(UiProcess* uiProcess, bool mirrorStatus); ///< borrowed; `mirrorStatus` answers the UI as a core would
     ~Commands() override;
+
+    /// Starts the connection prompt when it is first needed.
+    using PromptMaker = std::function<std::unique_ptr<PromptProcess>(PromptProcess::Callback*)>;
+    void setPromptMaker(PromptMaker maker) { makePrompt = std::move(maker); }
 
     void add(const std::string& line); ///< at the end of the queue
     void endOfInput();                 ///< ends the program once the queue is empty
@@ -32,10 +42,13 @@ private:
     // CoreLink::Callback
     void uiMessage(const std::string& name, const std::vector<std::string>& fields) override;
     void linkLost() override;
+    // PromptProcess::Callback
+    void promptAnswered() override { take("result"); }
     // plat::Timer::Callback
     bool timerExpired(plat::Timer* timer) override;
 
     void answer(const std::string& name, const std::vector<std::string>& fields);
+    void take(const std::string& message); // that has come, for `wait`
     void runQueue();
     void run(const std::string& line);
     void fail(const std::string& why);
@@ -64,6 +77,9 @@ private:
     void serverExe(const std::string& rest);
     void resolve(const std::string& rest);
     void productUri(const std::string& rest);
+    void prompt(const std::string& rest);
+    void cancelPrompt(const std::string& rest);
+    void closePrompt(const std::string& rest);
     void logLevel(const std::string& rest);
     void flood(const std::string& rest);
     void children(const std::string& rest);
@@ -80,6 +96,8 @@ private:
     bool mirror;
     CoreLink link;
     CoreModel model;
+    PromptMaker makePrompt;
+    std::unique_ptr<PromptProcess> promptProcess; // null until needed
     std::deque<std::string> queue;
     std::vector<std::string> arrived; // messages of the UI that no `wait` has taken
     std::string waitingFor;           // a message name, or empty

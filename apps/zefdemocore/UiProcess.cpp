@@ -19,14 +19,17 @@ void pauseMs(int ms) {
 }
 } // namespace
 
-UiProcess::UiProcess(const std::string& executable, const std::string& mode, const std::vector<std::string>& args) {
+UiProcess::UiProcess(const std::string& executable, const std::vector<std::string>& road,
+                     const std::vector<std::string>& args) {
     int pair[2];
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair) != 0)
         throw plat::StdlibException("socketpair");
     link = pair[0];
     fcntl(pair[1], F_SETFD, 0); // the child inherits this one
 
-    std::vector<std::string> words{executable, mode, std::to_string(pair[1])};
+    std::vector<std::string> words{executable};
+    words.insert(words.end(), road.begin(), road.end());
+    words.push_back(std::to_string(pair[1]));
     words.insert(words.end(), args.begin(), args.end());
     std::vector<char*> argv;
     for (std::string& word : words)

@@ -12,8 +12,10 @@ namespace democore {
 /// Starts the UI with one end of a socket pair, as a server core does.
 class UiProcess : private plat::NonCopyable {
 public:
-    /// `args` stand behind the descriptor. Throws plat::SystemException.
-    UiProcess(const std::string& executable, const std::string& mode, const std::vector<std::string>& args);
+    /// `road` stands before the descriptor: a mode, or the words of another road; `args` behind it. Throws
+    /// plat::SystemException.
+    UiProcess(const std::string& executable, const std::vector<std::string>& road,
+              const std::vector<std::string>& args);
     ~UiProcess(); ///< ends a child that is still there
 
     int takeLink(); ///< our end of the pair; the caller closes it

@@ -140,8 +140,11 @@ int run(const Arguments& args) {
     signal(SIGPIPE, SIG_IGN);
     os::AppLoop loop;
     democore::StopListener stopListener(args.mode);
-    democore::UiProcess ui(args.program, args.mode, args.uiArgs);
+    democore::UiProcess ui(args.program, {args.mode}, args.uiArgs);
     democore::Commands commands(&ui, args.mirror);
+    commands.setPromptMaker([&args](democore::PromptProcess::Callback* target) {
+        return std::make_unique<democore::PromptProcess>(args.program, args.mode, args.uiArgs, target);
+    });
     stopListener.setCallback(&commands);
     const Starter starter(&commands, &args);
     std::unique_ptr<LineReader> reader;
