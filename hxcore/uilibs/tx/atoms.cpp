@@ -41,6 +41,7 @@ constexpr std::array<const char*, static_cast<size_t>(AtomId::Count)> atomTexts 
     "_NET_WORKAREA",
     "_MIT_PRIORITY_COLORS",
     "_MOTIF_WM_INFO",
+    "ZEF_SELECTION",
 };
 static_assert(atomTexts.back() != nullptr, "a name for each AtomId");
 

@@ -39,6 +39,7 @@ enum class AtomId {
     NetWorkArea,
     MitPriorityColors,
     MotifWmInfo,
+    ZefSelection,
     Count
 };
 
@@ -78,5 +79,6 @@ inline Atom netWorkArea() { return atom(AtomId::NetWorkArea); }
 inline Atom motifWmHints() { return atom(AtomId::MotifWmHints); }
 inline Atom mitPriorityColors() { return atom(AtomId::MitPriorityColors); }
 inline Atom motifWmInfo() { return atom(AtomId::MotifWmInfo); }
+inline Atom zefSelection() { return atom(AtomId::ZefSelection); }
 
 } // namespace tx
