@@ -1,6 +1,8 @@
 """What the end-to-end tests stand on: the real program, the stand-in core, a real X server and window manager."""
+import contextlib
 import glob
 import os
+import re
 import shutil
 import signal
 import socket
@@ -200,8 +202,9 @@ class Core(Inspected):
         return int(children[0]) if children else None
 
     def end(self):
-        if self.process.poll() is None:
+        with contextlib.suppress(BrokenPipeError):
             self.process.stdin.close()
+        if self.process.poll() is None:
             try:
                 self.process.wait(10 * SLOW)
             except subprocess.TimeoutExpired:
@@ -245,6 +248,32 @@ class UiTest(unittest.TestCase):
         core.expect("ui: uiActivated", 20)
         core.until_state("statusdialog", "shown", "1")
         return until(lambda: self.window(), "the window")
+
+    def fake_opener(self):
+        """Puts a program in the place of the desktop's opener of addresses that notes what it is given."""
+        self.opener = os.path.join(self.home.path, "opened")
+        bin_dir = os.path.join(self.home.path, "bin")
+        os.makedirs(bin_dir, exist_ok=True)
+        script = os.path.join(bin_dir, "xdg-open")
+        with open(script, "w", encoding="utf-8") as out:
+            out.write(f'#!/bin/sh\necho "$@" >>{self.opener}\n')
+        os.chmod(script, 0o755)
+        os.chmod(self.home.path, 0o777)
+        self.home.env["PATH"] = bin_dir + ":" + self.home.env["PATH"]
+
+    def addresses(self, core):
+        """The addresses that were opened; of root, those that it refused to open."""
+        def refused():
+            return re.findall(r"Refusing to open url as root: (\S+)", core.stderr())
+
+        def opened():
+            try:
+                with open(self.opener, encoding="utf-8") as text:
+                    return text.read().split()
+            except FileNotFoundError:
+                return []
+        read = refused if os.geteuid() == 0 else opened
+        return until(read, "an opened address")
 
     def window(self, name="^Velthar Server$"):
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", name], env=self.home.env,

@@ -14,15 +14,7 @@ SEC = "statusdialog.main.security."
 
 class StatusDialog(UiTest):
     def opened(self, mode="service", args=(), core_args=()):
-        self.opener = os.path.join(self.home.path, "opened")
-        bin_dir = os.path.join(self.home.path, "bin")
-        os.makedirs(bin_dir, exist_ok=True)
-        script = os.path.join(bin_dir, "xdg-open")
-        with open(script, "w", encoding="utf-8") as out:
-            out.write(f'#!/bin/sh\necho "$@" >>{self.opener}\n')
-        os.chmod(script, 0o755)
-        os.chmod(self.home.path, 0o777)
-        self.home.env["PATH"] = bin_dir + ":" + self.home.env["PATH"]
+        self.fake_opener()
         core = self.start(mode, args, core_args)
         window = self.open_dialog(core)
         return core, window
@@ -33,20 +25,6 @@ class StatusDialog(UiTest):
                  "text Dlg/Authentication ZefAuth", "text Dlg/CanChangePassword", "text Dlg/ConnOther",
                  "node Dlg/ConnOther/0 0 text=one", "node Dlg/ConnOther/1 1 text=two", "end")
         core.until_state(CONN + "connText", "label", "192.168.4.17")
-
-    def addresses(self, core):
-        """The addresses that were opened; of root, those that it refused to open."""
-        def refused():
-            return re.findall(r"Refusing to open url as root: (\S+)", core.stderr())
-
-        def opened():
-            try:
-                with open(self.opener, encoding="utf-8") as text:
-                    return text.read().split()
-            except FileNotFoundError:
-                return []
-        read = refused if os.geteuid() == 0 else opened
-        return until(read, "an opened address")
 
     def focus(self, window):
         subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)

@@ -367,6 +367,9 @@ void MuFileDialogTxImpl::completeIn(const plat::String& dir) {
 void MuFileDialogTxImpl::updateOk() {
     const char* const text = name->getText();
     const bool isPath = text[0] == '/';
+    // A text that was not typed has not been through the filter.
+    if (isPath && strcmp(typedDir(text).c_str(), completionDir.c_str()) != 0)
+        completeIn(typedDir(text));
     const char* const base = typedName(text);
     bool isDir = isPath && !*base; // what ends in "/" is no file
     for (const FolderEntry& entry : isPath ? completions : entries)
