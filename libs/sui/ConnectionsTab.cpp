@@ -25,6 +25,7 @@ namespace {
 constexpr int tabOrder = 1;
 constexpr int addressUnits = 650;
 constexpr int halfUnits = 8;
+constexpr int leastRows = 2;
 constexpr int pastRows = 3;
 constexpr TextStyle textStyle{120, 400, 0, "contentText"};
 
@@ -88,6 +89,7 @@ void ConnectionsTab::buildTable() {
     table->addColumn(MuList::ColumnType::Text, LOC_TEXT("sui_connectionstab_addresscolumn"),
                      hxutil::scaled(addressUnits));
     table->addColumn(MuList::ColumnType::Text, LOC_TEXT("sui_connectionstab_permscolumn"));
+    table->setVisibleRows(leastRows);
     page()->setChildLayout(table, mui::MuLayout::Stretch);
 }
 

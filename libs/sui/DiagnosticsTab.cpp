@@ -30,6 +30,7 @@ namespace {
 plat::LogSrc log("Diagnostics");
 constexpr int tabOrder = 10;
 constexpr TextStyle textStyle{120, 400, 0, "contentText"};
+constexpr unsigned rebuildMs = 10;
 constexpr int64_t displayTicks = plat::ticksPerSecond; // a burst of commits asks the display once a second
 constexpr int dateChars = 10;                          // of an ISO 8601 time
 
@@ -55,7 +56,7 @@ void saveReport(const char* path, const plat::String& text) {
 DiagnosticsTab::DiagnosticsTab(SUiModuleMgr* manager, score::StatusDb* infoDb, score::StatusEventDb* eventDb,
                                ServerUiCallback* platformObject)
     : InformationCenterTab(manager, "diagnostics", LOC_TEXT("sui_diagnosticstab_title"), tabOrder),
-      StatusObserver(infoDb, eventDb), info(infoDb), events(eventDb), platform(platformObject) {}
+      StatusObserver(infoDb, eventDb), info(infoDb), events(eventDb), platform(platformObject), rebuildTimer(this) {}
 
 void DiagnosticsTab::build(mui::MuPager* tabs) {
     InformationCenterTab::build(tabs);
@@ -88,11 +89,15 @@ void DiagnosticsTab::aboutToShow() {
 mui::MuElement* DiagnosticsTab::firstFocus() { return saveButton; }
 
 void DiagnosticsTab::onCommit(score::StatusDb*) {
-    if (!label)
-        return;
+    if (label && !rebuildTimer.isActive())
+        rebuildTimer.start(rebuildMs);
+}
+
+bool DiagnosticsTab::timerExpired(plat::Timer*) {
     if (label->isShownFully() && plat::monoTicks() - displaysTicks >= displayTicks)
         readDisplays();
     rebuild();
+    return false;
 }
 
 void DiagnosticsTab::readDisplays() {
@@ -127,8 +132,10 @@ void DiagnosticsTab::askForFile() {
 }
 
 void DiagnosticsTab::fileChosen(const char* path) {
-    if (path)
-        save(path);
+    if (!path)
+        return;
+    rebuild();
+    save(path);
 }
 
 void DiagnosticsTab::fileFailed(const char* message) {

@@ -4,6 +4,7 @@
 #include "mui/MuFileDialog.h"
 #include "mui/MuInfoFrame.h"
 #include "mui/MuMessageBox.h"
+#include "plat/Timer.h"
 #include "score/StatusDb.h"
 #include "sui/InformationCenterTab.h"
 
@@ -23,10 +24,13 @@ namespace sui {
 class ServerUiCallback;
 
 /// "Diagnostics": the report as text, which can be saved. Modules add buttons of their own.
+///
+/// Commits come in bursts, so the report follows them by a moment; what is shown or saved is always the latest.
 class DiagnosticsTab : public InformationCenterTab,
                        public score::StatusObserver,
                        private mui::MuFileDialog::Callback,
-                       private mui::MuMessageBox::Callback {
+                       private mui::MuMessageBox::Callback,
+                       private plat::Timer::Callback {
 public:
     /// All borrowed; they outlive the tab. `platform` tells of the displays.
     DiagnosticsTab(SUiModuleMgr* manager, score::StatusDb* infoDb, score::StatusEventDb* eventDb,
@@ -49,6 +53,8 @@ private:
     void fileFailed(const char* message) override;
     // mui::MuMessageBox::Callback
     void messageBoxClosed(mui::MuMessageBox* box, unsigned button) override;
+    // plat::Timer::Callback
+    bool timerExpired(plat::Timer* timer) override;
 
     void readDisplays();
     void rebuild();
@@ -61,6 +67,7 @@ private:
     ServerUiCallback* platform;
     plat::String displays; // as of the last look
     int64_t displaysTicks = 0;
+    plat::Timer rebuildTimer; // runs from the first commit of a burst
     plat::String text;
 
     // Null before build().

@@ -15,7 +15,7 @@ namespace {
 constexpr int widthUnits = 1400;
 constexpr int heightUnits = 1040;
 constexpr int minWidthUnits = 960;
-constexpr int minHeightUnits = 720;
+constexpr int minHeightUnits = 800; // all parts of the connections tab have room
 } // namespace
 
 InformationCenterDialog::InformationCenterDialog()
