@@ -208,7 +208,7 @@ class InfoCenter(UiTest):
                 f"{re.search(r'vendor string: +(.*)', facts).group(1)}\nDesktop environment: {desktop}\n\n")
 
     def save_as(self, core, path, replace=False):
-        """Saves and closes the box that says how it went; true if it told of success."""
+        """Saves and closes the box that says how it went; gives its words."""
         core.ask("click " + DIAG + "buttons.save")
         core.until_state("saveDlg", "shown", "1")
         self.assertEqual(core.ask(f"settext {NAME} {path}"), "1")
@@ -220,13 +220,14 @@ class InfoCenter(UiTest):
             core.ask("click messagebox.buttons.yes")
         press.join()
         core.until_state("messagebox.buttons.ok", "shown", "1")
-        told = "main.frame.split.info" in core.ask("lists messagebox")  # "msg" in a box that warns
+        words = "info" if "main.frame.split.info" in core.ask("lists messagebox") else "msg"
+        told = self.label(core, "messagebox.main.frame.split." + words)
         core.ask("click messagebox.buttons.ok")
         until(lambda: "messagebox" not in core.ask("dialogs"), "the box gone")
         return told
 
     def saved(self, core, path, replace=False):
-        self.assertTrue(self.save_as(core, path, replace))
+        self.assertEqual(self.save_as(core, path, replace), "Diagnostics file saved successfully.")
         self.assertEqual(stat.S_IMODE(os.stat(path).st_mode), 0o600)
         with open(path, encoding="utf-8") as text:
             return text.read()
@@ -261,7 +262,7 @@ class InfoCenter(UiTest):
         self.assertRegex(core.ask("state " + NAME), r"velthar-server-status-\d{4}-\d\d-\d\d\.txt")
         core.ask("click saveDlg.buttons.cancel")
         core.until_state("saveDlg", "shown", "0")
-        self.assertFalse(self.save_as(core, path, replace=True))
+        self.assertRegex(self.save_as(core, path, replace=True), f"could not be saved.*{path}")
         self.assertIn("The report was not saved", core.stderr())
         with open(path, encoding="utf-8") as text:
             self.assertEqual(text.read(), "precious")
