@@ -127,10 +127,14 @@ DesktopEnvironment::DesktopEnvironment(Callback* target)
       managerSelection(
           XInternAtom(tx::dpy, plat::strFormat("WM_S%d", DefaultScreen(tx::dpy)).c_str(), /*only_if_exists=*/False)) {
     tx::addRootEventHandler(this, /*add=*/true, PropertyChangeMask | StructureNotifyMask);
+    tx::addGlobalEventHandler(this, /*add=*/true);
     trigger(scansAtStart);
 }
 
-DesktopEnvironment::~DesktopEnvironment() { tx::addRootEventHandler(this, /*add=*/false); }
+DesktopEnvironment::~DesktopEnvironment() {
+    tx::addGlobalEventHandler(this, /*add=*/false);
+    tx::addRootEventHandler(this, /*add=*/false);
+}
 
 const char* DesktopEnvironment::kindName(Kind kind) { return rows.at(static_cast<size_t>(kind)).name; }
 
@@ -161,7 +165,15 @@ bool DesktopEnvironment::handleEvent(XEvent* event) {
                          message.format == 32 && static_cast<Atom>(message.data.l[1]) == managerSelection;
     if (isTaken || tx::WindowManager::isWMChangeEvent(event))
         trigger(scansAfterChange);
+    else if (isUnframed(*event))
+        trigger(scansAtStart);
     return false;
+}
+
+/// A manager without a window of its own ends in silence; but the frames that it put around our windows go with it.
+bool DesktopEnvironment::isUnframed(const XEvent& event) const {
+    return event.type == ReparentNotify && !event.xany.send_event && event.xreparent.parent == tx::rootWindow &&
+           manager == tx::none && current != Kind::None;
 }
 
 void DesktopEnvironment::windowDestroyed(tx::WindowWatcher*, Window) { trigger(scansAfterChange); }

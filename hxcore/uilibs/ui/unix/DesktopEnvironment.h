@@ -76,6 +76,7 @@ private:
     // plat::Timer::Callback
     bool timerExpired(plat::Timer* timer) override;
 
+    bool isUnframed(const XEvent& event) const;
     void trigger(int scans);
     void schedule(uint32_t delayMs);
     void beginScan();

@@ -258,6 +258,7 @@ TEST_F(StatusIconTest, AnotherDesktopStartsAfresh) {
     tell(isShown);
     EXPECT_TRUE(eventually([&] { return told == "-+"; }));
     tell(isHidden); // within its time: not told at once, but not forgotten
+    EXPECT_TRUE(eventually([&] { return !icon->isEmbedded(); }));
     pass(7000);
     EXPECT_EQ(bodies("create").back(), create(1));
     EXPECT_EQ(told, "-+-");
