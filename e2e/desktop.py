@@ -1,6 +1,7 @@
 """Which desktop runs: real window managers that come and go, and windows that claim to be a desktop's."""
 import os
 import re
+import signal
 import subprocess
 import time
 
@@ -109,6 +110,28 @@ class Desktop(UiTest):
         self.server.unmanage()
         until(lambda: self.last_known(core) == "None", "its end")
         self.assertEqual(core.ask("version"), "1")
+
+    def helpers(self, core):
+        return subprocess.run(["pgrep", "-P", str(core.ui_pid())], capture_output=True, text=True,
+                              check=False).stdout.split()
+
+    def test_a_helper_that_dies_is_started_again(self):
+        self.server.manage("openbox", "--sm-disable")
+        core = self.ui()
+        self.expect_kind(core, "TWM-compatible")
+        core.say("showstatus")
+        core.until_state("statusdialog", "shown", "1")
+        for number in (signal.SIGKILL, signal.SIGSEGV):
+            old = until(lambda: self.helpers(core), "a helper")
+            os.kill(int(old[0]), number)
+            until(lambda old=old: self.helpers(core) not in ([], old), "another helper", 20)
+            self.assertEqual(len(self.helpers(core)), 1)  # the old one left no zombie
+        self.assertEqual(core.state("statusdialog")["shown"], "1")
+        family = [core.ui_pid(), *self.helpers(core)]
+        core.process.kill()  # and with the core all ends
+        core.process.wait()
+        for pid in family:
+            until(lambda pid=pid: not os.path.exists(f"/proc/{pid}"), "the end")
 
     def last_known(self, core):
         core.read()
