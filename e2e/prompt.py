@@ -341,7 +341,7 @@ class OnSmallScreen(Texts):
 
     def test_all_of_it_is_on_the_screen(self):
         screen = [int(v) for v in os.environ["ZEF_SCREEN"].split("x")]
-        for args in (("-ppmm=4",), ("-ppmm=8",), ("-ppmm=8", "-TextSizeFactor=150", "-Locale=fr")):
+        for args in (("-ppmm=4",), ("-ppmm=8",), ("-ppmm=8", "-TextSizeFactor=200", "-Locale=fr")):
             prompt = self.prompt(*args)
             for fields in self.HOSTILE:
                 prompt.ask_for(**fields)

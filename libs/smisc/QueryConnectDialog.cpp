@@ -25,7 +25,7 @@ constexpr unsigned dialogFlags = storedOnly | mui::MuDialog::NoFocusOnShow | mui
                                  mui::MuDialog::AutoHeight | mui::MuDialog::NoHide | mui::MuDialog::FixedSize;
 constexpr unsigned tickMs = 1000;
 constexpr int maxNameChars = 255;
-constexpr int minNameChars = 16;            // before the window gives up
+constexpr int minNameChars = 8;             // before the window gives up
 constexpr const char* rightsOfAccept = "f"; // group letters
 constexpr const char* rightsOfViewOnly = "v";
 
@@ -36,6 +36,7 @@ constexpr int maxHeightUnits = 1200;
 constexpr int headerUnits = 88;
 constexpr int headerIconUnits = 48;
 constexpr int brandUnits = 88;
+constexpr int leastMessageUnits = 32; // a line, however little room there is
 
 constexpr sui::TextStyle headerStyle{240, 300, 0, "statusText"};
 constexpr sui::TextStyle questionStyle{120, 700, 0, "contentText"};
@@ -88,11 +89,11 @@ void QueryConnectDialog::addContent() {
     body->setSpacing(0);
     mui::MuLayout* row = mui::MuLayout::create(body, "iconlay", mui::Orientation::Horizontal);
     row->setSpacing(metric(mui::MetricLargeGap));
-    mui::MuFrame* brandFrame = mui::MuFrame::create(row, "brframe");
-    brandFrame->setMargin(0);
+    brand = mui::MuFrame::create(row, "brframe");
+    brand->setMargin(0);
     const int brandPx = hxutil::scaled(brandUnits);
-    mui::MuImage::create(brandFrame, "brand", "zefserver", {brandPx, brandPx});
-    row->setChildLayout(brandFrame, mui::MuLayout::Natural | mui::MuLayout::Start);
+    mui::MuImage::create(brand, "brand", "zefserver", {brandPx, brandPx});
+    row->setChildLayout(brand, mui::MuLayout::Natural | mui::MuLayout::Start);
 
     column = mui::MuLayout::create(row, "vlay", mui::Orientation::Vertical);
     row->setChildLayout(column, mui::MuLayout::Stretch);
@@ -179,13 +180,13 @@ struct QueryConnectDialog::Measure : PromptMeasure {
 PromptLimits QueryConnectDialog::limits() {
     // Nothing may lie beyond the screen, however large its points are.
     const rfb::Rect area = dialog->getScreenArea();
-    const rfb::Point decoration = dialog->getOuterSize() - dialog->getSize();
-    const int room = std::max(1, area.width() - decoration.x);
+    const rfb::Point frame = frameSize();
+    const int room = std::max(1, area.width() - frame.x);
     PromptLimits out{};
     out.least = std::min(room, buttonRow->getMinWidth(0) + 2 * dialog->getMargin());
     out.maxWidth = std::max(out.least, std::min(room, hxutil::scaled(maxWidthUnits)));
     out.minWidth = std::clamp(hxutil::scaled(minWidthUnits), out.least, out.maxWidth);
-    out.maxHeight = std::max(1, std::min(area.height() - decoration.y, hxutil::scaled(maxHeightUnits)));
+    out.maxHeight = std::max(1, std::min(area.height() - frame.y, hxutil::scaled(maxHeightUnits)));
     return out;
 }
 
@@ -205,21 +206,32 @@ int QueryConnectDialog::wantedHeight(int width, int maxHeight) {
     dialog->fitHeight();
     const int natural = dialog->getSize().y;
     if (scroll->isShown() && natural > maxHeight) {
-        const int shortened = std::max(scroll->getMinHeight(width), messageHeight - (natural - maxHeight));
+        const int shortened = std::max(leastMessagePx, messageHeight - (natural - maxHeight));
         column->setChildLayout(scroll, mui::MuLayout::Fixed, shortened);
         dialog->fitHeight();
     }
     return dialog->getSize().y;
 }
 
-/// On a small screen a long name gives way, so that what silence does can be read.
+/// On a small screen the picture gives way, then the end of a long name, at last the message, so that what silence
+/// does can be read.
 void QueryConnectDialog::fitLine(const ConnectRequest& request) {
     const PromptLimits bounds = limits();
-    int chars = maxNameChars;
-    do {
-        question->setText(promptLine(request.userName.get(), request.userType.get(), chars).c_str());
-        chars /= 2;
-    } while (!fit(request.timeoutS, bounds) && chars >= minNameChars);
+    const auto fits = [&](int nameChars) {
+        question->setText(promptLine(request.userName.get(), request.userType.get(), nameChars).c_str());
+        return fit(request.timeoutS, bounds);
+    };
+    brand->setShown(true);
+    leastMessagePx = scroll->getMinHeight(1); // as a long message needs
+    if (fits(maxNameChars))
+        return;
+    brand->setShown(false);
+    for (int chars = maxNameChars; chars >= minNameChars; chars /= 2) {
+        if (fits(chars))
+            return;
+    }
+    leastMessagePx = hxutil::scaled(leastMessageUnits);
+    fits(minNameChars);
 }
 
 /// False if the dialog wants to be higher than it may be.
@@ -234,8 +246,9 @@ bool QueryConnectDialog::fit(int timeoutS, const PromptLimits& bounds) {
         dialog->setSize(fitted);
     dialog->doLayout();
     const rfb::Rect area = dialog->getScreenArea();
-    dialog->setPosition({area.tl.x + std::max(0, (area.width() - fitted.x) / 2),
-                         area.tl.y + std::max(0, (area.height() - fitted.y) / 2)});
+    const rfb::Point outer = fitted + frameSize();
+    dialog->setPosition({area.tl.x + std::max(0, (area.width() - outer.x) / 2),
+                         area.tl.y + std::max(0, (area.height() - outer.y) / 2)});
     return fits;
 }
 

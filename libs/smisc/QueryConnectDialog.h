@@ -64,8 +64,9 @@ public:
 protected:
     /// Shows the dialog, urgent and on top, but without the keyboard: that belongs to whoever is typing.
     virtual void showQuietly() = 0;
-    virtual void allowFocus() = 0; ///< the keyboard may come from here on
-    virtual void keepInView() = 0; ///< once a second: another window may lie on it
+    virtual void allowFocus() = 0;      ///< the keyboard may come from here on
+    virtual void keepInView() = 0;      ///< once a second: another window may lie on it
+    virtual rfb::Point frameSize() = 0; ///< what the window will have round it, in pixels
 
     bool mayTakeFocus() const; ///< the first second of the prompt is over
     mui::MuDialog& window() { return *dialog; }
@@ -99,10 +100,12 @@ private:
     int64_t shownAt = 0;  // monotonic, ticks of 100 ns
     int64_t deadline = 0; // the same
     bool asking = false;
-    bool grants = false; // silence does
-    rfb::Point fitted;   // pixels
+    bool grants = false;    // silence does
+    int leastMessagePx = 0; // what of the message stays in view where there is little room
+    rfb::Point fitted;      // pixels
     std::unique_ptr<mui::MuDialog> dialog;
     mui::MuFrame* header = nullptr;
+    mui::MuFrame* brand = nullptr;
     mui::MuLayout* body = nullptr;
     mui::MuLayout* column = nullptr;
     mui::MuLayout* buttonRow = nullptr;

@@ -19,6 +19,7 @@ plat::LogSrc log("QueryConnect");
 
 constexpr int smallestSize = 100; // tenths of a point; body text has 120
 constexpr int largestSize = 240;
+constexpr int scrollbarGapUnits = 8;
 
 bool showsNothing(const plat::String& text) { return std::strspn(text.c_str(), " ") == text.view().size(); }
 
@@ -55,12 +56,18 @@ bool isPlainColour(const plat::String& colour) {
     });
 }
 
+/// A block that keeps clear of the scrollbar.
+void beginPadded(plat::MString& out, plat::Markup::Align align) {
+    constexpr const char* alignNames[] = {"left", "center", "right", "justify"};
+    out.format("<div style=\"text-align:%s;padding-right:%d\">", alignNames[align], scrollbarGapUnits);
+}
+
 /// Writes parsed markup anew, with what may be in it and no more.
 class Rewriter : public plat::Markup::Handler {
 public:
     plat::MString out;
 
-    void beginBlock(plat::Markup::Align align, double, double) override { out.beginDiv(align); }
+    void beginBlock(plat::Markup::Align align, double, double) override { beginPadded(out, align); }
     void endBlock() override { out.endDiv(); }
     void addText(const plat::Markup::Style& style, const char* text) override {
         // Text of references, such as &#x202e;, is only known here.
@@ -122,7 +129,8 @@ plat::String promptMessage(const char* message) {
     } catch (const plat::Exception& e) {
         log.info("the message of the prompt is no markup, and shown as it stands: %s", e.what());
         plat::MString plain;
-        plain.text(visible.c_str());
+        beginPadded(plain, plat::Markup::Left);
+        plain.text(visible.c_str()).endDiv();
         return plain.take();
     }
 }

@@ -1,6 +1,7 @@
 #include "smisc/tx/QueryConnectDialogPlat.h"
 
 #include "tx/TX.h"
+#include "tx/WindowManager.h"
 #include "tx/atoms.h"
 
 namespace smisc {
@@ -72,6 +73,10 @@ void QueryConnectDialogPlat::keepInView() {
         return;
     --raisesLeft;
     XRaiseWindow(tx::dpy, native->win());
+}
+
+rfb::Point QueryConnectDialogPlat::frameSize() {
+    return tx::WindowManager::isWMRunning() ? tx::getDecorationSize() : rfb::Point(0, 0);
 }
 
 bool QueryConnectDialogPlat::handleEvent(XEvent* event) {

@@ -23,6 +23,7 @@ protected:
     void showQuietly() override;
     void allowFocus() override;
     void keepInView() override;
+    rfb::Point frameSize() override;
 
 private:
     // tx::TXEventHandler
