@@ -1,0 +1,49 @@
+// What others write into the prompt: it comes out as markup that parses, without links, and with nothing invisible.
+#include "loc/Localize.h"
+#include "plat/Markup.h"
+#include "plat/utf8.h"
+#include "plat/visibleText.h"
+#include "registerBuiltInResources.h"
+#include "smisc/promptTexts.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+namespace {
+
+void require(bool condition) {
+    if (!condition)
+        std::abort();
+}
+
+struct Checker : plat::Markup::Handler {
+    void addText(const plat::Markup::Style& style, const char* text) override {
+        require(style.size >= 100 && style.size <= 240);
+        const char* const end = text + std::strlen(text);
+        while (text < end) {
+            uint32_t codepoint = 0;
+            require(plat::utf8::decode(&text, end, &codepoint));
+            require(codepoint == '\n' || codepoint == ' ' || codepoint == 0xa0 ||
+                    (!plat::isInvisible(codepoint) && !plat::isBlankOrBreak(codepoint)));
+        }
+    }
+    void addLink(const plat::Markup::Style&, const char*, const char*) override { require(false); }
+};
+
+void check(const plat::String& markup) {
+    Checker checker;
+    plat::Markup::ParserHtml::instance().parse(markup.c_str(), &checker); // what it throws is a fault
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    [[maybe_unused]] static const bool once = (loc::Localize::instance().init(), registerBuiltInResources(), true);
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    check(smisc::promptLine(text.c_str(), ""));
+    check(smisc::promptLine(text.c_str(), "", /*maxNameChars=*/3));
+    check(smisc::promptMessage(text.c_str()));
+    return 0;
+}
