@@ -10,13 +10,11 @@ namespace score {
 namespace {
 constexpr const char* severityNames[] = {"Info", "Warning", "Error"};
 
-// A value from the core: what isn't a plain number counts as out of range.
-uint32_t numberOf(const char* text) {
+// A value from the core; `otherwise` for what is no plain number.
+uint32_t numberOf(const char* text, uint32_t otherwise) {
     unsigned value = 0;
     const char* pos = text;
-    if (!plat::parseUInt(&pos, value, 10) || *pos)
-        return UINT32_MAX;
-    return value;
+    return pos && plat::parseUInt(&pos, value, 10) && !*pos ? value : otherwise;
 }
 
 [[noreturn]] void refuse(const char* expr, int line, const char* format, uint32_t value) {
@@ -34,8 +32,8 @@ StatusEvent::StatusEvent(const StatusDbNode& node)
     const char* code = node.getData("recovery");
     if (!code)
         return;
-    const char* flags = node.getData("recFlags");
-    setRecovery(numberOf(code), node.getData("resolver"), flags ? numberOf(flags) : 0);
+    setRecovery(numberOf(code, /*otherwise=*/UINT32_MAX), node.getData("resolver"),
+                numberOf(node.getData("recFlags"), /*otherwise=*/0));
 }
 
 const char* StatusEvent::severityName(uint32_t severity) {

@@ -134,6 +134,7 @@ void DiagnosticsTab::askForFile() {
 void DiagnosticsTab::fileChosen(const char* path) {
     if (!path)
         return;
+    readDisplays(); // the dialog may have been open for long
     rebuild();
     save(path);
 }
