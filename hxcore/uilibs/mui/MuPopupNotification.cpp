@@ -5,23 +5,24 @@
 #include "mui/MuImage.h"
 #include "mui/MuLayout.h"
 #include "mui/MuText.h"
+#include "plat/Markup.h"
 
 namespace mui {
 namespace {
 constexpr int widthUnits = 640;
 constexpr int imageUnits = 88;
-constexpr unsigned windowFlags = MuDialog::Popup | MuDialog::NoFocusOnShow | MuDialog::NoDecoration |
-                                 MuDialog::AutoHeight | MuDialog::FixedSize | MuDialog::Bordered;
+constexpr unsigned windowFlags =
+    MuDialog::Popup | MuDialog::NoFocusOnShow | MuDialog::NoDecoration | MuDialog::AutoHeight | MuDialog::FixedSize;
 } // namespace
 
 MuPopupNotification::MuPopupNotification(const char* imageName, const char* markup, int timeoutMs, Callback* target)
-    : callback(target),
-      dialog(MuDialog::create("notification", "notification", {hxutil::scaled(widthUnits), 0}, windowFlags)),
+    : callback(target), dialog(MuDialog::create("notification", plat::Markup::strip(markup).c_str(),
+                                                {hxutil::scaled(widthUnits), 0}, windowFlags)),
       timer(this) {
     dialog->setBgColour("contentBg");
     dialog->setTextColour("contentText");
     dialog->setMargin(0);
-    MuFrame* frame = MuFrame::create(dialog.get(), "frame");
+    MuFrame* frame = MuFrame::create(dialog.get(), "frame", MuFrame::Type::Line);
     MuLayout* column = MuLayout::create(frame, "vertLayout", Orientation::Vertical);
     MuLayout* row = MuLayout::create(column, "layout", Orientation::Horizontal);
     row->setSpacing(Mui::instance()->metric(MetricLargeGap));
@@ -63,10 +64,7 @@ void MuPopupNotification::tellEnded() {
     callback->popupEnded(this);
 }
 
-rfb::Point MuPopupNotification::popupSize() {
-    const rfb::Point border = dialog->getContentOrigin();
-    return dialog->getSize() + border + border;
-}
+rfb::Point MuPopupNotification::popupSize() { return dialog->getSize(); }
 
 void MuPopupNotification::movePopup(const rfb::Point& rootPosition) { dialog->setPosition(rootPosition); }
 
