@@ -29,7 +29,7 @@ PopupNotificationMgr& PopupNotificationMgr::instance() {
 }
 
 void PopupNotificationMgr::add(Popup* popup) {
-    popups.push_back(popup);
+    popups.push_back({popup, {}});
     screen = popup->readScreen();
     makeRoom();
     place();
@@ -37,15 +37,15 @@ void PopupNotificationMgr::add(Popup* popup) {
 }
 
 void PopupNotificationMgr::remove(Popup* popup) {
-    std::erase(popups, popup);
+    forget(popup);
     if (popups.empty())
         timer.cancel();
-    else
+    else if (!isMakingRoom)
         place();
 }
 
 bool PopupNotificationMgr::timerExpired(plat::Timer*) {
-    const Screen fresh = popups.front()->readScreen();
+    const Screen fresh = popups.front().popup->readScreen();
     if (!(fresh == screen)) {
         screen = fresh;
         place();
@@ -56,24 +56,36 @@ bool PopupNotificationMgr::timerExpired(plat::Timer*) {
 void PopupNotificationMgr::makeRoom() {
     const auto isFull = [this] {
         int height = gapPx;
-        for (Popup* popup : popups)
-            height += popup->popupSize().y + gapPx;
+        for (const Entry& each : popups)
+            height += each.popup->popupSize().y + gapPx;
         return height > screen.workArea.height();
     };
+    isMakingRoom = true;
     while (popups.size() > 1 && isFull()) {
-        Popup* oldest = popups.front();
+        Popup* oldest = popups.front().popup;
         oldest->expirePopup();
-        std::erase(popups, oldest); // whatever it made of it
+        forget(oldest); // whatever it made of it
     }
+    isMakingRoom = false;
 }
 
 void PopupNotificationMgr::place() {
     std::vector<rfb::Point> sizes;
-    for (Popup* popup : popups)
-        sizes.push_back(popup->popupSize());
+    for (const Entry& each : popups)
+        sizes.push_back(each.popup->popupSize());
     const std::vector<rfb::Point> spots = places(static_cast<Corner>(notificationPos.value()), screen, sizes);
-    for (size_t i = 0; i < popups.size(); ++i)
-        popups[i]->movePopup(spots[i]);
+    for (size_t i = 0; i < popups.size(); ++i) {
+        Entry& entry = popups[i];
+        if (entry.isPlaced && entry.place == spots[i])
+            continue;
+        entry.place = spots[i];
+        entry.isPlaced = true;
+        entry.popup->movePopup(spots[i]);
+    }
+}
+
+void PopupNotificationMgr::forget(const Popup* popup) {
+    std::erase_if(popups, [popup](const Entry& each) { return each.popup == popup; });
 }
 
 std::vector<rfb::Point> PopupNotificationMgr::places(Corner corner, const Screen& screen,

@@ -48,9 +48,17 @@ private:
 
     void place();
     void makeRoom();
+    void forget(const Popup* popup);
 
-    std::vector<Popup*> popups; // the oldest first
-    Screen screen;              // that they were placed for
+    struct Entry {
+        Popup* popup;
+        rfb::Point place;
+        bool isPlaced = false;
+    };
+
+    std::vector<Entry> popups; // the oldest first
+    bool isMakingRoom = false;
+    Screen screen; // that they were placed for
     plat::Timer timer;
 };
 
