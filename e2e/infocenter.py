@@ -325,6 +325,13 @@ class InfoCenter(UiTest):
         core.say("disconnect user250")
         until(lambda: len(self.rows(core, CONNLIST)) == 499, "one less")
 
+    def test_an_event_that_cannot_be_ends_the_link(self):
+        for bad in ("recovery=9", "recovery=1", "recovery=x"):
+            core = self.opened()
+            core.say("event good 0 Good", "event bad 0 Bad | " + bad)
+            core.expect("link lost, ui exited 0")
+            core.end()
+
     def test_the_core_dies_whatever_is_open(self):
         def nothing(core):
             core.say("event a 2 One", "connect ann 1.1.1.1::1 Named f")

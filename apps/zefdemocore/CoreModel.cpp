@@ -39,18 +39,20 @@ void CoreModel::remove(const std::string& path) {
 
 void CoreModel::begin() {
     inBatch = true;
-    link->setUpdating(infoDb, true);
+    for (const char* db : {infoDb, eventDb})
+        link->setUpdating(db, true);
 }
 
 void CoreModel::end() {
     inBatch = false;
-    link->setUpdating(infoDb, false);
+    for (const char* db : {infoDb, eventDb})
+        link->setUpdating(db, false);
 }
 
 void CoreModel::commit() { link->commit(infoDb); }
 
 void CoreModel::commitUnlessBatch(const char* db) {
-    if (!inBatch || db != infoDb)
+    if (!inBatch)
         link->commit(db);
 }
 

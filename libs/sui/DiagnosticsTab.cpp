@@ -96,7 +96,11 @@ void DiagnosticsTab::onCommit(score::StatusDb*) {
 bool DiagnosticsTab::timerExpired(plat::Timer*) {
     if (label->isShownFully() && plat::monoTicks() - displaysTicks >= displayTicks)
         readDisplays();
-    rebuild();
+    try {
+        rebuild();
+    } catch (const plat::AssertionFail& e) {
+        log.error("%s", e.what()); // the commit of such an event has ended the link
+    }
     return false;
 }
 
