@@ -155,6 +155,34 @@ class GalleryTest(unittest.TestCase):
         self.keys("Return")
         self.gallery.until_state(self.gallery.page(10, ".chosen"), "value", folder + "/picture.png")
 
+    def test_the_plain_chooser_takes_keys_and_the_pointer(self):
+        folder = os.path.join(self.home.path, "plain")
+        os.makedirs(os.path.join(folder, "sub"))
+        for name in ("picture.png", "sub/deep.txt"):
+            with open(os.path.join(folder, name), "w", encoding="ascii") as out:
+                out.write("x")
+        self.start()
+        self.go_to(10)
+        chosen = self.gallery.page(10, ".chosen")
+
+        def choose(*keys):
+            self.gallery.ask("click " + self.gallery.page(10, ".plain"))
+            window = until(lambda: self.find("^Choose plainly$"), "its window")
+            subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+            self.keys("Tab", "ctrl+a")
+            subprocess.run(["xdotool", "type", "--delay", "10", folder + "/"], check=True)
+            self.keys("Return", "shift+Tab", *keys)
+            return window
+        choose("s", "Return", "d", "Return", "Tab", "Return")
+        self.gallery.until_state(chosen, "value", folder + "/sub/deep.txt")
+        choose("Escape")
+        self.gallery.until_state(chosen, "value", "cancelled")
+        window = choose("p")
+        self.picture()  # it rests
+        subprocess.run(["xdotool", "mousemove", "--window", window, "20", "38", "click", "1"], check=True)
+        self.keys("Tab", "Return")
+        self.gallery.until_state(chosen, "value", folder + "/picture.png")
+
     def test_everything_fits_at_every_scale(self):
         for args in [(), ("-ppmm=8", "-TextSizeFactor=200"), ("-_DarkMode",)]:
             with self.subTest(args=args):

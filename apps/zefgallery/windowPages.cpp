@@ -11,6 +11,7 @@
 #include "mui/MuText.h"
 #include "product/init.h"
 #include "zefgallery/pages.h"
+#include "zefgallery/tx/PlainChooser.h"
 
 #include <string>
 #include <vector>
@@ -35,7 +36,10 @@ constexpr Kind kinds[] = {
     {"Stays", mui::MuDialog::DisableClose},
 };
 
-class WindowsPage : public Page, private mui::MuObserver, private mui::MuFileDialog::Callback {
+class WindowsPage : public Page,
+                    private mui::MuObserver,
+                    private mui::MuFileDialog::Callback,
+                    private PlainChooser::Callback {
 public:
     WindowsPage(mui::MuDialog* top_, mui::MuLayout* page_) : top(top_), page(page_) {
         heading(page, "A dialog of each kind");
@@ -57,6 +61,7 @@ public:
         openFile = mui::MuButton::create(choosers, "open", "&Open...");
         saveFile = mui::MuButton::create(choosers, "save", "&Save...");
         chooseFolder = mui::MuButton::create(choosers, "folder", "&Folder...");
+        choosePlainly = mui::MuButton::create(choosers, "plain", "&Plain...");
         chosen = result("chosen");
         chooser = mui::MuFileDialog::create(top, this);
         heading(page, "About");
@@ -87,6 +92,8 @@ private:
             chooser->showSave("Save", "report.txt", nullptr, nullptr, /*filesMode=*/true);
         else if (element == chooseFolder)
             chooser->showOpen("Folder", nullptr, nullptr, nullptr, /*filesMode=*/false);
+        else if (element == choosePlainly)
+            plainChooser->show();
         if (element != about)
             return;
         if (!aboutDialog)
@@ -103,6 +110,8 @@ private:
         return field;
     }
 
+    // gallery::PlainChooser::Callback
+    void plainChosen(const char* path) override { chosen->setText(path ? path : "cancelled"); }
     // mui::MuFileDialog::Callback
     void fileChosen(const char* path) override { chosen->setText(path ? path : "cancelled"); }
     void fileFailed(const char* message) override { chosen->setText(message); }
@@ -144,6 +153,8 @@ private:
     mui::MuButton* chooseFolder;
     mui::MuEdit* chosen;
     std::unique_ptr<mui::MuFileDialog> chooser;
+    mui::MuButton* choosePlainly;
+    std::unique_ptr<PlainChooser> plainChooser = PlainChooser::create(this);
     mui::MuButton* about;
     std::unique_ptr<mui::MuAboutDialog> aboutDialog;
 };

@@ -133,7 +133,7 @@ protected:
         [[maybe_unused]] static const bool once = (registerBuiltInResources(), true);
         plat::setTimeSource(readClock);
         tx::TXInit();
-        timers = std::make_unique<plat::TimerManager>();
+        timers = std::make_unique<plat::TimerManager>(/*nested=*/plat::TimerManager::current() != nullptr);
     }
     ~XTest() override {
         timers.reset();
