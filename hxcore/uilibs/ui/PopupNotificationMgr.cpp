@@ -32,25 +32,30 @@ void PopupNotificationMgr::add(Popup* popup) {
     popups.push_back({popup, {}});
     screen = popup->readScreen();
     makeRoom();
-    place();
-    timer.start(checkMs);
+    Entry& newest = popups.back();
+    newest.place = spots().back();
+    popup->movePopup(newest.place);
+    timer.start(0);
 }
 
 void PopupNotificationMgr::remove(Popup* popup) {
     forget(popup);
     if (popups.empty())
         timer.cancel();
-    else if (!isMakingRoom)
-        place();
+    else
+        timer.start(0);
 }
 
 bool PopupNotificationMgr::timerExpired(plat::Timer*) {
-    const Screen fresh = popups.front().popup->readScreen();
-    if (!(fresh == screen)) {
-        screen = fresh;
-        place();
-    }
-    return true;
+    screen = popups.front().popup->readScreen();
+    const std::vector<rfb::Point> fresh = spots();
+    for (size_t i = 0; i < popups.size(); ++i)
+        if (popups[i].place != fresh[i]) {
+            popups[i].place = fresh[i];
+            popups[i].popup->movePopup(fresh[i]);
+        }
+    timer.start(checkMs);
+    return false;
 }
 
 void PopupNotificationMgr::makeRoom() {
@@ -60,32 +65,22 @@ void PopupNotificationMgr::makeRoom() {
             height += each.popup->popupSize().y + gapPx;
         return height > screen.workArea.height();
     };
-    isMakingRoom = true;
     while (popups.size() > 1 && isFull()) {
         Popup* oldest = popups.front().popup;
         oldest->expirePopup();
         forget(oldest); // whatever it made of it
     }
-    isMakingRoom = false;
-}
-
-void PopupNotificationMgr::place() {
-    std::vector<rfb::Point> sizes;
-    for (const Entry& each : popups)
-        sizes.push_back(each.popup->popupSize());
-    const std::vector<rfb::Point> spots = places(static_cast<Corner>(notificationPos.value()), screen, sizes);
-    for (size_t i = 0; i < popups.size(); ++i) {
-        Entry& entry = popups[i];
-        if (entry.isPlaced && entry.place == spots[i])
-            continue;
-        entry.place = spots[i];
-        entry.isPlaced = true;
-        entry.popup->movePopup(spots[i]);
-    }
 }
 
 void PopupNotificationMgr::forget(const Popup* popup) {
     std::erase_if(popups, [popup](const Entry& each) { return each.popup == popup; });
+}
+
+std::vector<rfb::Point> PopupNotificationMgr::spots() const {
+    std::vector<rfb::Point> sizes;
+    for (const Entry& each : popups)
+        sizes.push_back(each.popup->popupSize());
+    return places(static_cast<Corner>(notificationPos.value()), screen, sizes);
 }
 
 std::vector<rfb::Point> PopupNotificationMgr::places(Corner corner, const Screen& screen,

@@ -11,7 +11,8 @@ namespace ui {
 
 /// Stacks the popups of this process in a corner of the screen, the oldest in the corner, and follows the work area.
 ///
-/// There is always room for the newest: where the stack would outgrow the work area, the oldest popups end.
+/// There is always room for the newest: where the stack would outgrow the work area, the oldest popups end. Those that
+/// stay move up in the next round of the loop, once for all that came and went.
 class PopupNotificationMgr : private plat::Timer::Callback, private plat::NonCopyable {
 public:
     enum class Corner { Auto, TopLeft, TopRight, BottomLeft, BottomRight };
@@ -46,19 +47,17 @@ private:
     // plat::Timer::Callback
     bool timerExpired(plat::Timer*) override;
 
-    void place();
+    std::vector<rfb::Point> spots() const;
     void makeRoom();
     void forget(const Popup* popup);
 
     struct Entry {
         Popup* popup;
         rfb::Point place;
-        bool isPlaced = false;
     };
 
     std::vector<Entry> popups; // the oldest first
-    bool isMakingRoom = false;
-    Screen screen; // that they were placed for
+    Screen screen;             // that they were placed for
     plat::Timer timer;
 };
 

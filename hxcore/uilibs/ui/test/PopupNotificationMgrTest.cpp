@@ -62,6 +62,7 @@ TEST(PopupNotificationMgr, FollowsTheWorkAreaAndRestsWithoutPopups) {
     {
         FakePopup popup;
         EXPECT_EQ(popup.place, rfb::Point(900, 150));
+        timers.processTimers();
         FakePopup::screen.workArea = {0, 0, 1000, 180};
         plat::FakeClock::advanceMs(400);
         timers.processTimers();
@@ -82,6 +83,8 @@ TEST(PopupNotificationMgr, TheOldestMakesRoomForTheNewest) {
     FakePopup fourth;
     EXPECT_TRUE(first.expired);
     EXPECT_FALSE(second.expired);
+    EXPECT_EQ(fourth.place, rfb::Point(900, 46)); // at once, before it is seen
+    timers.processTimers();
     EXPECT_EQ(second.place, rfb::Point(900, 150));
     EXPECT_EQ(fourth.place, rfb::Point(900, 46));
 }
