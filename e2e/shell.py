@@ -7,7 +7,7 @@ import subprocess
 import time
 import unittest
 
-from harness import SLOW, Core, UiTest, main, until
+from harness import CORE, SLOW, UiTest, main, until
 
 TEXT = "frame.vertLayout.layout.textFrame.text"
 
@@ -350,6 +350,22 @@ class Menus(Shell):
         core.expect("ui: uiActivated")
         core.until_state("statusdialog", "shown", "1")
 
+    def test_items_change_while_a_menu_is_up(self):
+        core = self.start()
+        self.open_dialog(core)
+        core.ask("click statusdialog.header.setting")
+        until(self.menu_window, "the menu")
+        core.say("corestatus 0 1 1 1 4000 0", "corestatus 0 0 0 0 4000 0", "corestatus 0 0 0 1 4000 0")
+        until(lambda: self.items(core, "moreMenu")[-1] != "Hide", "the change")
+        self.keys("Down", "Down", "Up", "Escape")
+        until(lambda: not self.menu_window(), "the menu gone")
+
+    @unittest.skipUnless(os.geteuid() == 0, "others open it")
+    def test_support_is_opened_in_the_browser(self):
+        core = self.start()
+        core.ask("menu tray invoke Technical Support...")
+        until(lambda: "Refusing to open url as root: https://support.velthar.example" in core.stderr(), "the address")
+
     def test_no_question_outlives_its_answer(self):
         core = self.start()
         for _ in range(3):  # each in place of the one before
@@ -418,14 +434,32 @@ class Ends(Shell):
         core.ask("click messagebox.buttons.yes")
         core.expect("link lost, ui exited 0")
 
+    def box(self, core):
+        """The text of the message box, once it is up."""
+        until(lambda: "messagebox" in core.ask("dialogs"), "a box")
+        name = re.search(r"main\.frame\.split\.(msg|info)", core.ask("lists messagebox"))[0]
+        return core.state(f"messagebox.{name}")["label"]
+
     def test_options_that_cannot_be_read(self):
-        core = self.start(args=[])
-        core.say("serverexe /nonexistent/core", "showoptions security")
-        until(lambda: "messagebox" in core.ask("dialogs"), "an error box")
-        until(lambda: "Error showing options dialog: " in core.stderr(), "its log line")
-        core.ask("close messagebox")
-        core.ask("menu tray invoke About...")
-        self.assertIn("aboutdlg", core.ask("dialogs"))
+        for mode, text in (("virtual", "/nonexistent/core"),
+                           ("service", "Unable to configure options for Velthar Server.")):
+            core = self.start(mode)
+            core.say("serverexe /nonexistent/core", "showoptions security")
+            self.assertTrue(self.box(core).startswith(text), mode)
+            self.assertIn("Error showing options dialog: ", core.stderr())
+            core.ask("close messagebox")
+            core.ask("menu tray invoke About...")  # life goes on
+            self.assertIn("aboutdlg", core.ask("dialogs"))
+            core.end()
+
+    def test_options_are_read_through_the_helper(self):
+        core = self.start()
+        core.say(f"serverexe {CORE}", "showoptions", "showoptions security")
+        self.assertIn("no options to change here", self.box(core))
+        self.assertEqual(core.ask("dialogs").count("messagebox"), 1)
+        core.ask("click messagebox.buttons.ok")
+        until(lambda: "messagebox" not in core.ask("dialogs"), "its deletion")
+        self.assertNotIn("<11>", core.stderr())
 
 
 if __name__ == "__main__":

@@ -168,7 +168,8 @@ void ServerUi::resolveEvent(const char* id) {
 
 void ServerUi::handleLink(const char* url) {
     if (plat::startsWith(url, optionsLink)) {
-        showOptions(url + strlen(optionsLink));
+        const char* section = url + strlen(optionsLink);
+        showOptions(*section ? section : nullptr);
         return;
     }
     if (!offerLink(url))
