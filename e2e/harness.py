@@ -202,6 +202,7 @@ class Core(Inspected):
         return int(children[0]) if children else None
 
     def end(self):
+        ui = self.ui_pid()
         with contextlib.suppress(BrokenPipeError):
             self.process.stdin.close()
         if self.process.poll() is None:
@@ -210,8 +211,18 @@ class Core(Inspected):
             except subprocess.TimeoutExpired:
                 self.process.kill()
                 self.process.wait()
-        self.process.stdin.close()
         self.process.stdout.close()
+        # It holds names that the next one wants, and its core doesn't wait for ever.
+        until(lambda: not ui or not is_running(ui), "the end of the UI")
+
+
+def is_running(pid):
+    """Whether the process is there and no zombie."""
+    try:
+        with open(f"/proc/{pid}/stat", encoding="utf-8", errors="replace") as text:
+            return text.read().rpartition(")")[2].split()[0] != "Z"
+    except (FileNotFoundError, ProcessLookupError):
+        return False
 
 
 def listens(path, pid):
