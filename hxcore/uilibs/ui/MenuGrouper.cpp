@@ -43,7 +43,7 @@ void MenuGrouper::removeItem(Menu::Item* item) {
             menu->removeItem(item);
             return;
         }
-    ASSERT(!"an item of another menu");
+    plat::assertFailed("an item of this menu", __FILE_NAME__, __LINE__);
 }
 
 void MenuGrouper::setShown(Menu::Item* item, bool on) {
