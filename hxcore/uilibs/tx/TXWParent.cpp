@@ -445,6 +445,13 @@ plat::String TXWParent::getCutText() {
 
 plat::String TXWParent::getPrimaryText() { return TXWindow::getCutText(XA_PRIMARY); }
 
+void TXWParent::setPrimaryText(const char* text) {
+    // A window holds one text: this one may own the clipboard with another.
+    if (!primaryOwner)
+        primaryOwner = std::make_unique<TXWindow>(1, 1, nullptr, 0, /*overrideRedirect=*/true);
+    primaryOwner->setPrimaryText(static_cast<size_t>(plat::strLen(text)), text, getServerTime());
+}
+
 void TXWParent::setCutText(const char* text) {
     TXWindow::setCutText(static_cast<size_t>(plat::strLen(text)), text, getServerTime());
 }

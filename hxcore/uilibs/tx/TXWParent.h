@@ -71,6 +71,7 @@ public:
     bool isKeyDown(uint32_t keysym) const override;
     plat::String getCutText() override;
     void setCutText(const char* text) override;
+    void setPrimaryText(const char* text) override;
     wvw::WRoot* getRoot(rfb::Point* originOut) override;
     void ensureVisible(wvw::Widget* child, const rfb::Rect& rect) override;
     void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* dragImage) override;
@@ -84,6 +85,7 @@ public:
     using TXWindow::isFocused;
     using TXWindow::setCutText;
     using TXWindow::setFocus;
+    using TXWindow::setPrimaryText;
 
     // plat::Timer::Callback
     bool timerExpired(plat::Timer* timer) override;
@@ -132,7 +134,8 @@ private:
     void refuseInput();
     void showHint();
 
-    std::unique_ptr<TXImage> image; // only while mapped; null also when there is no memory for it
+    std::unique_ptr<TXWindow> primaryOwner; // made when a text is first selected
+    std::unique_ptr<TXImage> image;         // only while mapped; null also when there is no memory for it
     wvw::Widget* root = nullptr;
     std::map<unsigned, uint32_t> pressedKeys; // keycode to the keysym that was reported at the press
     rfb::Region invalidRegion;

@@ -101,6 +101,7 @@ public:
     void disownSelections();
     /// Offers text (UTF-8, `len` bytes) to other clients as PRIMARY, CLIPBOARD and cut buffer 0.
     void setCutText(std::size_t len, const char* text, Time time);
+    void setPrimaryText(std::size_t len, const char* text, Time time); ///< offers it as PRIMARY alone
     /// The text of a selection, UTF-8; waits up to two seconds for its owner. Empty if there is none.
     plat::String getCutText(Atom selection);
     /// Asks the owner to convert the selection, and gives what it answers to selectionNotify. False if no answer came

@@ -116,6 +116,11 @@ void TXWindow::setCutText(size_t len, const char* text, Time time) {
     ownSelection(clipboardAtom(), time);
 }
 
+void TXWindow::setPrimaryText(size_t len, const char* text, Time time) {
+    keepText({text, len});
+    ownSelection(XA_PRIMARY, time);
+}
+
 plat::String TXWindow::getCutText(Atom selection) {
     const auto owner = state().selectionOwners.find(selection);
     if (owner != state().selectionOwners.end())

@@ -209,7 +209,14 @@ bool WEdit::moveByKey(uint32_t keysym) {
         return false;
     }
     place(to, shiftDown());
+    offerSelection();
     return true;
+}
+
+/// What the user has selected is what the middle button pastes, here and in other programs.
+void WEdit::offerSelection() {
+    if (selection != 0 && !password && parent)
+        parent->setPrimaryText(getSelectedText().c_str());
 }
 
 bool WEdit::eraseByKey(uint32_t keysym) {
@@ -257,6 +264,7 @@ bool WEdit::ownKey(uint32_t keysym) {
         return true;
     if (ctrlDown() && (keysym == 'a' || keysym == 'A')) {
         selectAll();
+        offerSelection();
         return true;
     }
     if (contextMenu && (keysym == key::Menu || (keysym == key::F10 && shiftDown()))) {
@@ -358,6 +366,7 @@ void WEdit::editMenuChosen(int choice) {
     default:
         takeFocus();
         selectAll();
+        offerSelection();
     }
 }
 
@@ -409,6 +418,7 @@ bool WEdit::mouseDown(int button, Widget* origin) {
     if (pressTimer.isActive() && here == lastPress) {
         pressTimer.cancel();
         selectAll();
+        offerSelection();
         return true;
     }
     lastPress = here;
@@ -419,8 +429,10 @@ bool WEdit::mouseDown(int button, Widget* origin) {
 }
 
 bool WEdit::mouseUp(int button, Widget* origin) {
-    if (origin == this && button == 0)
+    if (origin == this && button == 0 && dragging) {
         dragging = false;
+        offerSelection();
+    }
     const WidgetWatch self(this);
     const bool used = Widget::mouseUp(button, origin);
     if (!self.alive() || origin != this || button != 2 || !contextMenu || !isEnabled() || !parent)

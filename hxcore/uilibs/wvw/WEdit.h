@@ -13,7 +13,8 @@ namespace wvw {
 /// One line of text that the user edits. Each change, also by setText, runs valueChanged(this).
 ///
 /// Besides the keys that type, move and erase: Ctrl+A, C, X, V, Z, Y, their older forms with Insert and Delete, and the
-/// menu key. The middle button pastes what was selected last in any program.
+/// menu key. The middle button pastes what was selected last in any program; what the user selects here is that for
+/// others, unless it is a password.
 ///
 /// Positions are bytes, and always lie between characters. The text of a password field is wiped before it is freed.
 class WEdit : public Widget, public WEditMenu::Callback {
@@ -74,6 +75,7 @@ protected:
 private:
     int insertionPoint() const { return cursor + selection; }
     void place(int position, bool extend);
+    void offerSelection();
     bool moveByKey(uint32_t keysym);
     bool eraseByKey(uint32_t keysym);
     bool clipboardKey(uint32_t keysym);

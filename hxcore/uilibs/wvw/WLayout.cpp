@@ -143,6 +143,11 @@ void WLayout::setCutText(const char* text) {
 
 plat::String WLayout::getPrimaryText() { return parent ? parent->getPrimaryText() : plat::String(); }
 
+void WLayout::setPrimaryText(const char* text) {
+    if (parent)
+        parent->setPrimaryText(text);
+}
+
 void WLayout::showCursor(CursorShape shape) {
     if (parent)
         parent->showCursor(shape);

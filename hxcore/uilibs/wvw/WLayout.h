@@ -56,6 +56,7 @@ public:
     plat::String getCutText() override;
     void setCutText(const char* text) override;
     plat::String getPrimaryText() override;
+    void setPrimaryText(const char* text) override;
     void showCursor(CursorShape shape) override;
     WRoot* getRoot(rfb::Point* originOut) override;
     void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* image) override;

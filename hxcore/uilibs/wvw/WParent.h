@@ -48,6 +48,9 @@ public:
     /// What the user selected last in any program, as UTF-8; null when there is none. Default: the clipboard.
     virtual plat::String getPrimaryText() { return getCutText(); }
 
+    /// The user has selected this text (UTF-8), for the middle button to paste. Default: nothing.
+    virtual void setPrimaryText(const char* /*text*/) {}
+
     /// The pointer is over a widget of that shape. Default, once it has left it. The default does nothing.
     virtual void showCursor(CursorShape) {}
 

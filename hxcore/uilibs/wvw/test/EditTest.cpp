@@ -312,6 +312,29 @@ TEST_F(EditTest, TheOlderClipboardKeysAndTheMiddleButtonWorkToo) {
     EXPECT_STREQ(edit.getText(), "a123b");
 }
 
+TEST_F(EditTest, WhatTheUserSelectsIsForTheMiddleButton) {
+    edit.setText("hello world");
+    edit.setSelection(0, 3); // by the program
+    EXPECT_STREQ(window.primary.c_str(), "");
+    window.key(key::End);
+    EXPECT_STREQ(window.primary.c_str(), "");
+    withHeld(key::ShiftL, {key::Left, key::Left});
+    EXPECT_STREQ(window.primary.c_str(), "ld");
+    window.key(key::Left); // nothing is selected any more: the old one stays
+    EXPECT_STREQ(window.primary.c_str(), "ld");
+    withHeld(key::ControlL, {'a'});
+    EXPECT_STREQ(window.primary.c_str(), "hello world");
+    window.move(xOf("he"), 10);
+    window.press();
+    window.move(xOf("hello"), 10);
+    EXPECT_STREQ(window.primary.c_str(), "hello world");
+    window.release();
+    EXPECT_STREQ(window.primary.c_str(), "llo");
+    edit.setPassword(true);
+    withHeld(key::ControlL, {'a'});
+    EXPECT_STREQ(window.primary.c_str(), "llo");
+}
+
 TEST_F(EditTest, TheInputMethodIsToldWhereTheTextGoes) {
     edit.setText("ab");
     window.key(key::Home);

@@ -70,6 +70,7 @@ public:
     plat::String getCutText() override { return clipboard; }
     void setCutText(const char* text) override { clipboard = text; }
     plat::String getPrimaryText() override { return primary; }
+    void setPrimaryText(const char* text) override { primary = text; }
     void showCursor(CursorShape newShape) override { shape = newShape; }
     void setTextCursor(Widget*, const rfb::Rect& rect) override { textCursor = rect; }
     WRoot* getRoot(rfb::Point* originOut) override;
