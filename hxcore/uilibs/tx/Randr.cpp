@@ -98,7 +98,7 @@ std::vector<uint8_t> readProperty(RROutput output, const char* name) {
     unsigned char* data = nullptr;
     const Atom property = XInternAtom(dpy, name, /*only_if_exists=*/True);
     if (property == none ||
-        dynXrandr::XRRGetOutputProperty(dpy, output, property, 0, maxWords, False, False, AnyPropertyType, &type,
+        dynXrandr::XRRGetOutputProperty(dpy, output, property, 0, maxWords, False, False, Atom{AnyPropertyType}, &type,
                                         &format, &count, &left, &data) != success)
         return {};
     std::vector<uint8_t> bytes;
