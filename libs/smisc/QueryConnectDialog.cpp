@@ -75,7 +75,7 @@ void QueryConnectDialog::addHeader() {
     mui::MuSpacer* left = mui::MuSpacer::create(row, "");
     mui::MuImage::create(row, "icon", "bannerStatusQuestion", {iconPx, iconPx});
     mui::MuStatic* label = mui::MuStatic::create(row, "header", LOC_TEXT("smisc_queryconnect_header"));
-    label->setWrap(false);
+    label->setWrap(/*wrap=*/false);
     headerStyle.applyTo(label);
     mui::MuSpacer* right = mui::MuSpacer::create(row, "");
     row->setChildLayout(left, mui::MuLayout::Stretch);
@@ -117,7 +117,7 @@ void QueryConnectDialog::addContent() {
 
 mui::MuButton* QueryConnectDialog::addButton(mui::MuLayout* row, const char* name, const char* text) {
     mui::MuButton* button = mui::MuButton::create(row, name, text);
-    button->setDeliberate(true);
+    button->setDeliberate(/*on=*/true);
     return button;
 }
 
@@ -221,11 +221,11 @@ void QueryConnectDialog::fitLine(const ConnectRequest& request) {
         question->setText(promptLine(request.userName.get(), request.userType.get(), nameChars).c_str());
         return fit(request.timeoutS, bounds);
     };
-    brand->setShown(true);
+    brand->setShown(/*shown=*/true);
     leastMessagePx = scroll->getMinHeight(1); // as a long message needs
     if (fits(maxNameChars))
         return;
-    brand->setShown(false);
+    brand->setShown(/*shown=*/false);
     for (int chars = maxNameChars; chars >= minNameChars; chars /= 2) {
         if (fits(chars))
             return;
@@ -259,7 +259,7 @@ bool QueryConnectDialog::mayTakeFocus() const { return asking && plat::monoTicks
 bool QueryConnectDialog::timerExpired(plat::Timer*) {
     const int left = roundedSeconds(deadline - plat::monoTicks());
     if (left <= 0) {
-        finish(timeoutRights, /*byUser=*/false);
+        finish(hxauth::Permissions(timeoutRights), /*byUser=*/false); // the next request replaces ours
         return false;
     }
     showTimeLeft(left);
@@ -304,16 +304,15 @@ void QueryConnectDialog::hide() {
     asking = false;
     timer.cancel();
     if (dialog->isShown())
-        dialog->setShown(false);
+        dialog->setShown(/*shown=*/false);
     if (notifier && notification)
         notifier->cancel(notification);
     notification = 0;
 }
 
 void QueryConnectDialog::finish(const hxauth::Permissions& rights, bool byUser) {
-    const hxauth::Permissions answer = rights; // the next request replaces ours
     hide();
-    callback->queryResult(answer, byUser);
+    callback->queryResult(rights, byUser);
 }
 
 } // namespace smisc

@@ -29,7 +29,7 @@ void startLogging() {
     const plat::String file = plat::strFormat("%s-qc.log", os::AppInfo::app());
     if (plat::ConfigParameter* parameter = plat::Configuration::global().find("LogFile"))
         parameter->setParam(file.c_str(), plat::PriorityPreference);
-    plat::LogDestFile::setFileEnabled(true);
+    plat::LogDestFile::setFileEnabled(/*enabled=*/true);
 }
 
 int run(int argc, char** argv) {

@@ -46,9 +46,9 @@ void QueryConnectDialogPlat::showQuietly() {
     focusAllowed = false;
     covered = false;
     raisesLeft = maxRaises;
-    window().setShown(true);
-    native->setInputHint(false);
-    native->setUrgent(true);
+    window().setShown(/*shown=*/true);
+    native->setInputHint(/*input=*/false);
+    native->setUrgent(/*urgent=*/true);
     native->raise();
 }
 
@@ -56,7 +56,7 @@ void QueryConnectDialogPlat::allowFocus() {
     if (focusAllowed)
         return;
     focusAllowed = true;
-    native->setInputHint(true);
+    native->setInputHint(/*input=*/true);
     XRaiseWindow(tx::dpy, native->win());
 }
 
