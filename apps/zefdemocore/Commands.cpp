@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 
 namespace democore {
@@ -92,13 +94,18 @@ struct Commands::Command {
 };
 
 const Commands::Command Commands::table[] = {
+    {"addclient", &Commands::addClient, "0|1: whether the UI offers to connect out to a viewer"},
+    {"addclientresult", &Commands::addClientResult, "[TEXT]: how connecting out ended; with a text it failed"},
     {"begin", &Commands::begin, "open a batch of status changes"},
     {"children", &Commands::children, "N PARENT: N distinct nodes under one parent, in one batch"},
+    {"clipboard", &Commands::clipboard, "0|1: whether text is shared with viewers"},
     {"close", &Commands::closeLink, "close the link to the UI"},
     {"cloudrefresh", &Commands::cloudRefresh, "0|1: whether the UI may ask for a refresh of the cloud's state"},
     {"commit", &Commands::commit, "commit the status database"},
     {"connect", &Commands::connect, "USER ADDRESS TYPE [PERMISSIONS]: a user comes; %20 is a blank, and so on"},
     {"corestatus", &Commands::coreStatus, "STATE OPTIONSOFF CANNOTSTOP CLOSESTOPS NOTIFYMS FLAGS"},
+    {"cutfile", &Commands::cutFile, "PATH: a viewer copied what is in that file"},
+    {"cuttext", &Commands::cutText, "TEXT: a viewer copied it; %0a is a line end"},
     {"desktop", &Commands::desktop, "0|1: the desktop ended or started"},
     {"disconnect", &Commands::disconnect, "USER: a user goes"},
     {"echo", &Commands::echo, "TEXT: print it"},
@@ -108,6 +115,7 @@ const Commands::Command Commands::table[] = {
     {"exited", &Commands::waitExit, "[MS]: wait for the end of the UI and print it"},
     {"features", &Commands::features, "NAME=ae NAME=a NAME= ..: available, enabled"},
     {"flood", &Commands::flood, "N: N writes of one node in one batch"},
+    {"guest", &Commands::guest, "SHOWN CHECKED: the item of guest access"},
     {"help", &Commands::help, "this list"},
     {"loglevel", &Commands::logLevel, "LEVEL: ask for log messages"},
     {"message", &Commands::message, "NAME HEX: a message with these bytes as its body"},
@@ -123,6 +131,7 @@ const Commands::Command Commands::table[] = {
     {"raw", &Commands::raw, "HEX: bytes onto the wire as they are"},
     {"remove", &Commands::removeNode, "PATH"},
     {"resolve", &Commands::resolve, "ID: hand an event back"},
+    {"savecut", &Commands::saveCut, "PATH: write what was copied on the desktop last to a file"},
     {"serverexe", &Commands::serverExe, "PATH"},
     {"shell", &Commands::shell, "COMMAND: run it and wait, with UI_PID and PROMPT_PID set"},
     {"showoptions", &Commands::showOptions, "[SECTION]"},
@@ -310,6 +319,41 @@ void Commands::coreStatus(const std::string& rest) {
 
 void Commands::privacy(const std::string& rest) { link.updatePrivacyStatus(number(rest) != 0); }
 void Commands::cloudRefresh(const std::string& rest) { link.sendBool("cloudRefreshAllowed", number(rest) != 0); }
+void Commands::addClient(const std::string& rest) { link.sendBool("enableAddClient", number(rest) != 0); }
+
+void Commands::addClientResult(const std::string& rest) {
+    const std::string text = unpercent(rest).substr(0, 255);
+    std::string body(1, rest.empty() ? '\0' : '\1');
+    if (!rest.empty())
+        body += static_cast<char>(text.size()) + text;
+    link.sendBody("addClientResult", body);
+}
+
+void Commands::clipboard(const std::string& rest) { link.sendBool("enableClipboard", number(rest) != 0); }
+void Commands::cutText(const std::string& rest) { link.sendCutText(unpercent(rest)); }
+
+void Commands::cutFile(const std::string& rest) {
+    std::ifstream in(rest, std::ios::binary);
+    if (!in)
+        fail("cutfile: no file " + rest);
+    else
+        link.sendCutText({std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()});
+}
+
+void Commands::saveCut(const std::string& rest) {
+    std::ofstream out(rest, std::ios::binary);
+    if (!(out << link.lastCutText() << std::flush))
+        fail("savecut: can't write " + rest);
+    else
+        echo("saved " + std::to_string(link.lastCutText().size()));
+}
+
+void Commands::guest(const std::string& rest) {
+    const Words words = split(rest);
+    const auto flag = [&](size_t i) { return i < words.size() && words[i] != "0" ? '\1' : '\0'; };
+    link.sendBody("GuestLoginUi", std::string{flag(0), flag(1)});
+}
+
 void Commands::desktop(const std::string& rest) { link.desktopStarted(number(rest) != 0); }
 
 void Commands::features(const std::string& rest) {

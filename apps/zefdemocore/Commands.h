@@ -57,6 +57,13 @@ private:
     // Commands; `rest` is the line behind the command word.
     void help(const std::string& rest);
     void echo(const std::string& rest);
+    void addClient(const std::string& rest);
+    void addClientResult(const std::string& rest);
+    void clipboard(const std::string& rest);
+    void cutText(const std::string& rest);
+    void cutFile(const std::string& rest);
+    void saveCut(const std::string& rest);
+    void guest(const std::string& rest);
     void node(const std::string& rest);
     void text(const std::string& rest);
     void removeNode(const std::string& rest);

@@ -10,16 +10,17 @@
 
 namespace democore {
 namespace {
-// What comes from the UI: its name and its fields, s for a string8, t for a string32, u for a u32.
+// What comes from the UI: its name and its fields, s for a string8, t for a string32, u for a u32,
+// b for a byte.
 struct UiMessage {
     const char* name;
     const char* fields;
 };
 constexpr UiMessage uiMessages[] = {
-    {"uiLocale", "s"}, {"addClient", "s"},   {"disconnClient", "ss"}, {"resolveEvent", "s"},
-    {"reload", ""},    {"updateStatus", ""}, {"uiActivated", ""},     {"requestOptions", ""},
-    {"quit", ""},      {"desktopEnv", "s"},  {"logMsg", "ust"},       {"refreshCloudStatus", ""},
-    {"badMsg", "s"},
+    {"uiLocale", "s"}, {"addClient", "s"},   {"disconnClient", "ss"},   {"resolveEvent", "s"},
+    {"reload", ""},    {"updateStatus", ""}, {"uiActivated", ""},       {"requestOptions", ""},
+    {"quit", ""},      {"desktopEnv", "s"},  {"logMsg", "ust"},         {"refreshCloudStatus", ""},
+    {"badMsg", "s"},   {"bell", ""},         {"GuestLoginEnable", "b"},
 };
 
 constexpr size_t maxLogText = 1024;
@@ -27,6 +28,8 @@ constexpr size_t maxLogText = 1024;
 std::string readField(rdr::InStream& in, char kind) {
     if (kind == 'u')
         return std::to_string(in.readU32());
+    if (kind == 'b')
+        return std::to_string(in.readU8());
     const plat::String text =
         kind == 's' ? in.readString8(/*repairUtf8=*/true) : in.readString32(maxLogText, /*repairUtf8=*/true);
     return text.c_str();
@@ -35,7 +38,7 @@ std::string readField(rdr::InStream& in, char kind) {
 std::string messageOf(const char* db) { return std::string("StatusDb") + db; }
 } // namespace
 
-CoreLink::CoreLink(int fd, Callback* target) : callback(target), socketFd(fd), link(this, "ui") {
+CoreLink::CoreLink(int fd, Callback* target) : callback(target), socketFd(fd), link(this, "ui"), cutText(&link) {
     for (const UiMessage& message : uiMessages)
         link.addHandler(message.name, this);
     ipc = &link;
@@ -53,7 +56,7 @@ bool CoreLink::readMsg(const char* name, rdr::InStream& in, io::MsgIpc*) {
         if (strcmp(name, message.name) == 0)
             for (const char* field = message.fields; *field; ++field) {
                 fields.push_back(readField(in, *field));
-                const char* quote = *field == 'u' ? "" : "\"";
+                const char* quote = *field == 'u' || *field == 'b' ? "" : "\"";
                 line += " " + (quote + fields.back()) + quote;
             }
     printf("%s\n", line.c_str());
@@ -171,6 +174,8 @@ void CoreLink::sendBody(const std::string& name, std::string_view body) {
     link.startMsg(name.c_str()).writeBytes(body.data(), body.size());
     link.endMsg();
 }
+
+void CoreLink::sendCutText(const std::string& text) { CutText::send(link, text); }
 
 void CoreLink::closeLink() {
     if (isOpen())

@@ -3,6 +3,7 @@
 
 #include "io/MsgIpc.h"
 #include "plat/NonCopyable.h"
+#include "zefdemocore/CutText.h"
 
 #include <cstdint>
 #include <map>
@@ -49,8 +50,10 @@ public:
     void commit(const char* db);
     void setUpdating(const char* db, bool on);
 
-    void sendRaw(std::string_view bytes);                          ///< onto the wire, without a frame
-    void sendBody(const std::string& name, std::string_view body); ///< a message with this body
+    void sendRaw(std::string_view bytes);                             ///< onto the wire, without a frame
+    void sendBody(const std::string& name, std::string_view body);    ///< a message with this body
+    void sendCutText(const std::string& text);                        ///< "clientCutText"
+    const std::string& lastCutText() const { return cutText.last(); } ///< of the UI
     void closeLink();
     bool isOpen() const { return link.isAttached(); }
 
@@ -63,6 +66,7 @@ private:
     Callback* callback;
     int socketFd; // the link's
     io::MsgIpc link;
+    CutText cutText;
 };
 
 } // namespace democore

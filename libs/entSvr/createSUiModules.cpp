@@ -6,6 +6,11 @@
 #include "hxauth/permissionDefns.h"
 #include "hxutil/ConfigStoreFile.h"
 #include "loc/Localize.h"
+#include "smisc/SUiModuleAddClient.h"
+#include "smisc/SUiModuleBell.h"
+#include "smisc/SUiModuleClipboard.h"
+#include "smisc/SUiModuleDisconnClient.h"
+#include "smisc/SUiModuleGuestLogin.h"
 #include "smisc/SUiModuleNominal.h"
 #include "smisc/SUiModuleProductUri.h"
 
@@ -16,13 +21,15 @@ using smisc::SUiModuleNominal;
 
 // The order is that of menu items, of option pages and of the list of permissions.
 void createSUiModules(sui::SUiModuleMgr* manager, int section) {
-    (void)section;
     new smisc::SUiModuleProductUri(manager);
     new hostedremoteaccess::SUiModuleCloudJoin(manager);
     if (!hxutil::ConfigStore::instance())
         hxutil::ConfigStore::setInstance(std::make_unique<hxutil::ConfigStoreFile>());
+    new smisc::SUiModuleClipboard(manager);
+    new smisc::SUiModuleBell(manager);
     new SUiModuleNominal("Proxy", manager);
     new SUiModuleNominal("UnattendedAccess", manager);
+    new smisc::SUiModuleDisconnClient(manager, section);
     new SUiModuleNominal("SecurityZefAuth", manager, {}, {{"ZefAuth", svr::SchemePassword}});
     new hostedremoteaccess::SUiModuleCloudAccess(manager);
     new SUiModuleNominal("PinLink", manager,
@@ -53,6 +60,8 @@ void createSUiModules(sui::SUiModuleMgr* manager, int section) {
     new SUiModuleNominal("SingleSignOn", manager, {}, {{"SingleSignOn", svr::SchemeSingleSignOn}});
     new SUiModuleNominal("CloudAuth", manager, {}, {{"CloudSso", svr::SchemeCloudSso}});
     new SUiModuleNominal("MaxEncryption", manager);
+    new smisc::SUiModuleAddClient(manager, section);
+    new smisc::SUiModuleGuestLogin(manager, section);
     new SUiModuleNominal("IpListen", manager);
     new SUiModuleNominal("TcpListen", manager);
     new SUiModuleNominal("UdpListen", manager);

@@ -1,0 +1,65 @@
+#include "zefdemocore/CutText.h"
+
+#include "rdr/InStream.h"
+#include "rdr/OutStream.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace democore {
+namespace {
+constexpr size_t shownBytes = 200;
+
+std::string printable(const std::string& text) {
+    std::string line;
+    for (const char c : text.substr(0, shownBytes)) {
+        const auto byte = static_cast<unsigned char>(c);
+        char coded[8];
+        snprintf(coded, sizeof(coded), "%%%02x", byte);
+        line += byte < 0x20 || c == '"' || c == '%' ? std::string(coded) : std::string(1, c);
+    }
+    return line;
+}
+} // namespace
+
+CutText::CutText(io::MsgIpc* link) {
+    ipc = link;
+    ipc->addHandler("serverCutText", this);
+}
+
+CutText::~CutText() {
+    if (ipc)
+        ipc->removeReader(this);
+}
+
+void CutText::send(io::MsgIpc& link, const std::string& text) {
+    rdr::OutStream& out = link.startMsg("clientCutText");
+    out.writeU32(static_cast<uint32_t>(text.size()));
+    out.writeBytes(text.data(), text.size());
+    link.endMsg();
+}
+
+bool CutText::readMsg(const char*, rdr::InStream& in, io::MsgIpc*) {
+    if (!gathering) {
+        expected = in.readU32();
+        in.checkpoint();
+        partial.clear();
+        gathering = true;
+    }
+    while (partial.size() < expected) {
+        size_t len = expected - partial.size();
+        const uint8_t* bytes = in.check(1, &len, /*wait=*/false);
+        if (!bytes)
+            return false;
+        partial.append(reinterpret_cast<const char*>(bytes), len);
+        in.consume(len);
+        in.checkpoint();
+    }
+    gathering = false;
+    text = std::exchange(partial, std::string());
+    printf("ui: serverCutText %zu \"%s\"\n", text.size(), printable(text).c_str());
+    fflush(stdout);
+    return true;
+}
+
+} // namespace democore
