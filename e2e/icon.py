@@ -1,256 +1,14 @@
-"""The icon's helper against real trays: XEmbed (trayer) and StatusNotifierItem (a watcher of our own), on a link of ours."""
-import json
-import os
+"""The icon's helper against real trays, on a link of ours."""
 import re
-import select
 import shutil
 import signal
-import socket
-import struct
 import subprocess
-import tempfile
 import time
 import unittest
 
 import harness
-from harness import SLOW, UI, until
-
-ROOT = 0xFFFFFFFF
-WATCHER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "trayWatcher.py")
-GTKS = ("libgtk-x11-2.0.so.0", "libgtk-3.so.0")
-
-
-def string8(text):
-    data = text.encode() if isinstance(text, str) else text
-    return bytes([len(data)]) + data
-
-
-def u32(value):
-    return struct.pack(">I", value)
-
-
-class Helper:
-    """The helper process and our end of its link."""
-
-    def __init__(self, env, errors):
-        self.link, child = socket.socketpair()
-        self.errors = errors
-        with open(errors, "wb") as out:
-            self.process = subprocess.Popen([UI, "-statusicon", str(child.fileno()), "-Log=*:stderr:30"],
-                                            pass_fds=[child.fileno()], env=env, stderr=out)
-        child.close()
-        self.data = b""
-        self.came = []
-
-    def send(self, name, *fields):
-        body = string8(name) + b"".join(fields)
-        self.raw(struct.pack(">H", 0x8000 | len(body)) + body)
-
-    def raw(self, data):
-        self.link.sendall(data)
-
-    def read(self):
-        while select.select([self.link], [], [], 0)[0]:
-            data = self.link.recv(65536)
-            if not data:
-                break
-            self.data += data
-        while len(self.data) >= 2:
-            size = struct.unpack(">H", self.data[:2])[0] & 0x7FFF
-            if len(self.data) < size + 2:
-                break
-            body, self.data = self.data[2:size + 2], self.data[size + 2:]
-            name = body[1:1 + body[0]].decode()
-            rest = body[1 + body[0]:]
-            self.came.append((name, *([int.from_bytes(rest, "big")] if rest else [])))
-
-    def expect(self, *message, seconds=10.0):
-        """Waits for a message, taken with all before it."""
-        def look():
-            self.read()
-            if message not in self.came:
-                return False
-            del self.came[:self.came.index(message) + 1]
-            return True
-        try:
-            until(look, str(message), seconds)
-        except AssertionError as failure:
-            raise AssertionError(f"{failure}; came: {self.came}; stderr: {self.log()}") from None
-
-    def messages(self):
-        self.read()
-        came, self.came = self.came, []
-        return came
-
-    def log(self):
-        with open(self.errors, errors="replace") as text:
-            return text.read()
-
-    def until_log(self, text, count=1):
-        until(lambda: self.log().count(text) >= count, f"'{text}' in {self.log()}")
-
-    def add(self, item, text, parent=ROOT, flags=0):
-        self.send("add", u32(item), string8(text), u32(parent), u32(flags))
-
-    def image(self, name, overlay=""):
-        self.send("setImage", string8(name), string8(overlay))
-
-    def create(self, kind=0):
-        self.send("create", u32(kind))
-
-    def status(self, seconds=10.0):
-        return self.process.wait(seconds * SLOW)
-
-    def end(self):
-        """Closes the link; the status."""
-        self.link.close()
-        try:
-            return self.status()
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            self.process.wait()
-            raise
-
-    def ends_well(self):
-        """Closes the link; fails with what it said if it doesn't end with status 0."""
-        status = self.end()
-        if status != 0:
-            raise AssertionError(f"status {status}: {self.log()}")
-
-
-class Watcher:
-    """The tray of the D-Bus kind."""
-
-    def __init__(self, env):
-        self.process = subprocess.Popen(["/usr/bin/python3", WATCHER], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                        env=env, text=True)
-
-    def ask(self, *words):
-        self.process.stdin.write(" ".join(words) + "\n")
-        self.process.stdin.flush()
-        return json.loads(self.process.stdout.readline())
-
-    def end(self):
-        self.process.stdin.close()
-        self.process.stdout.close()
-        self.process.wait(10 * SLOW)
-
-
-class IconTest(unittest.TestCase):
-    def setUp(self):
-        self.home = harness.Home()
-        self.started = []
-        self.helpers = []
-        self.env = dict(self.home.env)
-        for name in ("DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"):
-            self.env.pop(name, None)
-
-    def tearDown(self):
-        for helper in self.helpers:
-            if helper.process.poll() is None:
-                helper.end()
-            helper.link.close()
-        for process in reversed(self.started):
-            if isinstance(process, Watcher):
-                process.end()
-            elif process.poll() is None:
-                process.terminate()
-                process.wait()
-        self.home.remove()
-
-    def bus(self):
-        """A private session bus, for all that is started from here on."""
-        path = os.path.join(self.home.path, "bus")
-        daemon = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address=unix:path={path}"],
-                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.started.append(daemon)
-        until(lambda: os.path.exists(path), "the bus")
-        self.env["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={path}"
-        return daemon
-
-    def watcher(self, start=True):
-        watcher = Watcher(self.env)
-        self.started.append(watcher)
-        self.assertEqual(watcher.ask("items"), [])
-        if start:
-            self.assertEqual(watcher.ask("start"), 1)
-        return watcher
-
-    def trayer(self):
-        tray = subprocess.Popen(["trayer", "--edge", "bottom", "--align", "right", "--widthtype", "request", "--height",
-                                 "48", "--SetDockType", "false"], stderr=subprocess.DEVNULL, env=self.home.env)
-        self.started.append(tray)
-        return tray
-
-    def end_tray(self, tray):
-        tray.kill()
-        tray.wait()
-
-    def without_libraries(self, *names):
-        """Files that the loader finds first, and that are no libraries."""
-        folder = os.path.join(self.home.path, "nolibs")
-        os.makedirs(folder, exist_ok=True)
-        for name in names:
-            with open(os.path.join(folder, name), "w", encoding="ascii"):
-                pass
-        self.env["LD_LIBRARY_PATH"] = folder
-
-    def helper(self, fill=True):
-        helper = Helper(self.env, os.path.join(self.home.path, f"stderr{len(self.helpers)}"))
-        self.helpers.append(helper)
-        if fill:
-            helper.add(1, "&Open...")
-            helper.add(2, "")
-            helper.add(3, "Information _Center")
-            helper.add(4, "Stop", flags=8)
-            helper.send("setTooltip", string8("Two users"))
-            helper.image("zefserverConnected", "Error")
-        return helper
-
-    def mapped(self, helper):
-        with open(f"/proc/{helper.process.pid}/maps", encoding="ascii") as maps:
-            return maps.read()
-
-    def icon_windows(self, helper):
-        """Those of the helper inside another window: in a tray."""
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "^zefserverui$"], capture_output=True,
-                               text=True, check=False).stdout.split()
-        tree = subprocess.run(["xwininfo", "-root", "-tree"], capture_output=True, text=True, check=True).stdout
-        inside = [w for w in found if re.search(rf"^ {{8,}}{int(w):#x} ", tree, re.M)]
-        return [w for w in inside if self.owner(w) in (helper.process.pid, None)]
-
-    def one_icon(self, helper):
-        """Waits for its window to be seen: the tray shows it a little after it has taken it."""
-        until(lambda: self.icon_windows(helper), "the icon's window")
-        self.assertEqual(len(self.icon_windows(helper)), 1)
-
-    def owner(self, window):
-        out = subprocess.run(["xprop", "-id", window, "_NET_WM_PID"], capture_output=True, text=True, check=False).stdout
-        return int(out.split("=")[1]) if "=" in out else None
-
-    def place(self, window):
-        out = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window], capture_output=True, text=True,
-                             check=True).stdout
-        at = dict(line.split("=") for line in out.split())
-        return [int(at[key]) for key in ("X", "Y", "WIDTH", "HEIGHT")]
-
-    def colour(self, x, y):
-        """Of one pixel of the screen."""
-        out = subprocess.run(["import", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "rgb:-"],
-                             capture_output=True, check=True).stdout
-        return tuple(out[:3])
-
-    def click(self, window, button):
-        x, y, width, height = self.place(window)
-        subprocess.run(["xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "click", str(button)],
-                       check=True)
-
-    def menu_windows(self):
-        tree = subprocess.run(["xwininfo", "-root", "-tree"], capture_output=True, text=True, check=True).stdout
-        tops = re.findall(r'^ {5}(0x[0-9a-f]+) "zefserverui"', tree, re.M)
-        visible = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "^zefserverui$"], capture_output=True,
-                                 text=True, check=False).stdout.split()
-        return [w for w in visible if hex(int(w)) in tops]
+from harness import Server, until
+from trays import GTKS, ROOT, IconTest, string8, u32, waking_calls
 
 
 class XEmbedTest(IconTest):
@@ -260,7 +18,7 @@ class XEmbedTest(IconTest):
         helper.until_log("Creating StatusIcon...")
         tray = self.trayer()
         helper.expect("iconEmbedded", 1)
-        window = until(lambda: self.icon_windows(helper), "the icon's window")[0]
+        window = self.icon_window(helper.process.pid)
         x, y, width, height = self.place(window)
 
         def is_red():  # beside the mark in the overlay
@@ -298,7 +56,7 @@ class XEmbedTest(IconTest):
         helper.create()
         self.trayer()
         helper.expect("iconEmbedded", 1)
-        window = until(lambda: self.icon_windows(helper), "the icon's window")[0]
+        window = self.icon_window(helper.process.pid)
         helper.add(7, "More")
         helper.add(8, "Inner", parent=7)
         helper.send("setChecked", u32(3), b"\1")
@@ -323,7 +81,7 @@ class XEmbedTest(IconTest):
             helper.create(kind)
             helper.expect("iconEmbedded", 1)
         self.assertEqual(helper.messages(), [])
-        self.one_icon(helper)
+        self.icon_window(helper.process.pid)
 
 
 class ItemTest(IconTest):
@@ -341,7 +99,7 @@ class ItemTest(IconTest):
             helper = self.helper()
             helper.create()
             helper.expect("iconEmbedded", 1)
-            self.assertEqual("libgtk" in self.mapped(helper), has_gtk)
+            self.assertEqual("libgtk" in self.mapped(helper.process.pid), has_gtk)
             [name] = watcher.ask("items")
             self.assertEqual(name, f"org.kde.StatusNotifierItem-{helper.process.pid}-1")
             until(lambda: watcher.ask("get", "IconPixmap"), "the picture")
@@ -400,10 +158,16 @@ class ItemTest(IconTest):
         helper.send("setText", u32(3), string8("&New"))
         helper.send("setEnabled", u32(3), b"\0")
         helper.send("setChecked", u32(4), b"\1")
-        updated, _ = until(lambda: told("ItemsPropertiesUpdated"), "the changed items")
-        changed = dict(updated)
-        self.assertEqual(changed[items[2][0]], {"label": "_New", "enabled": False})
-        self.assertEqual(changed[items[3][0]]["toggle-state"], 1)
+        expected = {items[2][0]: {"label": "_New", "enabled": False},
+                    items[3][0]: {"toggle-type": "checkmark", "toggle-state": 1}}
+
+        def changed():
+            told("ItemsPropertiesUpdated")
+            now = {}
+            for each, arguments in seen:  # in one signal or several
+                now.update(arguments[0] if each == "ItemsPropertiesUpdated" else [])
+            return all(value.items() <= now.get(number, {}).items() for number, value in expected.items())
+        until(changed, "the changed items")
         self.assertIsNone(told("LayoutUpdated"))
         self.assertIsNone(watcher.ask("event", str(items[2][0])))
         self.assertEqual(helper.messages(), [], "it is disabled")
@@ -495,7 +259,7 @@ class ChoiceTest(IconTest):
         helper = self.helper()
         helper.create()
         helper.expect("iconEmbedded", 1)
-        self.one_icon(helper)
+        self.icon_window(helper.process.pid)
         self.assertEqual(watcher.ask("items"), [])
 
         self.end_tray(tray)
@@ -506,11 +270,11 @@ class ChoiceTest(IconTest):
         tray = self.trayer()  # the item stays; the tray gets nothing
         helper.create()
         helper.expect("iconEmbedded", 1)
-        self.assertEqual(self.icon_windows(helper), [])
+        self.assertEqual(self.icon_windows(helper.process.pid), [])
         watcher.ask("stop")
         helper.expect("iconEmbedded", 0)
         helper.expect("iconEmbedded", 1)
-        self.one_icon(helper)
+        self.icon_window(helper.process.pid)
         watcher.ask("start")
         helper.create()
         helper.expect("iconEmbedded", 1)
@@ -536,7 +300,7 @@ class ChoiceTest(IconTest):
         helper.create(1)
         helper.expect("iconEmbedded", 1)
         self.assertEqual(watcher.ask("items"), [])
-        self.one_icon(helper)
+        self.icon_window(helper.process.pid)
         helper.ends_well()
 
     def test_an_item_in_place_of_an_indicator_that_is_not_installed(self):
@@ -555,10 +319,10 @@ class ChoiceTest(IconTest):
         helper.create()
         self.trayer()
         helper.expect("iconEmbedded", 1)
-        mapped = self.mapped(helper)
+        mapped = self.mapped(helper.process.pid)
         self.assertIn("libgtk-3", mapped)
         self.assertNotIn("libgtk-x11-2.0", mapped)
-        window = until(lambda: self.icon_windows(helper), "the icon's window")[0]
+        window = self.icon_window(helper.process.pid)
         self.click(window, 1)
         helper.expect("iconActivate")
         helper.ends_well()
@@ -660,6 +424,16 @@ class LinkTest(IconTest):
         status, _, err = harness.UiTest.run_ui(self, "-statusicon", "-dummy", stdin=subprocess.DEVNULL)
         self.assertEqual((status, "Stopping" in err), (0, True))
 
+    def test_a_display_that_goes_ends_the_helper(self):
+        server = Server()
+        self.env["DISPLAY"] = server.display
+        helper = self.helper()
+        helper.create()
+        helper.until_log("Creating StatusIcon...")
+        server.kill()
+        self.assertEqual(helper.status(), 1)
+        self.assertIn("the X server has gone", helper.log())
+
     def test_a_killed_helper_takes_its_icon_along(self):
         self.trayer()
         helper = self.helper()
@@ -667,7 +441,7 @@ class LinkTest(IconTest):
         helper.expect("iconEmbedded", 1)
         helper.process.send_signal(signal.SIGKILL)
         self.assertEqual(helper.status(), -signal.SIGKILL)
-        until(lambda: not self.icon_windows(helper), "no icon")
+        until(lambda: not self.icon_windows(helper.process.pid), "no icon")
 
 
 @unittest.skipUnless(shutil.which("strace"), "no strace")
@@ -684,20 +458,8 @@ class IdleTest(IconTest):
         on_bus.create()
         on_bus.expect("iconEmbedded", 1)
         time.sleep(1)  # for what the start has put off
-        traces = []
-        for helper in (in_tray, on_bus):
-            with tempfile.NamedTemporaryFile("r", delete=False) as out:
-                traces.append((out.name, subprocess.Popen(["timeout", "10", "strace", "-f", "-o", out.name, "-p",
-                                                           str(helper.process.pid)], stderr=subprocess.DEVNULL)))
-        for path, trace in traces:
-            trace.wait()
-            with open(path, encoding="utf-8", errors="replace") as text:
-                calls = text.read().splitlines()
-            os.unlink(path)
-            self.assertGreater(len(calls), 0, "strace saw nothing")
-            # A call that was under way is listed, and is not over at the end.
-            over = [call for call in calls if re.search(r"\) += ", call)]
-            self.assertLessEqual(len(over), 2, over)
+        for calls in waking_calls([in_tray.process.pid, on_bus.process.pid], seconds=10):
+            self.assertEqual(calls, [])
 
 
 if __name__ == "__main__":

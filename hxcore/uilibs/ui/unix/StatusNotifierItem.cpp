@@ -114,10 +114,12 @@ void StatusNotifierItem::setRegistration(Registration now) {
     const bool changed = registration != now;
     registration = now;
     if (wasShown != isShown())
-        log.info("StatusNotifierItem changed (shown=%d)", isShown() ? 1 : 0);
+        logShown();
     if (changed)
         callback->itemChanged();
 }
+
+void StatusNotifierItem::logShown() { log.info("StatusNotifierItem changed (shown=%d)", isShown() ? 1 : 0); }
 
 void StatusNotifierItem::watcherIs(const char* owner) {
     hasWatcher = owner && *owner;
@@ -195,6 +197,8 @@ void StatusNotifierItem::setImage(std::vector<StatusIconImage> newImages) {
     if (wasHidden == images.empty())
         return;
     emitSignal("NewStatus", images.empty() ? "Passive" : "Active");
+    if (registration == Registration::Done)
+        logShown();
     callback->itemChanged();
 }
 

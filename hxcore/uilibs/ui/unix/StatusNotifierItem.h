@@ -64,6 +64,7 @@ private:
     void disconnect();
     void tryRegister();
     void setRegistration(Registration now);
+    void logShown();
     void watcherIs(const char* owner); // "" or null: gone
     void hostIs(bool there);
     void askForHost();
