@@ -36,7 +36,7 @@ SUiModuleCloudJoin::~SUiModuleCloudJoin() {
 
 void SUiModuleCloudJoin::addDiagnosticsButtons(mui::MuLayout* layout) {
     refreshBtn = mui::MuButton::create(layout, "refresh", LOC_TEXT("hostedremoteaccess_refresh_button"));
-    refreshBtn->setShown(false);
+    refreshBtn->setShown(/*shown=*/false);
     refreshBtn->addObserver(this, /*add=*/true);
 }
 
@@ -49,14 +49,14 @@ bool SUiModuleCloudJoin::readMsg(const char*, rdr::InStream& in, io::MsgIpc*) {
 }
 
 void SUiModuleCloudJoin::muActivated(mui::MuElement*) {
-    refreshBtn->setEnabled(false);
+    refreshBtn->setEnabled(/*enabled=*/false);
     refreshTimer.start(refreshTimeoutMs());
     manager()->msgIpc()->startMsg("refreshCloudStatus");
     manager()->msgIpc()->endMsg();
 }
 
 bool SUiModuleCloudJoin::timerExpired(plat::Timer*) {
-    refreshBtn->setEnabled(true);
+    refreshBtn->setEnabled(/*enabled=*/true);
     return false;
 }
 

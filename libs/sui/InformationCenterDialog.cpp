@@ -44,7 +44,7 @@ void InformationCenterDialog::tabsReady() {
 void InformationCenterDialog::show(const char* tabName) {
     for (const auto& tab : tabs)
         tab->aboutToShow();
-    dialog->setShown(true);
+    dialog->setShown(/*shown=*/true);
     dialog->raise(); // it may lie under other windows
     dialog->nativeLayout();
     if (tabName)

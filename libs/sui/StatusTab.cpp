@@ -106,11 +106,11 @@ void StatusTab::buildDetails(mui::MuLayout* parent) {
     headerFrame->setBgColour("buttonBg");
     auto* row = mui::MuLayout::create(headerFrame, "issuetitle", mui::Orientation::Horizontal);
     title = mui::MuStatic::create(row, "title", "");
-    title->setWrap(false);
+    title->setWrap(/*wrap=*/false);
     titleStyle.applyTo(title);
     row->setChildLayout(title, mui::MuLayout::Stretch);
     number = mui::MuStatic::create(row, "number", "", mui::MuStatic::Align::Right);
-    number->setWrap(false);
+    number->setWrap(/*wrap=*/false);
     numberStyle.applyTo(number);
     buildDetailBody(column);
 }
@@ -188,7 +188,7 @@ void StatusTab::showDetails() {
     if (row < 0 || row >= static_cast<int>(shown.size())) {
         for (mui::MuStatic* each : {title, number, text})
             each->setText("");
-        action->setShown(false);
+        action->setShown(/*shown=*/false);
         return;
     }
     const StatusEvent& event = shown[static_cast<size_t>(row)];

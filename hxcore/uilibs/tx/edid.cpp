@@ -48,7 +48,7 @@ plat::String edidMonitorName(std::span<const uint8_t> edid) {
         // A descriptor that is no timing begins with three zeros.
         if (descriptor[0] != 0 || descriptor[1] != 0 || descriptor[2] != 0 || descriptor[3] != nameTag)
             continue;
-        const plat::String name = nameIn(descriptor);
+        plat::String name = nameIn(descriptor);
         if (!name.isEmpty())
             return name;
     }
