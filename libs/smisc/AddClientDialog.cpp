@@ -100,6 +100,7 @@ void AddClientDialog::setState(State next) {
     state = next;
     edit->setEnabled(state == State::Input);
     viewerRow->setShown(state != State::Failed);
+    edit->setShown(state != State::Failed);
     spinner->setRunning(state == State::Connecting);
     errorRow->setShown(state == State::Failed);
     button->setLabel(LOC_TEXT(state == State::Failed ? "ui_button_ok" : "smisc_addclientdialog_connect"));
