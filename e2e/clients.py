@@ -40,6 +40,7 @@ class Clients(UiTest):
         core = self.opened()
         self.assertEqual(core.state(BUTTON)["enabled"], "0")
         self.assertEqual(core.state(ERRORS)["shown"], "0")
+        self.assertEqual(core.state(SPINNER)["shown"], "0")
         subprocess.run(["xdotool", "type", "--delay", "5", " viewer:5500 "], check=True)
         core.until_state(EDIT, "value", " viewer:5500 ")
         core.until_state(BUTTON, "enabled", "1")

@@ -102,6 +102,7 @@ void AddClientDialog::setState(State next) {
     viewerRow->setShown(state != State::Failed);
     edit->setShown(state != State::Failed);
     spinner->setRunning(state == State::Connecting);
+    spinner->getImage()->setShown(state == State::Connecting);
     errorRow->setShown(state == State::Failed);
     button->setLabel(LOC_TEXT(state == State::Failed ? "ui_button_ok" : "smisc_addclientdialog_connect"));
     button->setEnabled(state == State::Failed || (state == State::Input && hasAddress()));
