@@ -460,7 +460,7 @@ class Acts(PromptTest):
         self.nothing_answers(prompt)
 
     def test_the_keyboard_stays_where_it_is(self):
-        editor = self.x.cover(300, 900, 100, 50)
+        editor = self.x.window(20, 20, 200, 100)  # a managed one: the manager gives it the keyboard back itself
         until(lambda: self.focus_on(editor), "the focus of the other window")
         prompt = self.prompt()
         window = prompt.ask_for()
@@ -485,7 +485,7 @@ class Acts(PromptTest):
         return self.x.focused() == window
 
     def test_a_click_brings_the_keyboard(self):
-        editor = self.x.cover(300, 900, 100, 50)
+        editor = self.x.window(20, 20, 200, 100)  # a managed one: the manager gives it the keyboard back itself
         until(lambda: self.focus_on(editor), "the focus of the other window")
         prompt = self.prompt()
         window = prompt.ask_for()

@@ -96,10 +96,20 @@ class XClient:
         X11.XkbSetAutoRepeatRate(self.display, 0x100, delay_ms, interval_ms)  # the core keyboard
         self.sync()
 
+    def window(self, x, y, width, height):
+        """An ordinary window, under the manager's care; its id."""
+        window = self._create(x, y, width, height)
+        X11.XMapRaised(self.display, ctypes.c_ulong(window))
+        self.sync()
+        return window
+
+    def _create(self, x, y, width, height):
+        return X11.XCreateSimpleWindow(self.display, ctypes.c_ulong(self.root), x, y, width, height, 0,
+                                       ctypes.c_ulong(0), ctypes.c_ulong(0x445566))
+
     def cover(self, x, y, width, height):
         """A window on top of all others, which no manager cares for; its id."""
-        window = X11.XCreateSimpleWindow(self.display, ctypes.c_ulong(self.root), x, y, width, height, 0,
-                                         ctypes.c_ulong(0), ctypes.c_ulong(0x445566))
+        window = self._create(x, y, width, height)
         attributes = WindowAttributes(override_redirect=1)
         X11.XChangeWindowAttributes(self.display, ctypes.c_ulong(window), ctypes.c_ulong(OVERRIDE_REDIRECT),
                                     ctypes.byref(attributes))
