@@ -422,6 +422,16 @@ class Ends(Shell):
             self.assertNotIn("<11>", core.stderr(), name)
             core.end()
 
+    def test_all_modules_are_there_in_their_order(self):
+        core = self.start(args=["-Log=*:stderr:110"])
+        until(lambda: "module DuoAuth" in core.stderr(), "the last module")
+        self.assertEqual(" ".join(re.findall(r"SUiModule: module (\S+)", core.stderr())),
+                         "ProductUri CloudJoin Clipboard Bell Proxy UnattendedAccess DisconnClient SecurityZefAuth "
+                         "CloudAccess PinLink UpdateNotification Audio SystemAuth RadiusAuth PubkeyAuth Chat "
+                         "FileTransfer Fops Printing ScreenRecorder SecurityNone SecurityNoneCiphers SecurityRA2 "
+                         "SecurityRA4 SingleSignOn CloudAuth MaxEncryption AddClient GuestLogin IpListen TcpListen "
+                         "UdpListen DuoAuth")
+
     def test_without_a_core(self):
         core = self.start(args=["-DebugUi"])
         until(lambda: core.ask("menu tray listitems"), "the start")

@@ -1,18 +1,21 @@
 #include "sui/SUiModule.h"
 
 #include "plat/ConfigParameter.h"
+#include "plat/LogSrc.h"
 
 #include <algorithm>
 
 namespace sui {
 namespace {
+plat::LogSrc log("SUiModule");
 plat::BoolParameter debugUi("DebugUi", "Run without server for debugging the UI", false);
-}
+} // namespace
 
 bool isDebugUi() { return debugUi.value(); }
 
 SUiModule::SUiModule(const char* moduleName, SUiModuleMgr* manager) : moduleName_(moduleName), mgr(manager) {
     mgr->list.push_back(this);
+    log.debug("module %s", name());
 }
 
 SUiModule::~SUiModule() { mgr->list.erase(std::find(mgr->list.begin(), mgr->list.end(), this)); }
