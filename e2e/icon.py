@@ -7,7 +7,7 @@ import time
 import unittest
 
 import harness
-from harness import Server, until
+from harness import SLOW, Server, until
 from trays import GTKS, ROOT, IconTest, string8, u32, waking_calls
 
 
@@ -457,7 +457,7 @@ class IdleTest(IconTest):
         on_bus = self.helper()
         on_bus.create()
         on_bus.expect("iconEmbedded", 1)
-        time.sleep(1)  # for what the start has put off
+        time.sleep(SLOW)  # for what the start has put off
         for calls in waking_calls([in_tray.process.pid, on_bus.process.pid], seconds=10):
             self.assertEqual(calls, [])
 

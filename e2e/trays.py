@@ -212,11 +212,17 @@ class Trays:
         with open(f"/proc/{pid}/maps", encoding="ascii") as maps:
             return maps.read()
 
+    def window_tree(self):
+        def look():
+            done = subprocess.run(["xwininfo", "-root", "-tree"], capture_output=True, text=True, check=False)
+            return done.stdout if done.returncode == 0 else None  # a window went while it walked
+        return until(look, "the tree of windows")
+
     def icon_windows(self, pid):
         """Those of a helper inside another window: in a tray."""
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "^zefserverui$"], capture_output=True,
                                text=True, check=False).stdout.split()
-        tree = subprocess.run(["xwininfo", "-root", "-tree"], capture_output=True, text=True, check=True).stdout
+        tree = self.window_tree()
         inside = [w for w in found if re.search(rf"^ {{8,}}{int(w):#x} ", tree, re.M)]
         return [w for w in inside if self.owner(w) in (pid, None)]
 
@@ -248,7 +254,7 @@ class Trays:
                        check=True)
 
     def menu_windows(self):
-        tree = subprocess.run(["xwininfo", "-root", "-tree"], capture_output=True, text=True, check=True).stdout
+        tree = self.window_tree()
         tops = re.findall(r'^ {5}(0x[0-9a-f]+) "zefserverui"', tree, re.M)
         visible = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "^zefserverui$"], capture_output=True,
                                  text=True, check=False).stdout.split()
