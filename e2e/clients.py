@@ -167,6 +167,7 @@ class Clipboard(UiTest):
                          "from\na viewer \u20ac")
         # Neither our own text comes back, nor the same one by another program.
         self.copy("from\na viewer \u20ac")
+        until(lambda: b"TIMESTAMP" not in self.paste(target="TARGETS"), "the other program's offer")
         self.copy("last")
         self.assertEqual(core.expect("ui: serverCutText"), 'ui: serverCutText 4 "last"')
 
@@ -176,6 +177,7 @@ class Clipboard(UiTest):
             core.say(off)
             self.settle(core)
             self.copy("unheard")
+            self.until_pasted(b"unheard")
             core.say("cuttext unseen")
             self.settle(core)
             self.assertEqual(self.paste(), b"unheard")

@@ -7,7 +7,7 @@ namespace tx {
 namespace {
 plat::LogSrc log("TXSelection");
 
-constexpr uint32_t silenceMs = 2000;
+constexpr uint32_t silenceMs = 5000;
 constexpr uint32_t totalMs = 30000;
 } // namespace
 

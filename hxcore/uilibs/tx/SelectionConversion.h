@@ -12,7 +12,7 @@ namespace tx {
 /// Asks for a selection in one form and gathers the answer, in one piece or piece by piece (ICCCM 2.4 to 2.7).
 ///
 /// It has a window of its own, so that an owner that goes on writing writes into nothing. Nobody is waited for longer
-/// than two seconds without a piece and 30 seconds in all, nor for more than selectionLimit bytes.
+/// than five seconds without a piece and 30 seconds in all, nor for more than selectionLimit bytes.
 class SelectionConversion : public TXWindow, private TXEventHandler, private plat::Timer::Callback {
 public:
     enum class Outcome {

@@ -87,7 +87,7 @@ bool TXClipboardMgr::selectEvents(bool on) {
     for (const Source& source : sources)
         if (sendPrimary || source.selection != XA_PRIMARY)
             dynXfixes::XFixesSelectSelectionInput(dpy, window.win(), source.selection,
-                                                  on ? XFixesSetSelectionOwnerNotifyMask : 0);
+                                                  on ? unsigned{XFixesSetSelectionOwnerNotifyMask} : 0U);
     return true;
 }
 
