@@ -34,15 +34,30 @@ private:
 ///
 /// Calling one that is missing throws plat::DynamicFnLoadFailed with library and function. The names are borrowed.
 template <class T>
-class DynamicFn : public DynamicSymbol {
+class DynamicFn;
+
+template <class Result, class... Args>
+class DynamicFn<Result(Args...)> : public DynamicSymbol {
 public:
     using DynamicSymbol::DynamicSymbol;
+    using Function = Result(Args...);
 
-    T* get() const { return reinterpret_cast<T*>(resolve()); } ///< throws as a call does
+    Function* get() const { return reinterpret_cast<Function*>(resolve()); } ///< throws as a call does
+    Result operator()(Args... args) const { return get()(args...); }
+};
 
-    template <class... Args>
-    auto operator()(Args... args) const {
-        return get()(args...);
+/// One that takes any arguments after its own, such as `int(const char*, ...)`.
+template <class Result, class... Args>
+class DynamicFn<Result(Args..., ...)> : public DynamicSymbol {
+public:
+    using DynamicSymbol::DynamicSymbol;
+    using Function = Result(Args..., ...);
+
+    Function* get() const { return reinterpret_cast<Function*>(resolve()); }
+
+    template <class... More>
+    Result operator()(Args... args, More... more) const {
+        return get()(args..., more...);
     }
 };
 
