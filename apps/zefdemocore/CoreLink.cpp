@@ -45,7 +45,10 @@ CoreLink::CoreLink(int fd, Callback* target) : callback(target), socketFd(fd), l
     link.acceptIo(new io::FdIo(fd));
 }
 
-CoreLink::~CoreLink() { link.removeReader(this); }
+CoreLink::~CoreLink() {
+    link.removeReader(this);
+    ipc = nullptr; // the link goes before the reader that we are
+}
 
 void CoreLink::ipcClosed(io::MsgIpc*) { callback->linkLost(); }
 
