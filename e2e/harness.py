@@ -129,8 +129,8 @@ class Inspected:
             def connected():
                 try:
                     link.connect(self.inspect)
-                except BlockingIOError:  # other tests knock as well, to see whose it is
-                    return False
+                except (BlockingIOError, ConnectionRefusedError):
+                    return False  # others knock as well, or it is bound and doesn't listen yet
                 return True
             until(connected, "an inspection connection")
             link.sendall(line.encode() + b"\n")

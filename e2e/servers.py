@@ -131,7 +131,11 @@ class Dying(WithServer):
             core.until_state("infocenterdlg", "shown", "1")
 
         def menu(core):
-            before = self.windows()
+            def rest():  # the window manager may still be making or ending windows of its own
+                before = self.windows()
+                time.sleep(0.2)
+                return before if self.windows() == before else None
+            before = until(rest, "a screen at rest")
             core.ask("click " + HEADER + "setting")
             until(lambda: self.windows() > before, "the menu")
 

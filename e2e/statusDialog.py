@@ -201,7 +201,8 @@ class StatusDialog(UiTest):
         core.say("corestatus 0 0 0 1 4000 0")
         core.say("sleep 100")
         until(lambda: core.ask("close statusdialog") == "0" and "messagebox" in core.ask("dialogs"), "the question")
-        self.assertEqual(core.ask("checklayout messagebox"), "")
+        # The window manager may not have given it its size yet.
+        until(lambda: core.ask("checklayout messagebox") == "", "a question that fits")
         self.assertEqual(core.ask("click messagebox.buttons.no"), "1")
         self.assertEqual(core.state("statusdialog")["shown"], "1")
         core.ask("close statusdialog")
