@@ -2,6 +2,8 @@
 //   firstPaint SCREEN_FILE [-session FILE] [-rest SECONDS] PROGRAM ARGUMENT...
 // With -session, the file's bytes go into a socket, and an argument "{fd}" becomes its other end's number.
 // Prints one line: first change ms, picture at rest ms, CPU ms, PSS KiB, libraries, threads, wake-ups while at rest.
+#include "watch.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -24,17 +26,6 @@
 
 namespace {
 
-double nowMs() {
-    timespec time{};
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<double>(time.tv_sec) * 1000.0 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
-void pauseMs(double ms) {
-    const timespec time{static_cast<time_t>(ms / 1000), static_cast<long>(ms * 1e6) % 1000000000L};
-    nanosleep(&time, nullptr);
-}
-
 long field(pid_t pid, const char* file, const std::string& start) {
     std::ifstream in("/proc/" + std::to_string(pid) + "/" + file);
     for (std::string line; std::getline(in, line);)
@@ -52,14 +43,6 @@ size_t libraries(pid_t pid) {
             names.insert(line.substr(slash));
     }
     return names.size();
-}
-
-// CPU time of a running process, from its scheduler's account in nanoseconds.
-double cpuMs(pid_t pid) {
-    std::ifstream in("/proc/" + std::to_string(pid) + "/schedstat");
-    double ns = 0;
-    in >> ns;
-    return ns / 1e6;
 }
 
 } // namespace

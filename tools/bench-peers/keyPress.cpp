@@ -5,6 +5,8 @@
 // press to the first changed pixel, changes of the picture a key; as means, CPU ms a key of the program and of the X
 // server; and the median of the ms that a wait of 11 takes on this machine now: our repaint pass of 10, and the one
 // that the loop adds.
+#include "watch.h"
+
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
@@ -27,25 +29,6 @@
 #include <vector>
 
 namespace {
-
-double nowMs() {
-    timespec time{};
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<double>(time.tv_sec) * 1000.0 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
-void pauseMs(double ms) {
-    const timespec time{static_cast<time_t>(ms / 1000), static_cast<long>(ms * 1e6) % 1000000000L};
-    nanosleep(&time, nullptr);
-}
-
-// CPU time of a running process, from its scheduler's account in nanoseconds.
-double cpuMs(pid_t pid) {
-    std::ifstream in("/proc/" + std::to_string(pid) + "/schedstat");
-    double ns = 0;
-    in >> ns;
-    return ns / 1e6;
-}
 
 double median(std::vector<double> values) {
     std::sort(values.begin(), values.end());
