@@ -6,11 +6,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <new>
 
 namespace rfb {
 namespace {
 
 constexpr size_t maxBytes = size_t{1} << 30;
+constexpr std::align_val_t cacheLine{64};
 
 void requireInside(const Rect& r, const Rect& bounds, const char* function) {
     if (bounds.encloses(r))
@@ -72,6 +74,8 @@ void ManagedPixelBuffer::setSize(int width, int height) {
     allocate(format, Rect(0, 0, std::max(width, 0), std::max(height, 0)));
 }
 
+void ManagedPixelBuffer::Unaligner::operator()(uint8_t* block) const { ::operator delete[](block, cacheLine); }
+
 size_t ManagedPixelBuffer::sizeBytes() const { return bytesFor(format, rect); }
 
 void ManagedPixelBuffer::allocate(const PixelFormat& pf, const Rect& r) {
@@ -80,7 +84,7 @@ void ManagedPixelBuffer::allocate(const PixelFormat& pf, const Rect& r) {
     if (needed > maxBytes)
         throw plat::ExceptionFmt("No memory for %d x %d pixels", r.width(), r.height());
     if (needed > capacity_) {
-        block = std::make_unique<uint8_t[]>(needed);
+        block.reset(new (cacheLine) uint8_t[needed]());
         capacity_ = needed;
     }
     format = pf;

@@ -110,9 +110,13 @@ public:
     size_t sizeBytes() const;
 
 private:
+    struct Unaligner {
+        void operator()(uint8_t* block) const;
+    };
+
     void allocate(const PixelFormat& pf, const Rect& r);
 
-    std::unique_ptr<uint8_t[]> block;
+    std::unique_ptr<uint8_t[], Unaligner> block; // begins on a cache line
     size_t capacity_ = 0;
 };
 

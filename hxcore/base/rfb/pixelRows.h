@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace rfb {
 
@@ -23,7 +24,9 @@ struct PixelRows {
     void (*to565)(uint8_t* dst, const uint8_t* src, int width); ///< from 0x??rrggbb to pfRGB565
 };
 
-const PixelRows& pixelRows();      ///< the fastest that this processor can do
-const PixelRows& plainPixelRows(); ///< pixel by pixel, as the definitions say
+const PixelRows& pixelRows(); ///< the fastest that this processor can do
+
+/// All that it can do: first the plain one, pixel by pixel, as the definitions say; last the fastest.
+std::vector<const PixelRows*> allPixelRows();
 
 } // namespace rfb
