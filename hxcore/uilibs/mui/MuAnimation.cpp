@@ -16,12 +16,20 @@ std::vector<plat::String> spinnerNames(bool darkBackground) {
 MuAnimation::MuAnimation(MuContainer* parent, const char* name, unsigned intervalMs_,
                          const std::vector<plat::String>& imageNames_, const rfb::Point& size_)
     : image(MuImage::create(parent, name, imageNames_.empty() ? nullptr : imageNames_[0].c_str(), size_)),
-      imageNames(imageNames_), size(size_), intervalMs(intervalMs_), timer(this) {}
+      imageNames(imageNames_), size(size_), intervalMs(intervalMs_), timer(this) {
+    image->setWatcher(this);
+}
+
+MuAnimation::~MuAnimation() {
+    if (image)
+        image->setWatcher(nullptr);
+}
 
 void MuAnimation::setRunning(bool run) {
-    if (running == run)
+    if (running == run || !image)
         return;
     running = run;
+    waiting = false;
     if (running) {
         image->setShown(true);
         timer.start(intervalMs);
@@ -29,14 +37,34 @@ void MuAnimation::setRunning(bool run) {
         timer.cancel();
     }
     showFrame(0);
+    seen = true; // what it stood at needs no paint
 }
 
 bool MuAnimation::timerExpired(plat::Timer*) {
+    if (!seen) {
+        waiting = true;
+        return false;
+    }
     showFrame(frame + 1);
     return true;
 }
 
+void MuAnimation::imagePainted(MuImage*) {
+    seen = true;
+    if (!waiting)
+        return;
+    waiting = false;
+    timer.start(intervalMs);
+}
+
+void MuAnimation::imageGone(MuImage*) {
+    image = nullptr;
+    running = false;
+    timer.cancel();
+}
+
 void MuAnimation::showFrame(size_t index) {
+    seen = false;
     if (imageNames.empty())
         return;
     frame = index % imageNames.size();

@@ -9,20 +9,27 @@
 
 namespace mui {
 
-/// Shows one image after the other while it runs. Its image element belongs to the parent container, which must
-/// outlive it or be deleted with it.
-class MuAnimation : private plat::Timer::Callback, private plat::NonCopyable {
+/// Shows one image after the other while it runs, and sleeps while nobody can see it.
+///
+/// A frame that was not painted is followed by no other: the next paint sets it going again. Its image element belongs
+/// to the parent container, and may go before it.
+class MuAnimation : private plat::Timer::Callback, private MuImage::Watcher, private plat::NonCopyable {
 public:
     /// `size` in pixels, (0,0) for the natural one.
     MuAnimation(MuContainer* parent, const char* name, unsigned intervalMs, const std::vector<plat::String>& imageNames,
                 const rfb::Point& size);
+    ~MuAnimation() override;
 
     void setRunning(bool run); ///< true shows the image, false goes back to the first frame
     bool isRunning() const { return running; }
-    MuImage* getImage() { return image; }
+    MuImage* getImage() { return image; } ///< null once it is gone
 
 private:
     bool timerExpired(plat::Timer*) override;
+    // MuImage::Watcher
+    void imagePainted(MuImage*) override;
+    void imageGone(MuImage*) override;
+
     void showFrame(size_t index);
 
     MuImage* image;
@@ -31,6 +38,8 @@ private:
     unsigned intervalMs;
     size_t frame = 0;
     bool running = false;
+    bool seen = false;    // the current frame was painted
+    bool waiting = false; // for a paint, with no timer
     plat::Timer timer;
 };
 

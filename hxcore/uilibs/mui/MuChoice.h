@@ -2,6 +2,7 @@
 #pragma once
 
 #include "mui/MuElement.h"
+#include "mui/MuLabelled.h"
 
 #include <map>
 
@@ -12,7 +13,7 @@ class MuContainer;
 /// A drop-down list of items that a number tells apart; an editable one takes any other text as well.
 ///
 /// Raises EventActivated when it is clicked, before its list drops, and EventChanged when the user chose or typed.
-class MuChoice : public MuElement {
+class MuChoice : public MuElement, public MuLabelled {
 public:
     /// `label` stands before the field and may mark its key with "&"; null or "" for none.
     static MuChoice* create(MuContainer* parent, const char* name, const char* label, bool editable = false);

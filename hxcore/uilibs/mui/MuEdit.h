@@ -2,6 +2,7 @@
 #pragma once
 
 #include "mui/MuElement.h"
+#include "mui/MuLabelled.h"
 
 #include <climits>
 #include <cstdint>
@@ -11,7 +12,7 @@ namespace mui {
 class MuContainer;
 
 /// Raises EventChanged when the user changes its text; what the program sets raises nothing.
-class MuEdit : public MuElement {
+class MuEdit : public MuElement, public MuLabelled {
 public:
     enum class Type {
         Normal = 0,

@@ -17,6 +17,16 @@ MuImage* MuImage::create(MuContainer* parent, const char* name, const char* imag
 MuImage::MuImage(const char* name, const char* imageName_, const rfb::Point& size)
     : MuElement(name), imageName(imageName_), imageSize(size) {}
 
+MuImage::~MuImage() {
+    if (watcher)
+        watcher->imageGone(this);
+}
+
+void MuImage::painted() {
+    if (watcher)
+        watcher->imagePainted(this);
+}
+
 void MuImage::setImage(const char* newName, const rfb::Point& size) {
     imageName = newName;
     imageSize = size;

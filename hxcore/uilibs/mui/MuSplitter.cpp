@@ -1,11 +1,16 @@
 #include "mui/MuSplitter.h"
 
+#include "hxutil/metrics.h"
 #include "mui/muFactories.h"
 #include "plat/Assert.h"
+#include "rfb/keySymbols.h"
 
 #include <algorithm>
 
 namespace mui {
+namespace {
+constexpr int keyStepUnits = 16;
+} // namespace
 
 MuSplitter* MuSplitter::create(MuContainer* parent, const char* name, Orientation orientation, bool thin, Mode mode) {
     ASSERT(muSplitterFactory);
@@ -208,7 +213,7 @@ void MuSplitter::mouseEvent(const hxutil::MouseEvent& event) {
         return;
     case hxutil::MouseEvent::Moved:
         if (dragging) {
-            drag(position);
+            moveHandle(handle, startSize + position - startPosition);
             return;
         }
         hover(isInert() ? -1 : handleAt(position));
@@ -231,15 +236,41 @@ void MuSplitter::mouseEvent(const hxutil::MouseEvent& event) {
     MuContainer::mouseEvent(event);
 }
 
-void MuSplitter::drag(int position) {
-    const Child& child = children[static_cast<size_t>(handle)];
-    const int wanted = std::min(startSize + position - startPosition, largestSize(handle));
-    const int size = std::max(child.minSize, wanted);
-    if (size == child.size)
-        return;
-    setChildSize(handle, size);
+bool MuSplitter::moveHandle(int index, int size) {
+    ASSERT(index >= 0);
+    // clang-format off
+    ASSERT(index < (int)children.size() - 1); // the text is output
+    // clang-format on
+    const Child& child = children[static_cast<size_t>(index)];
+    const int kept = std::max(child.minSize, std::min(size, largestSize(index)));
+    if (kept == child.size)
+        return false;
+    setChildSize(index, kept);
     repaint(rfb::Rect::at({0, 0}, getSize()));
     notify(EventChanged);
+    return true;
+}
+
+bool MuSplitter::handleKey(int gap, uint32_t canonicalKey) {
+    const std::vector<Placed> placed = places();
+    if (isInert() || gap < 0 || gap + 1 >= static_cast<int>(placed.size()))
+        return false;
+    const Placed& place = placed[static_cast<size_t>(gap)];
+    const int index = static_cast<int>(place.index);
+    const int step = hxutil::scaled(keyStepUnits);
+    const uint32_t less = isHorizontal() ? rfb::key::Left : rfb::key::Up;
+    const uint32_t more = isHorizontal() ? rfb::key::Right : rfb::key::Down;
+    if (canonicalKey == less)
+        moveHandle(index, place.extent - step);
+    else if (canonicalKey == more)
+        moveHandle(index, place.extent + step);
+    else if (canonicalKey == rfb::key::Home)
+        moveHandle(index, 0);
+    else if (canonicalKey == rfb::key::End)
+        moveHandle(index, largestSize(index));
+    else
+        return false;
+    return true;
 }
 
 } // namespace mui

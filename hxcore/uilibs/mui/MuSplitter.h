@@ -4,13 +4,14 @@
 #include "mui/MuContainer.h"
 #include "mui/MuLayout.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace mui {
 
 /// Places its shown children along its axis with a handle between neighbours; the last one takes what is left.
 ///
-/// Raises EventChanged while the user drags a handle, and when a child goes.
+/// Raises EventChanged while the user moves a handle, with the pointer or with the arrow keys, and when a child goes.
 class MuSplitter : public MuContainer {
 public:
     /// Which extent of a child counts toward the splitter's own minimum.
@@ -31,6 +32,7 @@ public:
     std::vector<int> getMinSizes() const;
     void setMin(int index, int minSize);
     std::vector<int> getHandlePositions(); ///< where each handle begins, by gap between shown children
+    bool moveHandle(int index, int size);  ///< as the user does: keeps the minimum of both sides; false: as it was
     int getDraggedHandle() const { return dragging ? handle : -1; } ///< the child before it, -1 for none
 
     // MuContainer
@@ -58,24 +60,27 @@ protected:
 
     void clear(); ///< deletes all children, the last first
 
+    /// A key for the handle of that gap between shown children: arrows along the axis, Home, End. True if it is one.
+    bool handleKey(int gap, uint32_t canonicalKey);
+
+    struct Placed {
+        size_t index; ///< of the child
+        int start;
+        int extent;
+    };
+    std::vector<Placed> places();
+
 private:
     struct Child {
         int minSize = 30;
         int size = 30;
         MuElement* element = nullptr;
     };
-    struct Placed {
-        size_t index;
-        int start;
-        int extent;
-    };
 
     bool isHorizontal() const { return orientation == Orientation::Horizontal; }
     int along(const rfb::Point& p) const { return isHorizontal() ? p.x : p.y; }
-    std::vector<Placed> places();
     int handleAt(int position);
     int largestSize(int index);
-    void drag(int position);
     int minAlong();
     int minAcross();
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "mui/MuElement.h"
+#include "mui/MuLabelled.h"
 
 #include <cstdint>
 #include <memory>
@@ -14,7 +15,7 @@ class MuDialog;
 /// An edit with a dialog of the caller's making under it, which is shown and hidden as the caller says.
 ///
 /// Raises EventChanged when the user changes the text. Enter, Escape and Tab hide the popup.
-class MuSuperbox : public MuElement {
+class MuSuperbox : public MuElement, public MuLabelled {
 public:
     class Callback {
     public:

@@ -124,6 +124,7 @@ class FakeImage : public MuImage {
 public:
     FakeImage(const char* name, const char* image, const rfb::Point& s) : MuImage(name, image, s) { common = &fake; }
     void setAlignment(int, int) override {}
+    using MuImage::painted;
     FakeCommon fake;
 };
 
@@ -138,6 +139,8 @@ public:
     void setSelection(int, int) override {}
     void getSelection(int* start, int* end) override { *start = *end = 0; }
     void setFieldWidth(int) override {}
+    int getLabelWidth() override { return 0; }
+    void setLabelColumn(int, int) override {}
     FakeCommon fake;
     plat::String content;
 };
@@ -156,6 +159,8 @@ public:
 class TestChoice : public MuChoice {
 public:
     TestChoice(const char* name, const char* marked, bool anyText) : MuChoice(name, marked, anyText) {}
+    int getLabelWidth() override { return 0; }
+    void setLabelColumn(int, int) override {}
 };
 class TestPager : public MuPager {
 public:
@@ -178,6 +183,8 @@ public:
     const char* getText() override { return content.c_str(); }
     void selectAll() override {}
     void setPlaceholder(const char*) override {}
+    int getLabelWidth() override { return 0; }
+    void setLabelColumn(int, int) override {}
     using MuSuperbox::handleKey;
     FakeCommon fake;
     plat::String content;

@@ -16,14 +16,20 @@ protected:
     AnimationTest() { plat::setTimeSource(clockNow); }
     ~AnimationTest() override { plat::setTimeSource(nullptr); }
 
+    /// One frame's time, at the end of which what has changed is painted where somebody looks.
     void pass(int ms) {
         now += ms * ticksPerMs;
         timers.processTimers();
+        for (auto* image : {dynamic_cast<FakeImage*>(dialog.findElement("a")),
+                            dynamic_cast<FakeImage*>(dialog.findElement("spinner"))})
+            if (image && inView)
+                image->painted();
     }
 
     plat::TimerManager timers;
     FakeToolkit toolkit;
     FakeDialog dialog{"d"};
+    bool inView = true;
 };
 
 TEST_F(AnimationTest, FramesFollowTheClockAndWrap) {
@@ -45,9 +51,26 @@ TEST_F(AnimationTest, FramesFollowTheClockAndWrap) {
     EXPECT_EQ(timers.timeUntilNext(), -1);
 }
 
+TEST_F(AnimationTest, OutOfViewItSleeps) {
+    MuAnimation animation(&dialog, "a", 80, {"f0", "f1", "f2"}, {16, 16});
+    animation.setRunning(true);
+    inView = false;
+    for (int i = 0; i < 3; ++i)
+        pass(80);
+    EXPECT_EQ(timers.timeUntilNext(), -1);
+    inView = true; // the next paint
+    for (int i = 0; i < 2; ++i)
+        pass(80);
+    EXPECT_STREQ(animation.getImage()->getImageName(), "f2");
+    dialog.clear(); // its image goes first
+    EXPECT_EQ(animation.getImage(), nullptr);
+    EXPECT_EQ(timers.timeUntilNext(), -1);
+    animation.setRunning(true);
+}
+
 TEST_F(AnimationTest, TheSpinnerNamesItsFrames) {
-    MuSpinner light(&dialog, /*darkBackground=*/false);
     MuSpinner dark(&dialog, /*darkBackground=*/true);
+    MuSpinner light(&dialog, /*darkBackground=*/false);
     EXPECT_STREQ(light.getImage()->getName(), "spinner");
     EXPECT_STREQ(light.getImage()->getImageName(), "spinner00");
     dark.setRunning(true);

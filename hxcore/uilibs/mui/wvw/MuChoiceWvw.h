@@ -4,6 +4,7 @@
 #include "mui/MuChoice.h"
 #include "mui/wvw/MuCommonWvw.h"
 #include "mui/wvw/MuHotKey.h"
+#include "mui/wvw/labelColumn.h"
 #include "wvw/InputHandler.h"
 #include "wvw/WLabelChoice.h"
 
@@ -23,6 +24,10 @@ public:
 
     // MuElement
     void mouseEvent(const hxutil::MouseEvent& event) override;
+
+    // MuLabelled
+    int getLabelWidth() override { return labelWidthOf(widget); }
+    void setLabelColumn(int width, int gap) override { mui::setLabelColumn(widget, width, gap); }
 
     // MuHotKey
     bool hotKey(uint32_t keysym) override;

@@ -4,6 +4,7 @@
 #include "mui/MuEdit.h"
 #include "mui/wvw/MuCommonWvw.h"
 #include "mui/wvw/MuHotKey.h"
+#include "mui/wvw/labelColumn.h"
 #include "wvw/InputHandler.h"
 #include "wvw/WLabelChoice.h"
 
@@ -27,6 +28,10 @@ public:
 
     // MuElement
     int getMinWidth(int height) override;
+
+    // MuLabelled
+    int getLabelWidth() override { return labelWidthOf(widget); }
+    void setLabelColumn(int width, int gap) override { mui::setLabelColumn(widget, width, gap); }
 
     // MuHotKey
     bool hotKey(uint32_t keysym) override;

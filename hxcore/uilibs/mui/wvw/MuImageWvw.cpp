@@ -7,8 +7,9 @@
 namespace mui {
 
 MuImageWvw::MuImageWvw(const char* name, const char* imageName_, const rfb::Point& size)
-    : MuImage(name, imageName_, size), widget(nullptr, imageName_, size), commonWvw(this, &widget) {
+    : MuImage(name, imageName_, size), widget(this), commonWvw(this, &widget) {
     common = &commonWvw;
+    widget.setImage(imageName_, size);
 }
 
 void MuImageWvw::setImage(const char* newName, const rfb::Point& size) {

@@ -20,7 +20,19 @@ public:
     void styleChanged() override;
 
 private:
-    wvw::WImage widget;
+    class Widget : public wvw::WImage {
+    public:
+        explicit Widget(MuImageWvw* target) : owner(target) {}
+        void paint(rfb::FullFramePixelBuffer& pb) override {
+            wvw::WImage::paint(pb);
+            owner->painted();
+        }
+
+    private:
+        MuImageWvw* owner;
+    };
+
+    Widget widget;
     MuCommonWvw commonWvw;
 };
 

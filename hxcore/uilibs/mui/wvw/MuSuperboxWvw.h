@@ -4,6 +4,7 @@
 #include "mui/MuSuperbox.h"
 #include "mui/wvw/MuCommonWvw.h"
 #include "mui/wvw/MuHotKey.h"
+#include "mui/wvw/labelColumn.h"
 #include "wvw/InputHandler.h"
 #include "wvw/WLabelChoice.h"
 
@@ -19,6 +20,10 @@ public:
     const char* getText() override { return widget.getEdit().getText(); }
     void selectAll() override { widget.getEdit().selectAll(); }
     void setPlaceholder(const char* text) override { widget.getEdit().setPlaceholder(text); }
+
+    // MuLabelled
+    int getLabelWidth() override { return labelWidthOf(widget); }
+    void setLabelColumn(int width, int gap) override { mui::setLabelColumn(widget, width, gap); }
 
     // MuHotKey
     bool hotKey(uint32_t keysym) override;

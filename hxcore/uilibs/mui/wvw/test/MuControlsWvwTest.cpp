@@ -201,6 +201,76 @@ TEST_F(ControlsTest, ASplitterIsDraggedByItsHandle) {
     EXPECT_EQ(left->getSize(), rfb::Point(140, 60));
     window.click(50, 20); // the children get what is theirs
     EXPECT_EQ(takeHeard(), "left/1 ");
+    // The handle follows the pointer through the same place in it.
+    window.move(142, 20);
+    window.press();
+    for (const int x : {152, 152, 162})
+        window.move(x, 20);
+    window.release();
+    EXPECT_EQ(left->getSize().x, 160);
+    takeHeard();
+}
+
+TEST_F(ControlsTest, ASplittersHandleIsAStopOfTabAndMovesByArrows) {
+    MuSplitter* splitter = MuSplitter::create(column, "split", Orientation::Horizontal);
+    MuButton* left = MuButton::create(splitter, "left", "L");
+    MuButton* middle = MuButton::create(splitter, "middle", "M");
+    MuButton* right = MuButton::create(splitter, "right", "R");
+    column->setChildLayout(splitter, MuLayout::Fixed, 60);
+    splitter->setSizes({100, 90});
+    layOut();
+    left->setFocus();
+    window.key(rfb::key::Tab);
+    EXPECT_FALSE(left->hasFocus() || middle->hasFocus());
+    layOut();
+    EXPECT_GT(window.countPixels({100, 0, 105, 60}, 0x000000), 5); // the mark of the focus
+    struct Step {
+        uint32_t key;
+        int size;
+    };
+    for (const Step& step : {Step{rfb::key::Right, 108}, Step{rfb::key::Left, 100}, Step{rfb::key::Left, 92},
+                             Step{rfb::key::Home, left->getMinWidth(0)}}) {
+        window.key(step.key);
+        EXPECT_EQ(left->getSize().x, step.size);
+    }
+    EXPECT_EQ(takeHeard(), "split/0 split/0 split/0 split/0 ");
+    window.key(rfb::key::End);
+    EXPECT_EQ(right->getSize().x, right->getMinWidth(0));
+    window.key(rfb::key::Down); // not along its axis: on to the next stop
+    EXPECT_TRUE(middle->hasFocus());
+    window.key(rfb::key::Tab);
+    middle->setShown(false); // with it goes the handle that has the focus
+    splitter->doLayout();
+    layOut();
+    splitter->setLocked(true);
+    right->setFocus();
+    window.key(rfb::key::Tab);
+    EXPECT_FALSE(splitter->hasFocus());
+    takeHeard();
+}
+
+TEST_F(ControlsTest, AFormsFieldsBeginOnOneLine) {
+    MuEdit* name = MuEdit::create(column, "name", "&Name:");
+    MuLayout* group = MuLayout::create(column, "", Orientation::Vertical);
+    MuChoice* where = MuChoice::create(group, "where", "Where it &stands:");
+    MuEdit* bare = MuEdit::create(column, "bare", nullptr);
+    const int widest = dynamic_cast<MuLabelled*>(where)->getLabelWidth();
+    EXPECT_EQ(alignLabels(column), widest + 8);
+    EXPECT_EQ(alignLabels(column), widest + 8); // again: no growth
+    column->setSize({300, 200});
+    layOut();
+    // A press beside a field's left edge is one on its label, which leads to it; the edge is the same for both.
+    for (MuElement* element : {static_cast<MuElement*>(name), static_cast<MuElement*>(where)}) {
+        const rfb::Point at = element->getPosition() + (element == where ? group->getPosition() : rfb::Point());
+        int edge = 0;
+        const uint32_t ground = window.pixelAt(at.x, at.y);
+        while (edge < 200 && window.pixelAt(at.x + edge, at.y + 3) == ground)
+            ++edge;
+        EXPECT_EQ(edge, widest + 8) << element->getName();
+    }
+    name->setLabel("A label that is wider than any other:");
+    EXPECT_GT(alignLabels(column), widest + 8);
+    EXPECT_EQ(dynamic_cast<MuLabelled*>(bare)->getLabelWidth(), 0);
 }
 
 TEST_F(ControlsTest, AScrollShowsWhatGetsTheFocus) {
