@@ -74,7 +74,7 @@ void ManagedPixelBuffer::setSize(int width, int height) {
     allocate(format, Rect(0, 0, std::max(width, 0), std::max(height, 0)));
 }
 
-void ManagedPixelBuffer::Unaligner::operator()(uint8_t* block) const { ::operator delete[](block, cacheLine); }
+void ManagedPixelBuffer::Unaligner::operator()(uint8_t* bytes) const { ::operator delete[](bytes, cacheLine); }
 
 size_t ManagedPixelBuffer::sizeBytes() const { return bytesFor(format, rect); }
 

@@ -111,7 +111,7 @@ public:
 
 private:
     struct Unaligner {
-        void operator()(uint8_t* block) const;
+        void operator()(uint8_t* bytes) const;
     };
 
     void allocate(const PixelFormat& pf, const Rect& r);

@@ -1,5 +1,6 @@
 // What others write into the prompt: it comes out as markup that parses, without links, and with nothing invisible.
 #include "loc/Localize.h"
+#include "plat/LogRegistry.h"
 #include "plat/Markup.h"
 #include "plat/utf8.h"
 #include "plat/visibleText.h"
@@ -39,8 +40,16 @@ void check(const plat::String& markup) {
 
 } // namespace
 
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    loc::Localize::instance().init();
+    registerBuiltInResources();
+    // Early messages are kept, which the fuzzer would take for a leak and look into after each run.
+    plat::logSetSpec("");
+    plat::logActivate();
+    return 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    [[maybe_unused]] static const bool once = (loc::Localize::instance().init(), registerBuiltInResources(), true);
     const std::string text(reinterpret_cast<const char*>(data), size);
     check(smisc::promptLine(text.c_str(), ""));
     check(smisc::promptLine(text.c_str(), "", /*maxNameChars=*/3));
