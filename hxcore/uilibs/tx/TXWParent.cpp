@@ -34,7 +34,6 @@ plat::LogSrc log("TXWParent");
 constexpr unsigned repaintDelayMs = 10;
 constexpr unsigned tooltipDelayMs = 500;
 constexpr int maxMerged = 1000; // events into one; another client may send without end
-constexpr int tooltipWidthUnits = 320;
 constexpr unsigned hintMs = 6000;
 constexpr int hintWidthUnits = 800;
 constexpr rfb::Point tooltipOffset{2, 16}; // clear of the pointer
@@ -570,7 +569,7 @@ void TXWParent::showTooltip() {
     if (!text || !*text)
         return;
     if (!tooltip)
-        tooltip = std::make_unique<wvw::WTooltip>(hxutil::scaled(tooltipWidthUnits));
+        tooltip = std::make_unique<wvw::WTooltip>();
     tooltip->setText(text);
     tooltip->show(from->getRootPosition(tooltipPosition) + tooltipOffset, from);
 }

@@ -3,13 +3,11 @@
 #include "wvw/WArrow.h"
 #include "wvw/WRoot.h"
 #include "wvw/WidgetWatch.h"
-#include "wvw/foldText.h"
 
 #include "hxutil/Font.h"
 #include "hxutil/drawText.h"
 #include "hxutil/metrics.h"
 #include "plat/Assert.h"
-#include "plat/utf8.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/Region.h"
 #include "rfb/keySymbols.h"
@@ -52,7 +50,7 @@ Rect WChoice::arrowRect() const {
 }
 
 Rect WChoice::textRect() const {
-    return {padX, 2, std::max(padX, getWidth() - arrowWidth() - overlap), std::max(2, getHeight() - 2)};
+    return {padX, 2, std::max(padX, getWidth() - arrowWidth() + overlap - padX), std::max(2, getHeight() - 2)};
 }
 
 // The list.
@@ -130,29 +128,12 @@ void WChoice::choose(int itemKey) {
 
 // The popup.
 
-/// Goes to the item that a letter begins, where it is nobody's mnemonic.
-class WChoice::List : public WRootMenu {
-public:
-    explicit List(WChoice* owner_) : WRootMenu(static_cast<WRootMenu::Callback*>(owner_)), owner(owner_) {}
-
-protected:
-    bool unusedKey(uint32_t keysym) override {
-        WMenuItem* found = owner->findByLetter(keysym, getSelected());
-        if (found)
-            selectItem(found);
-        return found != nullptr;
-    }
-
-private:
-    WChoice* owner;
-};
-
 bool WChoice::isDropped() const { return menu && menu->isShown(); }
 
 void WChoice::buildMenu() {
     if (menu)
         return;
-    menu = std::make_unique<List>(this);
+    menu = std::make_unique<WRootMenu>(static_cast<WRootMenu::Callback*>(this));
     for (const auto& [itemKey, item] : items)
         menu->add(item.get());
 }
@@ -205,25 +186,6 @@ WMenuItem* WChoice::selectedItem() const {
     return i == items.end() ? nullptr : i->second.get();
 }
 
-WMenuItem* WChoice::findByLetter(uint32_t keysym, const WMenuItem* from) const {
-    const uint32_t letter = foldCodepoint(rfb::unicodeFromKeysym(keysym));
-    if (letter <= key::Space)
-        return nullptr;
-    const auto begins = [letter](const WMenuItem& item) {
-        const char* text = item.getText();
-        uint32_t first = 0;
-        return *text && plat::utf8::decode(&text, nullptr, &first) && foldCodepoint(first) == letter;
-    };
-    // Again the same letter goes on to the next item that begins with it.
-    auto i = std::find_if(items.begin(), items.end(), [from](const auto& entry) { return entry.second.get() == from; });
-    for (size_t n = 0; n < items.size(); ++n) {
-        i = i == items.end() || std::next(i) == items.end() ? items.begin() : std::next(i);
-        if (begins(*i->second))
-            return i->second.get();
-    }
-    return nullptr;
-}
-
 bool WChoice::keyEvent(uint32_t keysym, bool down, Widget* origin) {
     // An editable field gives us the keys that it has no use for.
     const bool fromEdit = origin == &edit && down && isEnabled();
@@ -263,7 +225,8 @@ bool WChoice::ownKey(uint32_t keysym) {
         choose(last->first);
         return true;
     default:
-        WMenuItem* found = findByLetter(keysym, selectedItem());
+        buildMenu();
+        WMenuItem* found = menu->findByLetter(keysym, selectedItem());
         return found && itemHandler.activated(found);
     }
 }

@@ -64,14 +64,10 @@ private:
         WChoice* owner;
     };
 
-    class List;
-
     void menuHidden(WRootMenu*) override { repaint(); }
     void buildMenu();
     void chooseItem(Widget* item);
     void choose(int key);
-    /// The next item after `from` whose text begins with that letter, around the end; null for none.
-    WMenuItem* findByLetter(uint32_t keysym, const WMenuItem* from) const;
     WMenuItem* selectedItem() const; // null for none
     void showText(const char* text);
     int arrowWidth() const;

@@ -1,5 +1,6 @@
 #include "wvw/WDiscreteSlider.h"
 
+#include "hxutil/metrics.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/keySymbols.h"
 
@@ -13,14 +14,16 @@ namespace key = rfb::key;
 using rfb::Point;
 using rfb::Rect;
 
-// Pixels.
-constexpr int thumbWidth = 11;
-constexpr int longestThumb = 20;
-constexpr int trackThickness = 6;
-constexpr int tickGap = 2;
-constexpr int tickLength = 6;
-constexpr int preferredLength = 10;
-constexpr int preferredAcross = 26;
+constexpr int thumbWidthUnits = 22;
+constexpr int longestThumbUnits = 40;
+constexpr int trackUnits = 12;
+constexpr int tickGapUnits = 4;
+constexpr int tickLengthUnits = 12;
+constexpr int tickWidthUnits = 2;
+constexpr int preferredLengthUnits = 20;
+constexpr int preferredAcrossUnits = 52;
+
+int px(int units) { return std::max(1, hxutil::scaled(units)); }
 
 } // namespace
 
@@ -34,27 +37,28 @@ int WDiscreteSlider::length() const { return isVertical() ? getHeight() : getWid
 
 int WDiscreteSlider::thumbLength() const {
     const int room = isVertical() ? getWidth() : getHeight();
-    return std::clamp(room - tickGap - tickLength, 0, longestThumb);
+    return std::clamp(room - px(tickGapUnits) - px(tickLengthUnits), 0, px(longestThumbUnits));
 }
 
 int WDiscreteSlider::across() const {
     const int room = isVertical() ? getWidth() : getHeight();
-    return std::max(0, (room - thumbLength() - tickGap - tickLength) / 2);
+    return std::max(0, (room - thumbLength() - px(tickGapUnits) - px(tickLengthUnits)) / 2);
 }
 
-int WDiscreteSlider::tickAt(int position) const {
-    const int64_t room = std::max(0, length() - thumbWidth);
+int WDiscreteSlider::thumbAt(int position) const {
+    const int64_t room = std::max(0, length() - px(thumbWidthUnits));
     const int last = std::max(1, getRange1());
-    return thumbWidth / 2 + static_cast<int>((room * position + last / 2) / last);
+    return static_cast<int>((room * position + last / 2) / last);
 }
 
 Rect WDiscreteSlider::thumbRect() const {
-    const int from = tickAt(getValue1()) - thumbWidth / 2;
-    return onAxis(from, from + thumbWidth, across(), across() + thumbLength());
+    const int from = thumbAt(getValue1());
+    return onAxis(from, from + px(thumbWidthUnits), across(), across() + thumbLength());
 }
 
 Point WDiscreteSlider::getPreferredSize() {
-    return isVertical() ? Point(preferredAcross, preferredLength) : Point(preferredLength, preferredAcross);
+    const Point flat(px(preferredLengthUnits), px(preferredAcrossUnits));
+    return isVertical() ? Point(flat.y, flat.x) : flat;
 }
 
 bool WDiscreteSlider::ownKey(uint32_t keysym) {
@@ -92,16 +96,21 @@ bool WDiscreteSlider::focusChanged(bool backward, Widget* origin) {
 void WDiscreteSlider::paint(rfb::FullFramePixelBuffer& pb) {
     const WStyle& look = getStyle();
     const int middle = across() + thumbLength() / 2;
-    const Rect track = onAxis(thumbWidth / 2 - 2, length() - thumbWidth / 2 + 2, middle - trackThickness / 2,
-                              middle + trackThickness / 2);
-    fill(pb, track.expandBy(-1), isEnabled() ? look.contentBg : look.canvas);
-    drawBevel(pb, track, /*sunken=*/true, /*thin=*/true);
-    const int tickFrom = across() + thumbLength() + tickGap;
+    const int track = px(trackUnits);
+    const int overhang = px(thumbWidthUnits) / 2 - 2;
+    const Rect groove = onAxis(overhang, length() - overhang, middle - track / 2, middle - track / 2 + track);
+    fill(pb, groove.expandBy(-1), isEnabled() ? look.contentBg : look.canvas);
+    drawBevel(pb, groove, /*sunken=*/true, /*thin=*/true);
+    const int tickFrom = across() + thumbLength() + px(tickGapUnits);
+    const int tickWidth = px(tickWidthUnits);
+    const int inThumb = (px(thumbWidthUnits) - tickWidth) / 2;
     // Marks that would run into one another are left out.
-    const bool dense = static_cast<int64_t>(getRange1()) * 2 > length();
-    for (int i = 0; i <= getRange1(); i += dense ? std::max(1, getRange1()) : 1)
-        fill(pb, onAxis(tickAt(i), tickAt(i) + 1, tickFrom, tickFrom + tickLength),
+    const bool dense = static_cast<int64_t>(getRange1()) * 2 * tickWidth > length();
+    for (int64_t i = 0; i <= getRange1(); i += dense ? std::max(1, getRange1()) : 1) {
+        const int from = thumbAt(static_cast<int>(i)) + inThumb;
+        fill(pb, onAxis(from, from + tickWidth, tickFrom, tickFrom + px(tickLengthUnits)),
              isEnabled() ? look.text : look.disabled);
+    }
     const Rect thumb = thumbRect();
     const FaceState state = !isEnabled()   ? FaceState::Disabled
                             : isDragging() ? FaceState::Pressed

@@ -26,8 +26,8 @@ protected:
 private:
     int length() const; // of the axis
     int thumbLength() const;
-    int across() const;             // where the thumb begins across the axis
-    int tickAt(int position) const; // along the axis
+    int across() const;              // where the thumb begins across the axis
+    int thumbAt(int position) const; // where the thumb begins along the axis
     rfb::Rect onAxis(int from, int to, int acrossFrom, int acrossTo) const;
 };
 

@@ -2,8 +2,10 @@
 
 #include "wvw/WRoot.h"
 #include "wvw/WidgetWatch.h"
+#include "wvw/foldText.h"
 
 #include "plat/Assert.h"
+#include "plat/utf8.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/keySymbols.h"
 
@@ -76,8 +78,14 @@ void WMenu::selectItem(WMenuItem* item) {
     WMenuItem* old = std::exchange(selected, item);
     if (old)
         old->showSelected(false);
-    if (selected)
-        selected->showSelected(true);
+    if (!selected)
+        return;
+    selected->showSelected(true);
+    const Rect place = getChildRect(selected);
+    if (place.tl.x < 0)
+        scrollTo(scroll + place.tl.x - spacing);
+    else if (place.br.x > laidOut.x)
+        scrollTo(scroll + place.br.x + spacing - laidOut.x);
 }
 
 void WMenu::moveSelection(bool down) {
@@ -115,6 +123,7 @@ void WMenu::hideAll() { topMenu()->hide(); }
 void WMenu::showAt(WRoot* onRoot, const Point& position, bool grab) {
     shownRoot = onRoot;
     hoverSeen = dragSeen = false;
+    scroll = 0;
     layoutItems();
     setSize(laidOut);
     onRoot->showPopup(this, /*show=*/true, grab, position);
@@ -192,16 +201,25 @@ void WMenu::layoutItems() {
         if (item->isVisible())
             widest = std::max(widest, item->getPreferredSize().x);
     }
-    const int columns = layoutColumns(std::max(minWidth, widest));
-    if (columns > 1)
-        layoutColumns(std::max((minWidth + spacing) / columns - spacing, widest));
-}
-
-int WMenu::layoutColumns(int width) {
-    int limit = shownRoot ? shownRoot->screenSize().y : 0;
+    const Point screen = shownRoot ? shownRoot->screenSize() : Point();
+    int limit = screen.y;
     if (maxHeight > 0 && (!limit || maxHeight < limit))
         limit = maxHeight;
-    Point at(spacing, spacing);
+    const auto layOut = [&](int bottom) {
+        const int columns = layoutColumns(std::max(minWidth, widest), bottom);
+        if (columns > 1)
+            layoutColumns(std::max((minWidth + spacing) / columns - spacing, widest), bottom);
+    };
+    layOut(limit);
+    if (screen.x > 0 && wholeWidth > screen.x)
+        layOut(screen.y);
+    // What is wider than the screen all the same is scrolled to.
+    laidOut.x = screen.x > 0 ? std::min(wholeWidth, screen.x) : wholeWidth;
+    scrollTo(scroll);
+}
+
+int WMenu::layoutColumns(int width, int limit) {
+    Point at(spacing - scroll, spacing);
     int columns = 1;
     int bottom = spacing;
     for (WMenuItem* item : items) {
@@ -216,8 +234,16 @@ int WMenu::layoutColumns(int width) {
         at.y += height;
         bottom = std::max(bottom, at.y);
     }
-    laidOut = {at.x + width + spacing, bottom + spacing};
+    wholeWidth = at.x + width + spacing + scroll;
+    laidOut.y = bottom + spacing;
     return columns;
+}
+
+void WMenu::scrollTo(int wanted) {
+    const int by = std::clamp(wanted, 0, wholeWidth - laidOut.x) - scroll;
+    scroll += by;
+    for (WMenuItem* item : items)
+        moveChild(item, getChildPosition(item) - Point(by, 0));
 }
 
 void WMenu::paint(rfb::FullFramePixelBuffer& pb) {
@@ -257,19 +283,73 @@ bool WMenu::navigate(uint32_t keysym) {
     case rfb::key::Down:
         moveSelection(keysym == rfb::key::Down);
         return true;
-    case rfb::key::Right:
-        if (!selected || !selected->getSubmenu())
-            return topMenu()->unusedKey(keysym);
-        openSubmenu(selected, /*byKey=*/true);
+    case rfb::key::PageUp:
+    case rfb::key::PageDown:
+        selectEnd(keysym == rfb::key::PageDown);
         return true;
+    case rfb::key::Right:
+        if (selected && selected->getSubmenu()) {
+            openSubmenu(selected, /*byKey=*/true);
+            return true;
+        }
+        return selectBeside(/*right=*/true) || topMenu()->unusedKey(keysym);
     case rfb::key::Left:
+        if (selectBeside(/*right=*/false))
+            return true;
         if (!parentMenu)
             return unusedKey(keysym);
         hide();
         return true;
     default:
-        return activateByLetter(keysym) || topMenu()->unusedKey(keysym);
+        return activateByLetter(keysym) || selectByLetter(keysym) || topMenu()->unusedKey(keysym);
     }
+}
+
+/// In the next column, the item that is nearest in height.
+bool WMenu::selectBeside(bool right) {
+    if (!selected)
+        return false;
+    const Rect from = getChildRect(selected);
+    WMenuItem* best = nullptr;
+    int bestAway = 0;
+    for (WMenuItem* item : items) {
+        const Rect rect = getChildRect(item);
+        const bool next = right ? rect.tl.x > from.tl.x : rect.tl.x < from.tl.x;
+        const int away = std::abs(rect.tl.x - from.tl.x) + std::abs(rect.tl.y - from.tl.y);
+        if (item->canSelect() && next && (!best || away < bestAway)) {
+            best = item;
+            bestAway = away;
+        }
+    }
+    if (best)
+        selectItem(best);
+    return best != nullptr;
+}
+
+WMenuItem* WMenu::findByLetter(uint32_t keysym, const WMenuItem* from) const {
+    const uint32_t letter = foldCodepoint(rfb::unicodeFromKeysym(keysym));
+    if (letter <= rfb::key::Space || items.empty())
+        return nullptr;
+    const auto begins = [letter](const WMenuItem& item) {
+        const char* text = item.getText();
+        uint32_t first = 0;
+        return *text && plat::utf8::decode(&text, nullptr, &first) && foldCodepoint(first) == letter;
+    };
+    const auto at = std::find(items.begin(), items.end(), from);
+    const size_t start = at == items.end() ? 0 : static_cast<size_t>(at - items.begin()) + 1;
+    for (size_t n = 0; n < items.size(); ++n) {
+        WMenuItem* item = items[(start + n) % items.size()];
+        if (item->canSelect() && begins(*item))
+            return item;
+    }
+    return nullptr;
+}
+
+bool WMenu::selectByLetter(uint32_t letter) {
+    WMenuItem* found = findByLetter(letter, selected);
+    if (found)
+        selectItem(found);
+    return found != nullptr;
 }
 
 bool WMenu::activateByLetter(uint32_t letter) {
@@ -305,6 +385,14 @@ bool WMenu::mouseMove(const Point& position, Widget* origin) {
         openSubmenu(item, /*byKey=*/false);
     }
     return WLayout::mouseMove(position, origin);
+}
+
+bool WMenu::mouseDown(int button, Widget* origin) {
+    if (origin != this || (button != 3 && button != 4) || wholeWidth <= laidOut.x || items.empty())
+        return WLayout::mouseDown(button, origin);
+    const int column = items.front()->getWidth() + spacing;
+    scrollTo(scroll + (button == 3 ? -column : column));
+    return true;
 }
 
 bool WMenu::mouseUp(int button, Widget* origin) {

@@ -61,7 +61,8 @@ private:
 /// An ordered list of items, in columns when it would be too high. It does not own them.
 ///
 /// A click chooses an item, and so does a button that was held on the way into the menu when it is let go there. Keys:
-/// arrows, Home, End, Enter, Space, Escape, and the letters of the items.
+/// arrows, Home, End, PageUp, PageDown, Enter, Space, Escape, and the letters of the items: one that is nobody's own
+/// goes to the next item that begins with it.
 class WMenu : public WLayout {
 public:
     WMenu();
@@ -78,6 +79,8 @@ public:
     WMenuItem* getSelected() const { return selected; }
     void moveSelection(bool down); ///< wraps; skips what can't be selected
     void selectEnd(bool last);     ///< the first or last item that can be selected
+    /// The next item after `from`, around the end, whose text begins with the letter of that key. Null for none.
+    WMenuItem* findByLetter(uint32_t keysym, const WMenuItem* from) const;
 
     bool isShown() const { return shownRoot != nullptr; }
     void hideAll(); ///< this menu, its submenus and all menus that led here
@@ -90,6 +93,7 @@ public:
     rfb::Point getPreferredSize() override;
     void mouseEvent(const rfb::Point& position, int mask) override;
     bool mouseMove(const rfb::Point& position, Widget* origin) override;
+    bool mouseDown(int button, Widget* origin) override; ///< the wheel, where the screen is too narrow
     bool mouseUp(int button, Widget* origin) override;
     bool mouseExit(Widget* origin) override;
 
@@ -109,8 +113,11 @@ private:
     void closeSubmenu();
     void itemsChanged();
     void layoutItems();
-    int layoutColumns(int width); // gives their number
+    int layoutColumns(int width, int limit); // no higher than that, 0 for any; gives their number
+    void scrollTo(int wanted);
     bool activateByLetter(uint32_t letter);
+    bool selectByLetter(uint32_t letter);
+    bool selectBeside(bool right);
     bool navigate(uint32_t keysym);
     WMenuItem* itemUnder(const rfb::Point& position) const;
 
@@ -122,6 +129,8 @@ private:
     int minWidth = 0;
     int maxHeight = 0;
     rfb::Point laidOut{0, 0};
+    int wholeWidth = 0;     // of all columns, which may be more than the screen shows
+    int scroll = 0;         // pixels that the first column lies to the left of the window
     bool hasColumn = false; // for checks, images and marks
     bool hoverSeen = false; // the pointer was here with no button held
     bool dragSeen = false;  // or came with one

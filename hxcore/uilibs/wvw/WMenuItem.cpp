@@ -7,23 +7,47 @@
 #include "rfb/renderOps.h"
 
 #include <algorithm>
+#include <cmath>
+#include <vector>
 
 namespace wvw {
 namespace {
 
 constexpr int arrowUnits = 16;
 constexpr int columnUnits = 20; // for checks, pictures and marks
+constexpr int checkUnits = 24;  // of the box whose tick stands in the column
 constexpr int separatorHeight = 5;
 
-/// A check mark in a square.
-void drawCheck(rfb::FullFramePixelBuffer& pb, const rfb::Rect& r, uint32_t pixel) {
-    const rfb::Point low(r.tl.x + r.width() * 2 / 5, r.br.y - r.height() / 5);
-    const int thick = std::max(2, r.width() / 6);
-    for (int i = 0; i < thick; ++i) {
-        const rfb::Point up(0, -i);
-        rfb::drawLine(pb, rfb::Point(r.tl.x + 1, r.tl.y + r.height() * 11 / 20) + up, low + up, pixel);
-        rfb::drawLine(pb, low + up, rfb::Point(r.br.x - 1, r.tl.y + r.height() / 5) + up, pixel);
+struct Spot {
+    double x;
+    double y;
+};
+
+double distance(const Spot& p, const Spot& a, const Spot& b) {
+    const Spot way{b.x - a.x, b.y - a.y};
+    const double along = ((p.x - a.x) * way.x + (p.y - a.y) * way.y) / (way.x * way.x + way.y * way.y);
+    const double t = std::clamp(along, 0.0, 1.0);
+    return std::hypot(p.x - a.x - t * way.x, p.y - a.y - t * way.y);
+}
+
+/// Draws the tick of a check box, as large as it is in a box of that rectangle, in a colour of its own.
+void drawCheck(rfb::FullFramePixelBuffer& pb, const rfb::Rect& box, const rfb::Colour& ink) {
+    constexpr int fine = 4; // sub-pixels to a side
+    constexpr double grid = 32;
+    constexpr double stroke = 5;
+    constexpr Spot tick[] = {{8, 17}, {14, 23}, {25, 10}};
+    const int size = box.width();
+    std::vector<uint8_t> mask(static_cast<size_t>(size * size));
+    for (int y = 0; y < size * fine; ++y) {
+        for (int x = 0; x < size * fine; ++x) {
+            const Spot p{(x + 0.5) * grid / (size * fine), (y + 0.5) * grid / (size * fine)};
+            if (std::min(distance(p, tick[0], tick[1]), distance(p, tick[1], tick[2])) <= stroke / 2)
+                ++mask[static_cast<size_t>(y / fine * size + x / fine)];
+        }
     }
+    for (uint8_t& coverage : mask)
+        coverage = static_cast<uint8_t>(coverage * 255 / (fine * fine));
+    rfb::alphaMask(pb, box, mask.data(), size, ink);
 }
 
 } // namespace
@@ -137,9 +161,11 @@ void WMenuItem::paint(rfb::FullFramePixelBuffer& pb) {
 
 void WMenuItem::paintMarks(rfb::FullFramePixelBuffer& pb, const rfb::Colour& ink) {
     const int px = hxutil::scaled(columnUnits);
-    const Rect column = Rect::xywh(2, (getHeight() - px) / 2, px, px);
-    if (checked)
-        drawCheck(pb, column.expandBy(-std::max(1, px / 8)), pixel(pb, ink));
+    const Rect column = Rect::xywh(1, (getHeight() - px) / 2, px, px);
+    if (checked) {
+        const int box = hxutil::scaled(checkUnits);
+        drawCheck(pb, Rect::xywh(column.tl.x + (px - box) / 2, column.tl.y + (px - box) / 2, box, box), ink);
+    }
     const char* name = elevated ? "shield" : imageName.c_str();
     if (checked || !*name)
         return;

@@ -85,6 +85,12 @@ void WSlider2D::detach() {
     Widget::detach();
 }
 
+void WSlider2D::setEnabled(bool on) {
+    if (!on)
+        dragging = hovered = false;
+    Widget::setEnabled(on);
+}
+
 bool WSlider2D::mouseMove(const Point& position, Widget* origin) {
     if (origin == this) {
         setHovered(thumbRect().contains(position));

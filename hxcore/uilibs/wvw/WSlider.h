@@ -27,6 +27,7 @@ public:
     // Widget
     void paint(rfb::FullFramePixelBuffer& pb) override;
     void detach() override;
+    void setEnabled(bool on) override;
     bool mouseMove(const rfb::Point& position, Widget* origin) override;
     bool mouseDown(int button, Widget* origin) override;
     bool mouseUp(int button, Widget* origin) override;

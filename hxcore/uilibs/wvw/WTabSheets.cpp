@@ -247,8 +247,10 @@ bool WTabSheets::activated(Widget* origin) {
 }
 
 bool WTabSheets::keyEvent(uint32_t keysym, bool down, Widget* origin) {
-    if (down && (keysym == key::PageUp || keysym == key::PageDown) && ctrlDown() && count() > 0) {
-        const int step = keysym == key::PageDown ? 1 : count() - 1;
+    const bool turns = keysym == key::PageUp || keysym == key::PageDown || keysym == key::Tab;
+    if (down && turns && ctrlDown() && count() > 0) {
+        const bool forward = keysym == key::Tab ? !shiftDown() : keysym == key::PageDown;
+        const int step = forward ? 1 : count() - 1;
         // Who was in the page goes on in the next one; who stood on the tabs stays there.
         chooseSheet((currentIndex + step) % count(), /*focusTab=*/indexOf(origin) >= 0);
         return true;

@@ -92,7 +92,7 @@ public:
     int getPreferredHeight(int width) override;
     bool sizeChanged(Widget* origin) override;
     bool activated(Widget* origin) override;
-    bool keyEvent(uint32_t keysym, bool down, Widget* origin) override; ///< Ctrl with PageUp or PageDown
+    bool keyEvent(uint32_t keysym, bool down, Widget* origin) override; ///< Ctrl with PageUp, PageDown or Tab
     bool mouseDown(int button, Widget* origin) override;                ///< the wheel over the tabs
 
 private:

@@ -185,8 +185,7 @@ void WTable::ensureRowVisible(int row) {
         wanted = row;
     else if (row >= first + shown)
         wanted = row - shown + 1;
-    if (scrollbar.setValue(wanted))
-        repaint();
+    scrollRowsTo(wanted);
 }
 
 void WTable::select(int row, int column) {
@@ -214,12 +213,14 @@ bool WTable::step(int from, int direction, int count) {
 }
 
 bool WTable::moveBy(int direction) {
-    // With nothing selected the first step down leads to the first row, and a step up to nothing.
-    return step(selectedRow + direction, direction, rowCount) || (direction < 0 && scrollToTop());
+    // With nothing selected the first step down leads to the first row, and a step up to nothing. Past the last row
+    // that can be selected, what can't be is at least seen.
+    return step(selectedRow + direction, direction, rowCount) ||
+           scrollRowsTo(direction < 0 ? 0 : firstVisibleRow() + 1);
 }
 
-bool WTable::scrollToTop() {
-    if (!scrollbar.setValue(0))
+bool WTable::scrollRowsTo(int first) {
+    if (!scrollbar.setValue(first))
         return false;
     repaint();
     return true;
@@ -323,15 +324,17 @@ bool WTable::valueChanged(Widget* origin) {
 }
 
 bool WTable::focusChanged(bool backward, Widget* origin) {
-    if (origin == this)
+    if (origin == this && selectedRow >= 0)
+        invalidateRow(selectedRow);
+    else if (origin == this)
         repaint();
     return WLayout::focusChanged(backward, origin);
 }
 
 bool WTable::mouseDown(int button, Widget* origin) {
     const WidgetWatch self(this);
-    // At its end, the wheel is for what is around us.
-    if (isEnabled() && (button == 3 || button == 4) && moveBy(button == 3 ? -1 : 1))
+    // At its end, and sideways, the wheel is for what is around us.
+    if (isEnabled() && (button == 3 || button == 4) && !shiftDown() && moveBy(button == 3 ? -1 : 1))
         return true;
     if (!self.alive())
         return true;

@@ -96,7 +96,7 @@ private:
     void repaintRows();
     bool step(int from, int direction, int count);
     bool moveBy(int direction);
-    bool scrollToTop();
+    bool scrollRowsTo(int first); // false if it stays
     bool jumpTo(int row, int direction);
     bool typeAhead(uint32_t keysym);
     plat::String typeAheadText(int row) const;

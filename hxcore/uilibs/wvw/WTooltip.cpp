@@ -2,6 +2,7 @@
 
 #include "wvw/WRoot.h"
 
+#include "hxutil/metrics.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/renderOps.h"
 
@@ -12,12 +13,14 @@
 namespace wvw {
 namespace {
 constexpr int inset = 2;
-}
+constexpr int ordinaryUnits = 640;
+} // namespace
 
 using rfb::Point;
 using rfb::Rect;
 
-WTooltip::WTooltip(int maxWidthPx_) : WBgLayout(nullptr, "helpBg"), maxWidthPx(maxWidthPx_) {
+WTooltip::WTooltip(int maxWidthPx_)
+    : WBgLayout(nullptr, "helpBg"), maxWidthPx(maxWidthPx_ > 0 ? maxWidthPx_ : hxutil::scaled(ordinaryUnits)) {
     text.setTransparent(true);
     addChildAt(&text, {inset, inset});
 }

@@ -9,7 +9,7 @@ namespace wvw {
 /// A short text in a popup beside the pointer, within a width limit and within the screen.
 class WTooltip : public WBgLayout {
 public:
-    explicit WTooltip(int maxWidthPx = 320);
+    explicit WTooltip(int maxWidthPx = 0); ///< 0: 640 units
     ~WTooltip() override;
 
     void setText(const char* plainText); ///< no markup

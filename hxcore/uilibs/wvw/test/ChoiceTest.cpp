@@ -175,6 +175,8 @@ TEST_F(ChoiceTest, AnEditableOneTakesAnyTextAndStillDrops) {
 }
 
 TEST_F(ChoiceTest, LongTextsAreCutShortAndToldByTheTooltip) {
+    choice.setSelected(30); // the widest
+    choice.setSize(choice.getPreferredSize());
     EXPECT_STREQ(choice.getTooltip(), "");
     choice.addItem(40, "A text that is very much longer than the field is wide, in every font");
     choice.setSelected(40);

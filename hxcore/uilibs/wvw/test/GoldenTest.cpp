@@ -274,8 +274,11 @@ TEST_P(GoldenTest, Sliders) {
             WDiscreteSlider slider(nullptr, vertical);
             slider.setRange1(4);
             slider.setValue1(2);
-            const Point size = vertical ? Point(26, 90) : Point(90, 26);
-            addInLook(picture, slider, size, look, vertical ? Point(8, 45) : Point(45, 8));
+            const Point flat(scaled(180), slider.getPreferredHeight(0));
+            const Point across(slider.getPreferredWidth(0), scaled(180));
+            const Point pointer(scaled(90), scaled(16));
+            addInLook(picture, slider, vertical ? across : flat, look,
+                      vertical ? Point(pointer.y, pointer.x) : pointer);
         }
         picture.endRow();
         for (const Look look : {Look::Normal, Look::Hover, Look::Disabled}) {

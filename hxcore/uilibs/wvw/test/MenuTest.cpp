@@ -4,6 +4,7 @@
 
 #include "rfb/keySymbols.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace wvw {
@@ -154,6 +155,48 @@ TEST_F(MenuTest, TooHighAMenuContinuesInColumns) {
     EXPECT_LT(split.y, whole.y);
     EXPECT_GT(menu.getChildPosition(&quit).x, menu.getChildPosition(&open).x);
     EXPECT_EQ(menu.getChildPosition(&quit).y, menu.getChildPosition(&open).y);
+}
+
+// Sixteen items in columns of four, on a screen that shows two of them; then none that fit below one another.
+TEST_F(MenuTest, ArrowsGoFromColumnToColumnAlsoBesideTheScreen) {
+    std::vector<std::unique_ptr<WMenuItem>> items;
+    WRootMenu many;
+    for (int i = 0; i < 16; ++i) {
+        items.push_back(std::make_unique<WMenuItem>(plat::strFormat("%c item", 'a' + i).c_str()));
+        many.add(items.back().get());
+    }
+    const Point size = items[0]->getPreferredSize();
+    many.setMaxHeight(4 * size.y + 8);
+    const auto at = [&] {
+        const auto i =
+            std::find_if(items.begin(), items.end(), [&](auto& item) { return item.get() == many.getSelected(); });
+        return static_cast<int>(i - items.begin());
+    };
+    many.show(&window, {0, 0});
+    FakeParent* shown = window.popupOf(&many);
+    const struct {
+        uint32_t key;
+        int item;
+    } steps[] = {{key::Home, 0}, {key::Right, 4},  {key::Down, 5}, {key::Right, 9},     {key::Left, 5},
+                 {key::End, 15}, {key::Right, 15}, {'c', 2},       {key::PageDown, 15}, {key::PageUp, 0}};
+    for (const auto& step : steps) {
+        shown->key(step.key);
+        EXPECT_EQ(at(), step.item) << step.key;
+    }
+    many.dismiss();
+
+    window.screenPx = {2 * size.x + 12, 4 * size.y + 8};
+    many.show(&window, {0, 0});
+    shown = window.popupOf(&many);
+    EXPECT_EQ(many.getSize(), window.screenPx);
+    shown->key(key::End);
+    EXPECT_EQ(many.getChildRect(items[15].get()).br.x, many.getWidth() - 4);
+    shown->key(key::Home);
+    EXPECT_EQ(many.getChildPosition(items[0].get()), Point(4, 4));
+    shown->move(10, 10);
+    shown->press(4);
+    EXPECT_EQ(many.getChildPosition(items[4].get()), Point(4, 4));
+    many.dismiss();
 }
 
 TEST_F(MenuTest, AnItemMayDieWhileItIsShown) {

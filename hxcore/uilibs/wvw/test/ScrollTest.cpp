@@ -50,6 +50,12 @@ TEST_F(SliderTest, ADragMovesTheValueWithThePointer) {
     window.move(8, 50);
     EXPECT_EQ(slider.getValue1(), 0);
     EXPECT_EQ(window.changes.size(), 3u);
+    window.move(8, 10);
+    window.press();
+    slider.setEnabled(false); // lets go
+    slider.setEnabled(true);
+    window.move(8, 35);
+    EXPECT_EQ(slider.getValue1(), 0);
 }
 
 TEST_F(SliderTest, APressBesideTheThumbStepsTowardsIt) {

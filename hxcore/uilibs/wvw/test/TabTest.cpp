@@ -66,6 +66,16 @@ TEST_F(TabTest, ClicksAndKeysChangeThePageAndTellIt) {
     window.key(key::PageDown); // around
     window.letGo(key::ControlL);
     EXPECT_EQ(sheets.current(), 0);
+    first.takeFocus();
+    window.hold(key::ControlL);
+    window.key(key::Tab); // from inside the page too
+    EXPECT_EQ(sheets.current(), 1);
+    window.hold(key::ShiftL);
+    window.key(key::Tab);
+    window.key(key::Tab);
+    window.letGo(key::ShiftL);
+    window.letGo(key::ControlL);
+    EXPECT_EQ(sheets.current(), 2);
     window.hold(key::AltL);
     EXPECT_TRUE(sheets.hotKey('s'));
     EXPECT_FALSE(sheets.hotKey('x'));

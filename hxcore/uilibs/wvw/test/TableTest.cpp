@@ -83,11 +83,11 @@ TEST_F(TableTest, KeysStepOverRefusedRowsAndStopAtTheEnds) {
         seen.push_back(table.getSelectedRow());
     }
     EXPECT_EQ(seen, (std::vector<int>{1, 3, 4, 5, 6, 7, 8, 8, 8}));
-    EXPECT_EQ(table.firstVisibleRow(), 5);
+    EXPECT_EQ(table.firstVisibleRow(), 6); // a step past the end shows what can't be selected
     for (int i = 0; i < 9; ++i)
         window.key(key::Up);
     EXPECT_EQ(table.getSelectedRow(), 1);
-    EXPECT_EQ(table.firstVisibleRow(), 0); // a step past the top shows what can't be selected
+    EXPECT_EQ(table.firstVisibleRow(), 0); // as one past the top does
     EXPECT_TRUE(table.hasFocus());
 }
 
@@ -199,6 +199,11 @@ TEST_F(TableTest, AChangeRepaintsNoMoreThanItsRows) {
     window.paint();
     EXPECT_EQ(rows.asked, (std::set<int>{0, 1, 2, 3}));
     EXPECT_EQ(window.changes.size(), 2u);
+    Box other(&root, "other", true);
+    table.takeFocus();
+    window.paint();
+    other.takeFocus();
+    EXPECT_EQ(window.invalidArea(), rfb::Rect::xywh(2, 2 + 3 * rowHeight, 200 - 4 - 16, rowHeight));
 }
 
 TEST_F(TableTest, TextThatIsCutShortIsToldByTheTooltip) {
@@ -233,6 +238,11 @@ TEST_F(TableTest, TheWheelStepsThroughTheRows) {
     root.setMouseHandler(&outside);
     window.press(4); // at its end it is for what is around the table
     EXPECT_EQ(outside.last, 4);
+    window.release(4);
+    window.hold(key::ShiftL);
+    window.press(3); // and sideways as well
+    EXPECT_EQ(outside.last, 3);
+    EXPECT_EQ(table.getSelectedRow(), 9);
     root.setMouseHandler(nullptr);
 }
 
