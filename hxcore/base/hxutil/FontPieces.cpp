@@ -1,6 +1,7 @@
 #include "hxutil/FontPieces.h"
 
 #include "hxutil/getFont.h"
+#include "hxutil/scripts.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
 
@@ -51,6 +52,10 @@ FontPieces::FontPieces(int hostHeight, int hostAscent)
       top(std::max(hostAscent - scale * pieceAscent, centred(hostHeight - scale * pieceHeight))) {}
 
 bool FontPieces::charWidth(int codepoint, int* width) const {
+    if (isHidden(codepoint)) { // the pieces have pictures of these
+        *width = 0;
+        return true;
+    }
     const FontZefBm* font = pieceFor(codepoint);
     if (font)
         *width = scale * font->charWidth(codepoint);
@@ -58,8 +63,15 @@ bool FontPieces::charWidth(int codepoint, int* width) const {
 }
 
 void FontPieces::drawGlyph(rfb::WritablePixelBuffer& buffer, int codepoint, rfb::Point position, uint32_t pixel) const {
-    if (const FontZefBm* font = pieceFor(codepoint))
+    const FontZefBm* font = isHidden(codepoint) ? nullptr : pieceFor(codepoint);
+    if (font)
         font->drawGlyphScaled(buffer, codepoint, {position.x, position.y + top}, pixel, scale);
+}
+
+// The pieces' cells are 8 or 16 wide, and a mark stands behind the cell that it was drawn in.
+int FontPieces::markMiddle(int codepoint) const {
+    const FontZefBm* font = pieceFor(codepoint);
+    return font ? scale * (font->leftOf(codepoint) < -8 ? -8 : -4) : 0;
 }
 
 } // namespace hxutil

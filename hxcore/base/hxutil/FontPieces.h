@@ -15,6 +15,7 @@ public:
     // FontZefBm::Fallback
     bool charWidth(int codepoint, int* width) const override;
     void drawGlyph(rfb::WritablePixelBuffer& buffer, int codepoint, rfb::Point position, uint32_t pixel) const override;
+    int markMiddle(int codepoint) const override;
 
 private:
     int scale;

@@ -1,5 +1,7 @@
 #include "hxutil/FontZefBm.h"
 
+#include "hxutil/TextLine.h"
+#include "hxutil/scripts.h"
 #include "hxutil/textChars.h"
 #include "plat/Exception.h"
 #include "rdr/InStream.h"
@@ -101,6 +103,8 @@ bool FontZefBm::hasGlyph(int codepoint) const {
     return (codepoint == 0 || &glyph != &glyphs[0]) && (glyph.advance || glyph.width);
 }
 
+int FontZefBm::leftOf(int codepoint) const { return glyphFor(codepoint).left; }
+
 bool FontZefBm::useFallback(int codepoint, const Glyph& glyph, int* width) const {
     if (!fallback || isControl(codepoint))
         return false;
@@ -144,6 +148,11 @@ int FontZefBm::drawGlyph(rfb::WritablePixelBuffer& buffer, int codepoint, rfb::P
 
 int FontZefBm::drawString(rfb::WritablePixelBuffer& buffer, const char* text, rfb::Point position, uint32_t pixel,
                           const char* end) const {
+    if (TextLine::isNeeded(text, end)) {
+        const TextLine line(*this, text, end);
+        line.draw(buffer, position, pixel);
+        return line.width();
+    }
     const int start = position.x;
     int code;
     while (nextChar(&text, end, &code))
@@ -158,17 +167,24 @@ int FontZefBm::charWidth(int codepoint) const {
 }
 
 int FontZefBm::stringWidth(const char* text, const char* end) const {
+    const char* const start = text;
     int width = 0;
     int code;
-    while (nextChar(&text, end, &code))
+    while (nextChar(&text, end, &code)) {
+        if (needsLayout(code))
+            return TextLine(*this, start, end).width();
         width += charWidth(code);
+    }
     return width;
 }
 
 const char* FontZefBm::stringAt(int px, const char* text, const char* end) const {
+    const char* const start = text;
     const char* fits = text;
     int code;
     while (nextChar(&text, end, &code)) {
+        if (needsLayout(code))
+            return start + TextLine(*this, start, end).fitting(px);
         px -= charWidth(code);
         if (px < 0)
             break;
@@ -178,6 +194,8 @@ const char* FontZefBm::stringAt(int px, const char* text, const char* end) const
 }
 
 const char* FontZefBm::nearestBoundary(int px, const char* text, const char* end) const {
+    if (TextLine::isNeeded(text, end))
+        return text + TextLine(*this, text, end).nearest(px);
     const char* before = text;
     int code;
     while (nextChar(&text, end, &code)) {
@@ -188,6 +206,11 @@ const char* FontZefBm::nearestBoundary(int px, const char* text, const char* end
         before = text;
     }
     return before;
+}
+
+int FontZefBm::markMiddle(int codepoint) const {
+    int width;
+    return useFallback(codepoint, glyphFor(codepoint), &width) ? fallback->markMiddle(codepoint) : 0;
 }
 
 } // namespace hxutil

@@ -36,6 +36,7 @@ public:
         /// `position` is the top left of a line of the font that asks. Called after charWidth gave true.
         virtual void drawGlyph(rfb::WritablePixelBuffer& buffer, int codepoint, rfb::Point position,
                                uint32_t pixel) const = 0;
+        virtual int markMiddle(int /*codepoint*/) const { return 0; } ///< as that of the font
     };
 
     /// Throws plat::Exception "Bad font data", or what the stream throws at its end.
@@ -46,6 +47,7 @@ public:
     void setFallback(std::unique_ptr<Fallback> fallback_);
 
     bool hasGlyph(int codepoint) const; ///< of this font alone, with ink or advance
+    int leftOf(int codepoint) const;    ///< where the ink of this font's glyph begins, from the pen
 
     /// One glyph of this font, each pixel `scale` (1 or 2) wide and high; gives the advance.
     int drawGlyphScaled(rfb::WritablePixelBuffer& buffer, int codepoint, rfb::Point position, uint32_t pixel,
@@ -59,6 +61,7 @@ public:
     int stringWidth(const char* text, const char* end = nullptr) const override;
     const char* stringAt(int px, const char* text, const char* end = nullptr) const override;
     const char* nearestBoundary(int px, const char* text, const char* end = nullptr) const override;
+    int markMiddle(int codepoint) const override;
 
 private:
     struct Glyph {

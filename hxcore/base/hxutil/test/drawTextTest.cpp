@@ -88,6 +88,20 @@ TEST(WrapText, LinesJoinedAreTheText) {
     }
 }
 
+// All letters are as wide as the missing character: 7.
+TEST(WrapText, CutsScriptsFromRightToLeftInTheOrderOfTheText) {
+    const char *alef = "\u05d0", *points = "\u05d1\u05b8\u05b4";
+    const std::string word = std::string(alef) + points + alef;
+    EXPECT_EQ(wrapped((word + " " + word).c_str(), 23), (Lines{word + " ", word}));
+    EXPECT_EQ(wrapped(word.c_str(), 15, false, true), (Lines{std::string(alef) + points, alef})) << "marks stay";
+    EXPECT_EQ(wrapped("\u0627\u0644\u0627", 7, false, true), (Lines{"\u0627", "\u0644\u0627"})) << "one sign";
+    const auto font = plainFont();
+    int width = 18;
+    EXPECT_STREQ(hxutil::elide(*font, &width, (word + word).c_str()).c_str(),
+                 (std::string(alef) + points + "\u2026").c_str());
+    EXPECT_EQ(width, 18);
+}
+
 TEST(DrawWrapped, TellsWhereItDrew) {
     const auto font = plainFont();
     rfb::ManagedPixelBuffer pb(rfb::pfRGB888(), 40, 40);
