@@ -36,7 +36,7 @@ int MuList::insertRow(int row, const std::vector<plat::String>& cells) {
     Row added;
     added.cells.resize(cols.size());
     for (size_t i = 0; i < std::min(cells.size(), cols.size()); ++i)
-        added.cells[i].text = cells[i].c_str();
+        added.cells[i].text = cells[i];
     rows.insert(rows.begin() + row, std::move(added));
     if (selected >= row)
         ++selected;
@@ -74,7 +74,12 @@ void MuList::setCell(int row, int col, const char* text) {
     rowChanged(row);
 }
 
-const char* MuList::getCell(int row, int col) const { return cell(row, col).text.c_str(); }
+const char* MuList::getCell(int row, int col) {
+    auto& wanted = const_cast<Cell&>(cell(row, col));
+    if (wanted.text.isNull())
+        wanted.text = callback ? callback->getCellText(this, row, col).c_str() : "";
+    return wanted.text.c_str();
+}
 
 void MuList::setCellColour(int row, int col, const char* colour) {
     const_cast<Cell&>(cell(row, col)).colour = colour;

@@ -22,6 +22,14 @@ public:
     };
     enum class ColumnType { Text = 0, Image = 1 };
     enum class Align { Start = 0, Centre = 1, End = 2 };
+    /// For rows of which most are never looked at.
+    class Callback {
+    public:
+        virtual ~Callback() = default;
+        /// The text of a cell that was never set, or set to null. Asked once, when it is first needed.
+        virtual plat::String getCellText(MuList* list, int row, int col) = 0;
+    };
+
     static constexpr int automatic = -1; ///< a width: text columns share what is left
 
     static MuList* create(MuContainer* parent, const char* name, unsigned listFlags = 0);
@@ -33,14 +41,15 @@ public:
     int getColumnCount() const { return static_cast<int>(cols.size()); }
 
     // Rows. What stands beside them is counted from 0; the calls assert their range.
-    int addRow(const std::vector<plat::String>& cells = {});             ///< at the end; gives its number
+    void setCallback(Callback* target) { callback = target; } ///< borrowed; null, as at first, leaves such cells empty
+    int addRow(const std::vector<plat::String>& cells = {});  ///< at the end; gives its number
     int insertRow(int row, const std::vector<plat::String>& cells = {}); ///< before `row`; the selection moves along
     void removeRow(int row);
     void removeAllRows();
     int getRowCount() const { return static_cast<int>(rows.size()); }
     bool isValidRow(int row) const { return row >= 0 && row < getRowCount(); }
     void setCell(int row, int col, const char* text);         ///< of an image column the name of the image
-    const char* getCell(int row, int col) const;              ///< "" for an empty one
+    const char* getCell(int row, int col);                    ///< "" for an empty one
     void setCellColour(int row, int col, const char* colour); ///< a theme colour or "#rrggbb"; null for the list's own
     const char* getCellColour(int row, int col) const;        ///< null for the list's own
     void setRowSelectable(int row, bool selectable);
@@ -84,7 +93,7 @@ protected:
 
 private:
     struct Cell {
-        plat::String text{""};
+        plat::String text;   // null until it is set or asked for
         plat::String colour; // null for the list's own
     };
     struct Row {
@@ -97,6 +106,7 @@ private:
 
     std::vector<Row> rows;
     unsigned listFlags;
+    Callback* callback = nullptr;
 };
 
 } // namespace mui

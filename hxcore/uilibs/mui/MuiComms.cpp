@@ -83,6 +83,7 @@ void MuiComms::acceptIo(io::Io* io) {
         if (!unixIo)
             throw plat::Exception("not a local socket");
         unixIo->namedPipeCredCheck(geteuid());
+        endOverdue();
         if (connections.size() >= maxConnections || silentCount() >= maxSilent)
             throw plat::Exception("too many connections");
     } catch (const plat::Exception& e) {
@@ -91,6 +92,13 @@ void MuiComms::acceptIo(io::Io* io) {
         return;
     }
     new MuiCommsConn(this, io);
+}
+
+/// While a dialog blocks, their timers rest: whoever comes next does away with them.
+void MuiComms::endOverdue() {
+    const std::list<MuiCommsConn*> snapshot = connections;
+    for (MuiCommsConn* conn : snapshot)
+        conn->endIfOverdue();
 }
 
 size_t MuiComms::silentCount() const {

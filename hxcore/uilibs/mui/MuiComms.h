@@ -67,6 +67,7 @@ private:
     ~MuiComms() override;
 
     static void serveModal(MuiModalClient* client, bool on);
+    void endOverdue();
     size_t silentCount() const;
 
     // MuiModalClient: the listener

@@ -7,6 +7,7 @@
 #include "plat/DString.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
+#include "plat/monoTime.h"
 #include "rdr/InStream.h"
 #include "rdr/OutStream.h"
 #include "rdr/exceptions.h"
@@ -19,7 +20,8 @@ namespace {
 plat::LogSrc log("MuiComms");
 } // namespace
 
-MuiCommsConn::MuiCommsConn(MuiComms* comms_, io::Io* io_) : comms(comms_), io(io_), silenceTimer(this) {
+MuiCommsConn::MuiCommsConn(MuiComms* comms_, io::Io* io_)
+    : comms(comms_), io(io_), manager(io::FdManager::current()), silenceTimer(this) {
     comms->connections.push_back(this);
     io->setHandler(this);
     startTimer();
@@ -29,8 +31,6 @@ MuiCommsConn::MuiCommsConn(MuiComms* comms_, io::Io* io_) : comms(comms_), io(io
 MuiCommsConn::~MuiCommsConn() {
     MuiComms::serveModal(this, /*on=*/false);
     comms->connections.remove(this);
-    if (destroyed)
-        *destroyed = true;
 }
 
 void MuiCommsConn::end() {
@@ -56,12 +56,38 @@ int MuiCommsConn::modalFd() {
     return handler && !busy && !paused ? handler->getFd() : -1;
 }
 
-void MuiCommsConn::modalReadable() { plat::checkedCast<io::FdHandler>(io, "the connection")->fdReadable(); }
+void MuiCommsConn::modalReadable() {
+    io::Io* const served = io;
+    io::FdManager* const mainManager = manager;
+    const io::Lifeline::Watch self(lifeline);
+    plat::checkedCast<io::FdHandler>(served, "the connection")->fdReadable();
+    if (self.isCut())
+        finishIo(served, mainManager);
+}
+
+/// Lets an Io go that was shut down, where the timers of the main loop that would do so stand still.
+void MuiCommsConn::finishIo(io::Io* io, io::FdManager* manager) {
+    auto* const handler = dynamic_cast<io::FdHandler*>(io);
+    if (!handler || !manager || manager != io::FdManager::current())
+        return;
+    manager->addHandler(handler, /*add=*/false);
+    handler->fdManagerGone();
+}
 
 // On the main loop's manager, so that it outlives the loop of a dialog that blocks.
 void MuiCommsConn::startTimer() {
-    if (io::FdManager* manager = io::FdManager::current())
+    silentSince = plat::monoTicks();
+    if (manager)
         manager->startTimer(silenceTimer, MuiComms::silenceMs);
+}
+
+void MuiCommsConn::endIfOverdue() {
+    if (!silenceTimer.isActive() || plat::monoTicks() - silentSince <= MuiComms::silenceMs * plat::ticksPerMs)
+        return;
+    io::Io* const ended = io;
+    io::FdManager* const mainManager = manager;
+    end();
+    finishIo(ended, mainManager);
 }
 
 void MuiCommsConn::serveLines() {
@@ -128,14 +154,12 @@ bool MuiCommsConn::runLine() {
     command.swap(line);
     if (log.isEnabled(plat::LogDebug))
         log.debug("Got command %s", command.substr(0, command.find(' ')).c_str());
-    bool gone = false;
-    destroyed = &gone;
+    const io::Lifeline::Watch self(lifeline);
     busy = true;
     plat::DString reply;
     MuiCommands::run(comms->mui, command, reply);
-    if (gone)
+    if (self.isCut())
         return false;
-    destroyed = nullptr;
     busy = false;
     io->outStream()->writeBytes(reply.c_str(), static_cast<size_t>(reply.len()));
     io->outStream()->flush();

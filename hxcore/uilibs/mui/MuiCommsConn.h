@@ -2,6 +2,7 @@
 #pragma once
 
 #include "io/IoHandler.h"
+#include "io/Lifeline.h"
 #include "mui/MuiComms.h"
 #include "plat/NonCopyable.h"
 #include "plat/Timer.h"
@@ -9,8 +10,9 @@
 #include <string>
 
 namespace io {
+class FdManager;
 class Io;
-}
+} // namespace io
 
 namespace mui {
 
@@ -29,6 +31,10 @@ public:
     MuiCommsConn(MuiComms* comms, io::Io* io); ///< takes the Io over and joins the list of `comms`
     void end();                                ///< shuts the Io down and deletes this
     bool hasSpoken() const { return spoken; }
+
+    /// Ends a connection that has been silent for too long, which its timer does not see while the main loop stands
+    /// still. Not from within its own calls.
+    void endIfOverdue();
 
     // io::IoHandler
     void ioReadable(io::Io*) override;
@@ -49,15 +55,18 @@ private:
     bool takeLine(); // true when `line` is whole
     bool runLine();  // false if we are gone
     void pause(bool on);
+    static void finishIo(io::Io* io, io::FdManager* manager);
 
     MuiComms* comms;
     io::Io* io;
+    io::FdManager* manager; // of the main loop; null without one
     std::string line;
-    bool spoken = false;       // the peer has said something
-    bool busy = false;         // a command is being carried out
-    bool paused = false;       // bytes that come have to wait
-    bool* destroyed = nullptr; // set by the destructor while a command is being carried out
-    plat::Timer silenceTimer;  // runs until the first byte, and while half a line is there
+    bool spoken = false;      // the peer has said something
+    bool busy = false;        // a command is being carried out
+    bool paused = false;      // bytes that come have to wait
+    plat::Timer silenceTimer; // runs until the first byte, and while half a line is there
+    int64_t silentSince = 0;  // while it runs; ticks of 100 ns
+    io::Lifeline lifeline;
 };
 
 } // namespace mui

@@ -30,6 +30,7 @@ constexpr uint32_t keyEnter = 0xff0d;
 constexpr uint32_t keyUp = 0xff52;
 constexpr uint32_t keyDown = 0xff54;
 constexpr int maxDropped = 200; // folders under the folder's field
+constexpr int nameColumn = 1;   // of the files; the image stands before it
 enum FilterRow { AllWithHidden = 0, All = 1, Custom = 2 };
 
 bool isAbsolutePath(const char* path) { return plat::path::isAbsolute(path); }
@@ -109,6 +110,7 @@ void MuFileDialogTxImpl::makeElements() {
     places->addColumn(MuList::ColumnType::Text, LOC_TEXT("mui_filedlgtx_places_heading"));
     browseLyt->setChildLayout(places, MuLayout::Fixed, textScaled(300));
     files = MuList::create(browseLyt, "files", MuList::Heading);
+    files->setCallback(this);
     browseLyt->setChildLayout(files, MuLayout::Stretch);
     auto* filterLyt = MuLayout::create(mainLyt, "filterLyt", Orientation::Horizontal);
     filterLyt->setChildLayout(MuSpacer::create(filterLyt, "sp"), MuLayout::Stretch);
@@ -240,27 +242,28 @@ void MuFileDialogTxImpl::refreshList() {
 
 void MuFileDialogTxImpl::showEntry(size_t index) {
     const FolderEntry& entry = entries[index];
-    plat::DString size, modified;
-    if (!entry.isDir)
-        loc::TimeString::formatByteSize(size, entry.size);
-    tm local{};
-    if (localtime_r(&entry.modified, &local))
-        loc::TimeString::formatDateTime(modified, loc::TimeString::DateStyle::Numeric,
-                                        loc::TimeString::TimeStyle::NoSeconds, local);
     const bool closed = entry.isDir && !entry.accessible;
-    std::vector<plat::String> cells{plat::String(closed        ? "filedlg_folder_noaccess"
-                                                 : entry.isDir ? "filedlg_folder"
-                                                               : "filedlg_file"),
-                                    entry.name};
-    if (hasSizeColumn)
-        cells.emplace_back(size.c_str());
-    cells.emplace_back(modified.c_str());
-    const int row = files->addRow(cells);
+    const char* const image = closed ? "filedlg_folder_noaccess" : entry.isDir ? "filedlg_folder" : "filedlg_file";
+    const int row = files->addRow({plat::String(image), entry.name});
     files->setRowKey(row, static_cast<int>(index));
     if (closed) {
-        files->setCellColour(row, 1, "#c86464");
+        files->setCellColour(row, nameColumn, "#c86464");
         files->setRowSelectable(row, false);
     }
+}
+
+plat::String MuFileDialogTxImpl::getCellText(MuList*, int row, int col) {
+    const FolderEntry& entry = entries[static_cast<size_t>(files->getRowKey(row))];
+    plat::DString text;
+    tm local{};
+    if (col == nameColumn + 1 && hasSizeColumn) {
+        if (!entry.isDir)
+            loc::TimeString::formatByteSize(text, entry.size);
+    } else if (localtime_r(&entry.modified, &local)) {
+        loc::TimeString::formatDateTime(text, loc::TimeString::DateStyle::Numeric,
+                                        loc::TimeString::TimeStyle::NoSeconds, local);
+    }
+    return text.take();
 }
 
 void MuFileDialogTxImpl::dropFolders() {
@@ -384,7 +387,7 @@ void MuFileDialogTxImpl::nameTyped() {
     const char* const text = name->getText();
     int match = -1;
     for (int row = 0; row < files->getRowCount(); ++row)
-        if (strcmp(files->getCell(row, 1), text) == 0)
+        if (strcmp(files->getCell(row, nameColumn), text) == 0)
             match = row;
     files->setSelected(match);
     updateOk();

@@ -5,6 +5,7 @@
 #include "mui/MuDialog.h"
 #include "mui/MuEdit.h"
 #include "mui/MuFileDialog.h"
+#include "mui/MuList.h"
 #include "mui/MuObserver.h"
 #include "mui/MuSuperbox.h"
 #include "mui/tx/listFolder.h"
@@ -17,13 +18,13 @@ namespace mui {
 class MuButton;
 class MuChoice;
 class MuLayout;
-class MuList;
 
 /// The dialog "saveDlg": a name, the folder that it is in, places to go to, and what the folder holds.
 ///
 /// A name that begins with "/" is a path, which is completed as it is typed. The folder's field takes a path as well,
 /// and drops the folders that it may mean.
 class MuFileDialogTxImpl : private MuObserver,
+                           private MuList::Callback,
                            private MuEdit::Filter,
                            private ActionKeyCallback,
                            private MuSuperbox::Callback,
@@ -47,6 +48,9 @@ private:
     void muChanged(MuElement* element) override;
     void muClosed(MuDialog* closed) override;
     void muEvent(MuElement* element, int type) override;
+
+    // MuList::Callback: sizes and times
+    plat::String getCellText(MuList* list, int row, int col) override;
 
     // MuEdit::Filter
     bool accept(MuEdit* edit, const char* newText, uint32_t character) override;
