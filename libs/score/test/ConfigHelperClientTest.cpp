@@ -142,11 +142,6 @@ TEST_F(ConfigHelperTest, AHelperThatDiedMeanwhileIsReplaced) {
     EXPECT_EQ(dump(), "");
 }
 
-void writeProgram(const std::string& path, const std::string& script) {
-    plat::writeTextFile(path, "#!/bin/sh\n" + script + "\n");
-    chmod(path.c_str(), 0755);
-}
-
 TEST_F(ConfigHelperTest, InServiceModeAnOrdinaryUserIsElevatedOrCancels) {
     plat::inChild([] {
         if (geteuid() == 0) {
@@ -161,14 +156,14 @@ TEST_F(ConfigHelperTest, InServiceModeAnOrdinaryUserIsElevatedOrCancels) {
         const std::string program = ours / "elevator";
         plat::Configuration::global().set("ElevateCmd", program.c_str());
 
-        writeProgram(program, "test \"$2\" = -service || exit 1; exec \"$@\"");
+        plat::writeProgram(program, "test \"$2\" = -service || exit 1; exec \"$@\"");
         EXPECT_EQ(helper.dumpXML().getInt("RfbPort", 0), 5900);
         helper.close();
-        writeProgram(program, "exit 1");
+        plat::writeProgram(program, "exit 1");
         EXPECT_THROW(helper.dumpXML(), os::ElevateCancelled);
         misbehave("noconnect");
         limit("_ConfigHelperConnectTimeout", "200");
-        writeProgram(program, "exec \"$@\"");
+        plat::writeProgram(program, "exec \"$@\"");
         EXPECT_THROW(helper.dumpXML(), os::LaunchFailed);
         EXPECT_FALSE(helper.isConnected());
         plat::rmDir(plat::strFormat("/tmp/.%s-%u", os::AppInfo::pathComp(), geteuid()).c_str(), /*recursive=*/true);
@@ -198,10 +193,10 @@ TEST(ServerLauncher, TheCoreTheModeAndTheArguments) {
     EXPECT_EQ(argsOf(ProductMode::Virtual), "Xzef-core does not exist or is not executable");
     mkdir((dir / "beside").c_str(), 0755);
     mkdir((dir / "path").c_str(), 0755);
-    writeProgram(dir / "beside/Xzef-core", "");
-    writeProgram(dir / "beside/zefserver-x11-core", "");
+    plat::writeProgram(dir / "beside/Xzef-core", "");
+    plat::writeProgram(dir / "beside/zefserver-x11-core", "");
     EXPECT_EQ(argsOf(ProductMode::Virtual), "|" + (dir / "beside/Xzef-core") + "|-virtual|-a|b c");
-    writeProgram(dir / "path/zefserver-x11-core", "");
+    plat::writeProgram(dir / "path/zefserver-x11-core", "");
     EXPECT_EQ(argsOf(ProductMode::User), "|" + (dir / "path/zefserver-x11-core") + "|-a|b c");
     EXPECT_EQ(argsOf(ProductMode::Service), "|" + (dir / "path/zefserver-x11-core") + "|-service|-a|b c");
     setServerExe("/opt/core");

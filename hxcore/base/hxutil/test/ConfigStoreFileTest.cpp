@@ -4,12 +4,10 @@
 #include "plat/ConfigParameter.h"
 #include "plat/Configuration.h"
 #include "plat/Exception.h"
+#include "plat/test/TempDir.h"
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <sys/stat.h>
 
@@ -19,8 +17,6 @@ namespace {
 class ConfigStoreFileTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        char pattern[] = "/tmp/zef-store-XXXXXX";
-        root = mkdtemp(pattern);
         os::AppInfo::reset();
         os::AppInfo::setApp("app");
         os::AppInfo::setPathComp("zef");
@@ -28,21 +24,16 @@ protected:
         os::AppInfo::setSharedDir((root + "/etc").c_str());
         os::AppInfo::setConfigDir((root + "/home").c_str());
     }
-    void TearDown() override {
-        os::AppInfo::reset();
-        std::filesystem::remove_all(root);
-    }
+    void TearDown() override { os::AppInfo::reset(); }
     void write(const std::string& file, const std::string& text) const {
         const std::filesystem::path path = root + "/" + file;
         std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path) << text;
+        plat::writeTextFile(path, text);
     }
-    std::string read(const std::string& file) const {
-        std::ifstream in(root + "/" + file);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    std::string read(const std::string& file) const { return plat::readTextFile(dir / file); }
 
-    std::string root;
+    plat::TempDir dir;
+    const std::string& root = dir.root;
     plat::Configuration config{"Test"};
     plat::StringParameter name{"Name", "a name", "default", false, &config};
     plat::IntParameter size{"Size", "a size", 1, false, &config};

@@ -11,7 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <map>
+#include <sstream>
 
 using hxutil::NamedImagePixelBuffer;
 using hxutil::test::WithParameter;
@@ -149,94 +151,35 @@ TEST(NamedImagePixelBuffer, TakesTheDarkFormWhereThereIsOne) {
     EXPECT_TRUE(log.texts.empty()) << "silently";
 }
 
+std::vector<std::string> words(const std::string& text) {
+    std::istringstream in(text);
+    return {std::istream_iterator<std::string>(in), {}};
+}
+
 // Every picture that the program names, at both densities.
 TEST(BuiltInImages, AllAreThereAndDecode) {
     registerBuiltInResources();
-    const char* const doubled[] = {"downArrow",
-                                   "rightArrow",
-                                   "sdError",
-                                   "sdError_hover",
-                                   "sdOkay",
-                                   "sdOkay_hover",
-                                   "sdUser",
-                                   "sdUser_hover",
-                                   "sdWarning",
-                                   "sdWarning_hover",
-                                   "sdHamburger",
-                                   "sdHamburger_hover",
-                                   "sdAuth",
-                                   "sdConn",
-                                   "sdIdCheck",
-                                   "ZEFConnectLogo",
-                                   "sdAuth_darkbg",
-                                   "sdConn_darkbg",
-                                   "sdUser_darkbg",
-                                   "sdHamburger_darkbg",
-                                   "sdIdCheck_darkbg",
-                                   "security",
-                                   "permissions",
-                                   "connections",
-                                   "privacy",
-                                   "troubleshooting",
-                                   "printing",
-                                   "updatenotification",
-                                   "expert",
-                                   "user",
-                                   "group",
-                                   "global",
-                                   "guest",
-                                   "noguest",
-                                   "accept",
-                                   "deny",
-                                   "prompt",
-                                   "entryup",
-                                   "entrydown",
-                                   "connections_darkbg",
-                                   "user_darkbg",
-                                   "privacy_darkbg",
-                                   "badge1",
-                                   "badge2",
-                                   "badge3",
-                                   "badge4",
-                                   "badge5",
-                                   "badge6",
-                                   "badge7",
-                                   "badge8",
-                                   "badge9",
-                                   "badge9plus",
-                                   "filedlg_file",
-                                   "filedlg_folder",
-                                   "filedlg_folder_noaccess",
-                                   "infoframe_success",
-                                   "infoframe_warning",
-                                   "infoframe_error",
-                                   "infoframe_locked",
-                                   "infoframe_notify",
-                                   "infoframe_preference",
-                                   "infoframe_default",
-                                   "statusError",
-                                   "statusWarning",
-                                   "statusInfo",
-                                   "statusQuestion",
-                                   "statusPrivate",
-                                   "bannerStatusQuestion",
-                                   "screenRecord",
-                                   "connectionGraphic",
-                                   "shield",
-                                   "WCheck_check",
-                                   "WCheck_dot"};
-    const char* const plain[] = {
-        "zefserver",  "zefserverConnected", "FTClose",      "FTCloseActive",  "FTPause", "FTPauseActive",
-        "FTPlay",     "FTPlayActive",       "FTRetry",      "FTRetryActive",  "FTFiles", "FTFail",
-        "FTFileUNIX", "FTFolderUNIX",       "pl_confirmed", "pl_unconfirmed", "pl_logo"};
-    std::vector<std::string> names(std::begin(plain), std::end(plain));
+    const std::string doubled =
+        "downArrow rightArrow sdError sdError_hover sdOkay sdOkay_hover sdUser sdUser_hover sdWarning sdWarning_hover "
+        "sdHamburger sdHamburger_hover sdAuth sdConn sdIdCheck ZEFConnectLogo sdAuth_darkbg sdConn_darkbg "
+        "sdUser_darkbg sdHamburger_darkbg sdIdCheck_darkbg security permissions connections privacy troubleshooting "
+        "printing updatenotification expert user group global guest noguest accept deny prompt entryup entrydown "
+        "connections_darkbg user_darkbg privacy_darkbg badge1 badge2 badge3 badge4 badge5 badge6 badge7 badge8 badge9 "
+        "badge9plus filedlg_file filedlg_folder filedlg_folder_noaccess infoframe_success infoframe_warning "
+        "infoframe_error infoframe_locked infoframe_notify infoframe_preference infoframe_default statusError "
+        "statusWarning statusInfo statusQuestion statusPrivate bannerStatusQuestion screenRecord connectionGraphic "
+        "shield WCheck_check WCheck_dot";
+    const std::string plain =
+        "zefserver zefserverConnected FTClose FTCloseActive FTPause FTPauseActive FTPlay FTPlayActive FTRetry "
+        "FTRetryActive FTFiles FTFail FTFileUNIX FTFolderUNIX pl_confirmed pl_unconfirmed pl_logo";
+    std::vector<std::string> names = words(plain);
     for (int i = 0; i < 12; ++i)
         for (const char* series : {"spinner", "spinnerblack"})
             names.push_back(std::string(series) + (i < 10 ? "0" : "") + std::to_string(i));
     for (const std::string& name : names)
         EXPECT_GT(plat::findBuiltInResource((name + ".png").c_str()).size, 0U) << name;
-    for (const char* name : doubled) {
-        EXPECT_GT(plat::findBuiltInResource((std::string(name) + "@2x.png").c_str()).size, 0U) << name;
+    for (const std::string& name : words(doubled)) {
+        EXPECT_GT(plat::findBuiltInResource((name + "@2x.png").c_str()).size, 0U) << name;
         names.push_back(name);
     }
     for (const char* ppmm : {"4", "8"}) {

@@ -55,12 +55,7 @@ public:
 class FdIoTest : public testing::Test {
 protected:
     FdIoTest() {
-        int ends[2];
-        EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
-        peer = ends[1];
-        fcntl(peer, F_SETFL, O_NONBLOCK);
-        mgr.emplace();
-        io = new Counted(ends[0], alive);
+        open();
         handler.onRead = [this](Io* from) {
             for (;;) {
                 got += static_cast<char>(from->inStream()->readU8());
@@ -72,6 +67,18 @@ protected:
         mgr.reset();
         closePeer();
         EXPECT_EQ(alive, 0);
+    }
+    void open() {
+        if (alive == 1)
+            return; // the one of the constructor
+        closePeer();
+        int ends[2];
+        EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends), 0);
+        peer = ends[1];
+        fcntl(peer, F_SETFL, O_NONBLOCK);
+        if (!mgr)
+            mgr.emplace();
+        io = new Counted(ends[0], alive);
     }
     void closePeer() {
         if (peer >= 0)
@@ -89,6 +96,16 @@ protected:
             total += static_cast<size_t>(n);
         return total;
     }
+    // Until all is sent, the peer reading with it.
+    size_t drainAll() {
+        size_t total = 0;
+        for (int i = 0; i < 1000 && total < size_t{1} << 20; ++i) {
+            total += drainPeer();
+            mgr->poll(0);
+        }
+        rounds();
+        return total + drainPeer();
+    }
     // More than the socket takes.
     void writeTooMuch() {
         const std::string block(1 << 20, 'x');
@@ -99,7 +116,7 @@ protected:
 
     plat::FakeClock clock;
     int alive = 0;
-    int peer;
+    int peer = -1;
     std::optional<FdSelectManager> mgr;
     FdIo* io;
     Handler handler;
@@ -141,14 +158,7 @@ TEST_F(FdIoTest, DrainsWhatWasBlockedAndSaysSo) {
     writeTooMuch();
     rounds();
     EXPECT_EQ(handler.writable, 0);
-    size_t total = 0;
-    while (io->outStream()->bytesInBuffer() > 0) {
-        total += drainPeer();
-        mgr->poll(0);
-    }
-    rounds();
-    total += drainPeer();
-    EXPECT_EQ(total, size_t{1} << 20);
+    EXPECT_EQ(drainAll(), size_t{1} << 20);
     EXPECT_EQ(handler.writable, 1);
     plat::FakeClock::advanceMs(61000);
     rounds();
@@ -156,7 +166,7 @@ TEST_F(FdIoTest, DrainsWhatWasBlockedAndSaysSo) {
     io->shutdown(false, false);
 }
 
-TEST_F(FdIoTest, APeerThatTakesNothingIsGivenUpByAReadThatTimesOut) {
+TEST_F(FdIoTest, APeerThatTakesNothingIsGivenUp) {
     io->setHandler(&handler);
     writeTooMuch();
     plat::FakeClock::advanceMs(59000);
@@ -167,6 +177,19 @@ TEST_F(FdIoTest, APeerThatTakesNothingIsGivenUpByAReadThatTimesOut) {
     rounds();
     EXPECT_EQ(handler.closed, 1);
     EXPECT_EQ(alive, 0);
+}
+
+TEST_F(FdIoTest, TheTimeForThatIsAParameter) {
+    auto& timeout = plat::Configuration::global().get("LazyFlushTimeout");
+    EXPECT_FALSE(timeout.setInt(-1));
+    ASSERT_TRUE(timeout.setInt(0x7fffffff)) << "more milliseconds than a timer holds";
+    io->setHandler(&handler);
+    writeTooMuch();
+    plat::FakeClock::advanceMs(100000);
+    rounds();
+    EXPECT_EQ(handler.closed, 0);
+    timeout.unset(plat::PriorityPreference);
+    io->shutdown(false, false);
 }
 
 TEST_F(FdIoTest, AShutdownWithFlushEndsThoughThePeerTakesNothing) {
@@ -184,104 +207,104 @@ TEST_F(FdIoTest, AShutdownWithFlushEndsThoughThePeerTakesNothing) {
     EXPECT_EQ(alive, 0);
 }
 
-TEST_F(FdIoTest, LazyFlushTimeoutIsAParameter) {
-    auto& timeout = plat::Configuration::global().get("LazyFlushTimeout");
-    EXPECT_EQ(timeout.getInt(), 60);
-    EXPECT_FALSE(timeout.setInt(-1));
-    ASSERT_TRUE(timeout.setInt(0x7fffffff)) << "more milliseconds than a timer holds";
-    io->setHandler(&handler);
-    writeTooMuch();
-    plat::FakeClock::advanceMs(100000);
-    rounds();
-    EXPECT_EQ(handler.closed, 0);
-    timeout.unset(plat::PriorityPreference);
-    io->shutdown(false, false);
-}
-
-TEST_F(FdIoTest, AShutdownWithFlushSendsAllBeforeTheEnd) {
-    io->setHandler(&handler);
-    writeTooMuch();
-    io->shutdown(/*flush=*/true, /*tellHandler=*/true);
-    size_t total = 0;
-    for (int i = 0; i < 1000 && handler.closed == 0; ++i) {
-        total += drainPeer();
-        mgr->poll(0);
-    }
-    total += drainPeer();
-    EXPECT_EQ(total, size_t{1} << 20);
-    EXPECT_EQ(handler.closed, 1);
-    EXPECT_EQ(handler.writable, 0);
-}
-
 TEST_F(FdIoTest, AfterShutdownTheHandlerHearsNothingButTheEnd) {
     io->setHandler(&handler);
     EXPECT_EQ(write(peer, "x", 1), 1);
-    handler.onRead = [this](Io* self) {
+    handler.onRead = [](Io* self) {
         self->shutdown(/*flush=*/false, /*tellHandler=*/true);
         self->markReadable();
         throw plat::Exception("thrown after the shutdown");
     };
-    rounds();
-    EXPECT_EQ(handler.readable, 1);
-    EXPECT_EQ(handler.closed, 1);
-}
-
-TEST_F(FdIoTest, TheLaterOfTwoShutdownsRules) {
-    io->setHandler(&handler);
-    io->shutdown(/*flush=*/true, /*tellHandler=*/true);
-    io->shutdown(/*flush=*/false, /*tellHandler=*/false);
-    rounds();
-    EXPECT_EQ(handler.closed, 0);
-    EXPECT_EQ(alive, 0);
-}
-
-TEST_F(FdIoTest, AHandlerMayShutDownOrThrowInIoClosed) {
-    io->setHandler(&handler);
     handler.onClosed = [](Io* self) {
         self->setHandler(nullptr);
         self->shutdown(/*flush=*/true, /*tellHandler=*/false);
         throw plat::Exception("in ioClosed");
     };
-    io->shutdown(false, true);
     rounds();
+    EXPECT_EQ(handler.readable, 1);
     EXPECT_EQ(handler.closed, 1);
     EXPECT_EQ(alive, 0);
 }
 
-TEST_F(FdIoTest, WithoutALoopAShutdownIsImmediate) {
-    io->outStream()->writeBytes("bye", 3);
-    io->shutdown(/*flush=*/true, /*tellHandler=*/false);
-    EXPECT_EQ(alive, 0);
-    EXPECT_EQ(drainPeer(), 3u);
-}
-
-TEST_F(FdIoTest, TheEndOfTheLoopCompletesAShutdown) {
-    io->setHandler(&handler);
-    handler.onClosed = [](Io* self) { self->shutdown(false, false); };
-    io->shutdown(/*flush=*/false, /*tellHandler=*/true);
-    mgr.reset();
-    EXPECT_EQ(handler.closed, 1);
-    EXPECT_EQ(alive, 0);
-}
-
-TEST_F(FdIoTest, WithoutItsLoopAnIoIsStillThereToBeEnded) {
-    io->setHandler(&handler);
-    mgr.reset();
-    EXPECT_EQ(alive, 1);
-    io->setHandler(nullptr);
-    io->markReadable();
-    io->shutdown(false, false);
-    EXPECT_EQ(handler.closed, 0);
-    EXPECT_EQ(alive, 0);
-}
-
-TEST_F(FdIoTest, AnIoWithoutAHandlerStillHearsThatItsLoopGoes) {
-    io->setHandler(&handler);
-    io->setHandler(nullptr);
-    io->shutdown(/*flush=*/false, /*tellHandler=*/false);
-    EXPECT_EQ(alive, 1) << "somebody on the stack may be reading from it";
-    mgr.reset();
-    EXPECT_EQ(alive, 0);
+// How a connection ends by each road, with its loop, without one, and when that goes.
+TEST_F(FdIoTest, EveryShutdownEndsItOnceAndTellsWhomItSaid) {
+    const struct {
+        const char* how;
+        bool handled;
+        std::function<void()> end;
+        int told;
+    } roads[] = {
+        {"sends all first", true,
+         [this] {
+             writeTooMuch();
+             io->shutdown(/*flush=*/true, /*tellHandler=*/true);
+             EXPECT_EQ(drainAll(), size_t{1} << 20);
+         },
+         1},
+        {"the later of two rules", true,
+         [this] {
+             io->shutdown(/*flush=*/true, /*tellHandler=*/true);
+             io->shutdown(/*flush=*/false, /*tellHandler=*/false);
+         },
+         0},
+        {"at once without a handler", false,
+         [this] {
+             io->outStream()->writeBytes("bye", 3);
+             io->shutdown(/*flush=*/true, /*tellHandler=*/false);
+             EXPECT_EQ(drainPeer(), 3U);
+         },
+         0},
+        {"completed by the end of its loop", true,
+         [this] {
+             io->shutdown(/*flush=*/false, /*tellHandler=*/true);
+             mgr.reset();
+         },
+         1},
+        {"behind the end of its loop", true,
+         [this] {
+             mgr.reset();
+             io->setHandler(nullptr);
+             io->markReadable();
+             io->shutdown(/*flush=*/false, /*tellHandler=*/false);
+         },
+         0},
+        {"with its loop, while somebody on the stack reads", true,
+         [this] {
+             io->setHandler(nullptr);
+             io->shutdown(/*flush=*/false, /*tellHandler=*/false);
+             EXPECT_EQ(alive, 1);
+             mgr.reset();
+         },
+         0},
+        {"by the peer's end while output waits", true,
+         [this] {
+             io->setHandler(&handler, /*wantRead=*/false);
+             writeTooMuch();
+             closePeer();
+         },
+         1},
+        {"by a write that fails", true,
+         [this] {
+             io->setHandler(&handler, /*wantRead=*/false);
+             closePeer();
+             io->outStream()->writeU8(1);
+             io->outStream()->flush();
+         },
+         1},
+    };
+    for (const auto& road : roads) {
+        SCOPED_TRACE(road.how);
+        open();
+        if (road.handled)
+            io->setHandler(&handler);
+        handler.closed = handler.readable = 0;
+        road.end();
+        if (mgr)
+            rounds();
+        EXPECT_EQ(handler.closed, road.told);
+        EXPECT_EQ(handler.readable, 0);
+        EXPECT_EQ(alive, 0);
+    }
 }
 
 TEST_F(FdIoTest, OneIosEndMayEndAnotherWhileTheLoopGoes) {
@@ -344,16 +367,6 @@ TEST_F(FdIoTest, WritingToAPeerThatHasGoneThrowsNothingAndLosesNothingItSent) {
     EXPECT_EQ(handler.closed, 1);
 }
 
-TEST_F(FdIoTest, WithoutReadInterestAFailedWriteEndsIt) {
-    io->setHandler(&handler, /*wantRead=*/false);
-    closePeer();
-    io->outStream()->writeBytes("unheard", 7);
-    io->outStream()->flush();
-    rounds();
-    EXPECT_EQ(handler.readable, 0);
-    EXPECT_EQ(handler.closed, 1);
-}
-
 TEST_F(FdIoTest, APeerThatHearsNothingMoreIsGivenUp) {
     io->setHandler(&handler);
     ::shutdown(peer, SHUT_RD); // it will never close its own side
@@ -366,15 +379,10 @@ TEST_F(FdIoTest, APeerThatHearsNothingMoreIsGivenUp) {
     EXPECT_EQ(handler.closed, 1);
 }
 
-TEST_F(FdIoTest, APeerThatGoesWhileOutputWaitsEndsIt) {
-    io->setHandler(&handler, /*wantRead=*/false);
-    writeTooMuch();
-    closePeer();
-    rounds();
-    EXPECT_EQ(handler.closed, 1);
-}
-
 TEST_F(FdIoTest, ThrowsInBlockingUse) {
+    EXPECT_EQ(io->getName(), plat::strFormat("<fd%d>", io->getFd()));
+    io->setTimeout(1);
+    EXPECT_THROW(io->inStream()->readU8(), plat::TimedOut);
     closePeer();
     io->outStream()->writeBytes("unheard", 7);
     EXPECT_THROW(io->outStream()->flush(), plat::SystemException);
@@ -386,15 +394,9 @@ TEST_F(FdIoTest, TellsTheEndOfWritingOnceAllIsSent) {
     io->setHandler(&handler);
     writeTooMuch();
     io->shutdownWrite();
-    size_t total = 0;
-    char last = 'x';
-    for (int i = 0; i < 1000 && last; ++i) {
-        total += drainPeer();
-        mgr->poll(0);
-        last = static_cast<char>(recv(peer, &last, 1, MSG_PEEK) != 0);
-    }
-    EXPECT_EQ(total + drainPeer(), size_t{1} << 20);
-    EXPECT_EQ(last, 0) << "the peer sees the end";
+    EXPECT_EQ(drainAll(), size_t{1} << 20);
+    char last;
+    EXPECT_EQ(recv(peer, &last, 1, 0), 0) << "the peer sees the end";
     EXPECT_EQ(write(peer, "still heard", 11), 11);
     rounds();
     EXPECT_EQ(got, "still heard");
@@ -419,18 +421,6 @@ TEST_F(FdIoTest, AConnectUnderWayIsToldByTheFirstWritable) {
     late->shutdown(false, false);
     io->shutdown(false, false);
     rounds();
-    close(ends[1]);
-}
-
-TEST_F(FdIoTest, NamesItselfByItsDescriptor) {
-    EXPECT_EQ(io->getName(), plat::strFormat("<fd%d>", io->getFd()));
-    io->setTimeout(1);
-    EXPECT_THROW(io->inStream()->readU8(), plat::TimedOut) << "blocking, with that timeout";
-    io->shutdown(false, false);
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    FdIo pipeEnd(ends[0]);
-    EXPECT_THROW(pipeEnd.getSockError(), plat::SystemException);
     close(ends[1]);
 }
 

@@ -1,7 +1,7 @@
 #include "os/AppInfo.h"
 
 #include "os/SharedConfigDirs.h"
-#include "os/test/TempDir.h"
+#include "plat/test/TempDir.h"
 
 #include <gtest/gtest.h>
 
@@ -23,27 +23,6 @@ protected:
         return all;
     }
 };
-
-TEST_F(AppInfoTest, KeepsWhatIsSetUntilReset) {
-    const struct {
-        void (*set)(const char*);
-        const char* (*get)();
-    } words[] = {{AppInfo::setDisplayNameKey, AppInfo::displayNameKey},
-                 {AppInfo::setProgramPath, AppInfo::programPath},
-                 {AppInfo::setUserDir, AppInfo::userDir},
-                 {AppInfo::setProfileDir, AppInfo::profileDir},
-                 {AppInfo::setConfigDir, AppInfo::configDir},
-                 {AppInfo::setSharedDir, AppInfo::sharedDir}};
-    for (size_t i = 0; i < std::size(words); ++i)
-        words[i].set(std::to_string(i).c_str());
-    for (size_t i = 0; i < std::size(words); ++i)
-        EXPECT_EQ(std::to_string(i), words[i].get());
-    AppInfo::setCompany("Company");
-    EXPECT_STREQ(AppInfo::company(), "Company");
-    AppInfo::reset();
-    for (const auto& word : words)
-        EXPECT_STREQ(word.get(), "");
-}
 
 TEST_F(AppInfoTest, DerivesTheUsersFiles) {
     EXPECT_STREQ(AppInfo::userConfigFile().c_str(), "");
@@ -84,7 +63,7 @@ TEST_F(AppInfoTest, SharedFilesAreLookedForFromTheSharedDirUpwards) {
 }
 
 TEST_F(AppInfoTest, TheFirstFileOfTheListIsFound) {
-    const TempDir dir;
+    const plat::TempDir dir;
     plat::mkDirs((dir / "bin/zef").c_str());
     plat::mkDirs((dir / "share/zef").c_str());
     std::ofstream(dir / "share/zef/table") << "far";

@@ -2,9 +2,9 @@
 #include "loc/Localize.h"
 #include "os/chooseElevateProg.h"
 #include "os/launchFailures.h"
-#include "os/test/TempDir.h"
 #include "plat/ConfigParameter.h"
 #include "plat/Configuration.h"
+#include "plat/test/TempDir.h"
 #include "plat/test/inChild.h"
 
 #include <gtest/gtest.h>
@@ -61,7 +61,7 @@ protected:
         }
     }
 
-    TempDir dir;
+    plat::TempDir dir;
     std::string oldPath, mark;
     ElevateSystem system;
 };

@@ -6,11 +6,11 @@
 #include "os/PersistentStoreFile.h"
 #include "os/PipeNameScoped.h"
 #include "os/UnixIo.h"
-#include "os/test/TempDir.h"
 #include "plat/Exception.h"
 #include "plat/test/CapturedLog.h"
 #include "plat/test/FailingCalls.h"
 #include "plat/test/FakeClock.h"
+#include "plat/test/TempDir.h"
 
 #include <gtest/gtest.h>
 
@@ -37,7 +37,7 @@ protected:
 
     plat::FakeClock clock;
     io::FdSelectManager mgr{/*nested=*/true};
-    TempDir dir;
+    plat::TempDir dir;
     const std::string path = dir / "sub/s";
     io::Io* accepted = nullptr;
 };
@@ -133,7 +133,7 @@ protected:
         AppInfo::reset();
         AppInfo::setApp("prog");
         AppInfo::setPathComp(plat::strFormat("zeffault%d", getpid()).c_str());
-        AppInfo::setConfigDir(dir.path.c_str());
+        AppInfo::setConfigDir(dir.root.c_str());
         store = std::make_unique<PersistentStoreFile>();
     }
     ~StoreFaultTest() override { AppInfo::reset(); }
@@ -145,7 +145,7 @@ protected:
         return store->load("a/b", out) ? std::string(out.begin(), out.end()) : "<none>";
     }
 
-    TempDir dir;
+    plat::TempDir dir;
     std::unique_ptr<PersistentStoreFile> store;
 };
 

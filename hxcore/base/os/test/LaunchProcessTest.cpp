@@ -4,12 +4,13 @@
 #include "os/elevate.h"
 #include "os/launchFailures.h"
 #include "os/test/ChildRoad.h"
-#include "os/test/TempDir.h"
 #include "os/test/TestChild.h"
 #include "os/test/ordinaryUser.h"
 #include "plat/ConfigParameter.h"
 #include "plat/Configuration.h"
 #include "plat/test/CapturedLog.h"
+#include "plat/test/FailingCalls.h"
+#include "plat/test/TempDir.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +18,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
 #include <fstream>
 #include <functional>
@@ -33,21 +33,12 @@
 namespace os {
 namespace {
 
-int countDescriptors() {
-    int count = 0;
-    DIR* dir = opendir("/proc/self/fd");
-    while (readdir(dir))
-        ++count;
-    closedir(dir);
-    return count;
-}
-
 bool hasChildren() { return waitpid(-1, nullptr, WNOHANG) >= 0 || errno != ECHILD; }
 
 /// A loop and a place for files, open to all users.
 class LaunchScene {
 public:
-    LaunchScene() { chmod(dir.path.c_str(), 0777); }
+    LaunchScene() { chmod(dir.root.c_str(), 0777); }
 
     LaunchConfig tellFacts(const std::vector<plat::String>& more = {}) const {
         LaunchConfig cfg;
@@ -68,7 +59,7 @@ public:
     }
 
     io::FdSelectManager loop{/*nested=*/true};
-    TempDir dir;
+    plat::TempDir dir;
     Ends ends;
 };
 
@@ -158,7 +149,7 @@ TEST(LaunchProcess, TellsWhatFailedAndLeavesNothing) {
     plat::inChild([] {
         LaunchScene scene;
         const auto fails = [&scene](const LaunchConfig& cfg, const std::string& text, int errNo) {
-            const int before = countDescriptors();
+            const int before = plat::openDescriptors();
             try {
                 launchProcess(cfg, &scene.ends);
                 ADD_FAILURE() << "started: " << text;
@@ -171,7 +162,7 @@ TEST(LaunchProcess, TellsWhatFailedAndLeavesNothing) {
                 EXPECT_STREQ(failure.type, "");
             }
             EXPECT_FALSE(hasChildren()) << text;
-            EXPECT_EQ(countDescriptors(), before) << text;
+            EXPECT_EQ(plat::openDescriptors(), before) << text;
         };
         launchProcess(scene.tellFacts()); // the monitor's descriptors
         while (hasChildren())
@@ -179,7 +170,7 @@ TEST(LaunchProcess, TellsWhatFailedAndLeavesNothing) {
 
         LaunchConfig cfg;
         std::ofstream(scene.dir / "plain") << "#!/bin/sh\n";
-        for (const std::string& path : {std::string("/nonexistent"), scene.dir / "plain", scene.dir.path}) {
+        for (const std::string& path : {std::string("/nonexistent"), scene.dir / "plain", scene.dir.root}) {
             cfg.args = {path.c_str()};
             fails(cfg, path + " does not exist or is not executable", 0);
         }
@@ -202,7 +193,7 @@ TEST(LaunchProcess, TellsWhatFailedAndLeavesNothing) {
         fails(cfg, "execve(", E2BIG);
 
         // The name of the call is cut at 255 bytes.
-        std::string deep = scene.dir.path;
+        std::string deep = scene.dir.root;
         for (int i = 0; i < 3; ++i)
             mkdir((deep += "/" + std::string(100, 'd')).c_str(), 0700);
         std::ofstream(deep + "/x") << "#!/nonexistent\n";
@@ -254,24 +245,25 @@ TEST(LaunchProcess, BearsAFullTableOfDescriptors) {
         LaunchScene scene;
         LaunchConfig cfg = scene.tellFacts();
         ProcessMonitor::instance().attach();
-        const int before = countDescriptors();
-        bool started = false;
+        const int before = plat::openDescriptors();
+        std::vector<pid_t> started;
         for (rlim_t room = 3; room < 30; ++room) {
             const rlimit limit{room, 4096};
             setrlimit(RLIMIT_NOFILE, &limit);
             try {
-                launchProcess(cfg, &scene.ends);
-                started = true;
+                started.push_back(launchProcess(cfg, &scene.ends));
             } catch (const plat::SystemException& failure) {
-                EXPECT_FALSE(started) << "with more room it fails: " << failure.what();
+                EXPECT_TRUE(started.empty()) << "with more room it fails: " << failure.what();
                 EXPECT_TRUE(failure.errNo == EMFILE || failure.errNo == EINVAL) << failure.what();
                 EXPECT_FALSE(hasChildren());
             }
         }
-        EXPECT_TRUE(started);
+        EXPECT_FALSE(started.empty());
         const rlimit limit{1024, 4096};
         setrlimit(RLIMIT_NOFILE, &limit);
-        EXPECT_EQ(countDescriptors(), before);
+        EXPECT_EQ(plat::openDescriptors(), before);
+        for (const pid_t child : started) // they write into the directory that goes with the scene
+            scene.ends.waitFor(child);
     });
 }
 
@@ -351,7 +343,7 @@ TEST(LaunchProcess, ForksWithoutAProgram) {
             sigset_t now;
             sigprocmask(SIG_BLOCK, nullptr, &now);
             char cwd[10] = "";
-            const bool fine = countDescriptors() == 7 /* 0 to 3, the listing itself, "." and ".." */ &&
+            const bool fine = plat::openDescriptors() == 5 /* 0 to 3, the listing itself */ &&
                               getcwd(cwd, sizeof cwd) && std::string(cwd) == "/usr" && !sigismember(&now, SIGTERM) &&
                               !ProcessMonitor::instance().knows(getppid());
             _exit(write(3, "here", 4) == 4 && fine ? 5 : 6);
@@ -415,14 +407,6 @@ TEST(LaunchProcess, AnOrdinaryUserElevatesThroughTheChosenProgram) {
             params.get("ElevateCmd").setParam(bad);
             EXPECT_THROW(launchProcess(cfg), plat::Exception) << bad;
         }
-        params.get("ElevateCmd").setParam("");
-        setenv("PATH", scene.dir.path.c_str(), 1);
-        EXPECT_THROW(launchProcess(cfg), LaunchFailed);
-        scene.script("sudo", "#!/bin/sh\nELEVATED=sudo exec \"$@\"\n");
-        scene.script("xterm", "#!/bin/sh\nexport TITLE=\"$2\"\nshift 3\nexec \"$@\"\n");
-        facts = scene.factsOf(cfg);
-        EXPECT_EQ(facts.at("env ELEVATED"), "sudo");
-        EXPECT_EQ(facts.at("env TITLE"), "sudo");
     });
 }
 
@@ -458,9 +442,9 @@ TEST(FindProgram, LooksInAbsoluteDirectoriesForFilesThatRun) {
         scene.script("prog", "#!/bin/sh\n");
         std::ofstream(scene.dir / "data") << "no program";
         mkdir((scene.dir / "folder").c_str(), 0755);
-        ASSERT_EQ(chdir(scene.dir.path.c_str()), 0);
+        ASSERT_EQ(chdir(scene.dir.root.c_str()), 0);
         const auto find = [](const char* name) { return std::string(findProgram(name).c_str()); };
-        setenv("PATH", (".::/nonexistent:" + scene.dir.path + ":relative").c_str(), 1);
+        setenv("PATH", (".::/nonexistent:" + scene.dir.root + ":relative").c_str(), 1);
         EXPECT_EQ(find("prog"), scene.dir / "prog");
         for (const char* name : {"data", "folder", "none", "", "./prog", "../prog"})
             EXPECT_EQ(find(name), "") << name;

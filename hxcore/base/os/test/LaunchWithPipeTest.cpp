@@ -7,12 +7,12 @@
 #include "os/launchFailures.h"
 #include "os/processFacts.h"
 #include "os/test/LaunchedChild.h"
-#include "os/test/TempDir.h"
 #include "os/test/TestChild.h"
 #include "os/test/ordinaryUser.h"
 #include "plat/Configuration.h"
 #include "plat/monoTime.h"
 #include "plat/test/CapturedLog.h"
+#include "plat/test/FailingCalls.h"
 #include "plat/test/FakeClock.h"
 #include "plat/test/TempDir.h"
 #include "rdr/InStream.h"
@@ -39,15 +39,6 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-int countDescriptors() {
-    int count = 0;
-    DIR* dir = opendir("/proc/self/fd");
-    while (readdir(dir))
-        ++count;
-    closedir(dir);
-    return count;
-}
-
 Words commandLineOf(pid_t pid) {
     Words words;
     readProcessArgs(pid, &words);
@@ -66,17 +57,6 @@ LaunchConfig shell(const char* script) {
     return cfg;
 }
 
-/// One message of the child: its fields, the name first, each behind a "|". Blocks.
-std::string nextMessage(io::Io* io) {
-    rdr::InStream& in = *io->inStream();
-    std::string bytes(in.readU16() & 0x7fffU, '\0');
-    in.readBytes(bytes.data(), bytes.size());
-    std::string all;
-    for (size_t at = 0; at < bytes.size(); at += 1 + static_cast<uint8_t>(bytes[at]))
-        all += "|" + bytes.substr(at + 1, static_cast<uint8_t>(bytes[at]));
-    return all;
-}
-
 std::string echoed(io::Io* io, const std::string& text) {
     std::string body = "\x04"
                        "echo" +
@@ -84,7 +64,7 @@ std::string echoed(io::Io* io, const std::string& text) {
     io->outStream()->writeU16(static_cast<uint16_t>(0x8000 + body.size()));
     io->outStream()->writeBytes(body.data(), body.size());
     io->outStream()->flush();
-    return nextMessage(io);
+    return nextMessage(*io->inStream());
 }
 
 size_t longestHexRun(const std::string& text) {
@@ -190,21 +170,21 @@ protected:
 TEST_F(LaunchPipeTest, ASocketPairIsInheritedAndNothingElse) {
     const int leaky = open("/dev/null", O_RDONLY);                             // without close-on-exec
     const LaunchWithPipe::Process warmUp = LaunchWithPipe::launch(launched()); // the monitor makes its pipe
-    nextMessage(warmUp.io);
+    nextMessage(*warmUp.io->inStream());
     warmUp.io->shutdown(/*flush=*/false, /*tellHandler=*/false);
     awaitEnd(warmUp.pid);
-    const int before = countDescriptors();
+    const int before = plat::openDescriptors();
 
     LaunchWithPipe::Process child = LaunchWithPipe::launch(launched());
     EXPECT_EQ(commandLineOf(child.pid), (Words{ChildRoad::program(), launchedWord, "3"}));
-    const std::string hello = nextMessage(child.io);
+    const std::string hello = nextMessage(*child.io->inStream());
     EXPECT_EQ(hello.rfind("|hello|" + std::to_string(child.pid) + "|", 0), 0U) << hello;
     EXPECT_NE(hello.find("|||0 1 2 3"), std::string::npos) << hello;
     EXPECT_EQ(hello.size(), hello.find("|0 1 2 3") + 8) << hello;
     EXPECT_EQ(echoed(child.io, "hi"), "|echoed|hi");
     child.io->shutdown(/*flush=*/false, /*tellHandler=*/false);
     awaitEnd(child.pid);
-    EXPECT_EQ(countDescriptors(), before);
+    EXPECT_EQ(plat::openDescriptors(), before);
     close(leaky);
 }
 
@@ -214,26 +194,15 @@ TEST_F(LaunchPipeTest, ThePairsNumberGivesWayToOthersThatAreKept) {
     cfg.keptFds = {{other, 4}, {other, 3}};
     LaunchWithPipe::Process child = LaunchWithPipe::launch(cfg);
     EXPECT_EQ(commandLineOf(child.pid).back(), "5");
-    EXPECT_NE(nextMessage(child.io).find("|0 1 2 3 4 5"), std::string::npos);
+    EXPECT_NE(nextMessage(*child.io->inStream()).find("|0 1 2 3 4 5"), std::string::npos);
     child.io->shutdown(/*flush=*/false, /*tellHandler=*/false);
     close(other);
-}
-
-TEST_F(LaunchPipeTest, ADetachedChildOutlivesTheProcessThatWasStarted) {
-    LaunchConfig cfg = launched();
-    cfg.detach = true;
-    LaunchWithPipe::Process child = LaunchWithPipe::launch(cfg);
-    awaitEnd(child.pid);
-    const std::string hello = nextMessage(child.io);
-    EXPECT_EQ(hello.find("|hello|" + std::to_string(child.pid) + "|"), std::string::npos) << hello;
-    EXPECT_EQ(echoed(child.io, "still here"), "|echoed|still here");
-    child.io->shutdown(/*flush=*/false, /*tellHandler=*/false);
 }
 
 TEST_F(LaunchPipeTest, AProgramThatIsNotThereLeavesNothingBehind) {
     LaunchConfig cfg;
     cfg.args = {"/nonexistent/core"};
-    const int before = countDescriptors();
+    const int before = plat::openDescriptors();
     for (const bool byName : {false, true}) {
         try {
             if (byName)
@@ -245,7 +214,7 @@ TEST_F(LaunchPipeTest, AProgramThatIsNotThereLeavesNothingBehind) {
             EXPECT_STREQ(failure.what(), "/nonexistent/core does not exist or is not executable");
         }
     }
-    EXPECT_EQ(countDescriptors(), before);
+    EXPECT_EQ(plat::openDescriptors(), before);
     EXPECT_TRUE(sockets().empty());
 }
 
@@ -412,7 +381,7 @@ TEST_F(LaunchPipeTest, WithForkTheChildHasFiveSecondsAfterItsLauncherEnded) {
 }
 
 TEST_F(LaunchPipeTest, AWaitThatIsGivenUpEndsTheProcess) {
-    TempDir dir;
+    plat::TempDir dir;
     start(shell(("echo $$ > " + (dir / "pid") + "; exec sleep 100").c_str()));
     std::string pid;
     for (int i = 0; i < 500 && pid.find('\n') == std::string::npos; ++i) {
@@ -425,34 +394,28 @@ TEST_F(LaunchPipeTest, AWaitThatIsGivenUpEndsTheProcess) {
     EXPECT_TRUE(sockets().empty());
 }
 
-/// Makes a program in a directory that a test's PATH or ElevateCmd names.
-void writeProgram(const std::string& path, const std::string& script) {
-    plat::writeTextFile(path, "#!/bin/sh\n" + script + "\n");
-    chmod(path.c_str(), 0755);
-}
-
 /// What launch() does with a way to root of this kind, for a user who needs one.
 std::string elevated(const std::string& script, bool singleArg, int timeoutMs) {
     AppInfo::setPathComp(plat::strFormat("zeftest%d", getpid()).c_str());
     io::FdSelectManager mgr(/*nested=*/true);
-    TempDir dir;
+    plat::TempDir dir;
     const std::string program = dir / "elevator";
-    writeProgram(program, script);
+    plat::writeProgram(program, script);
     plat::Configuration::global().set("ElevateCmd", (program + " -x").c_str());
     plat::Configuration::global().set("ElevateCmdSingleArg", singleArg ? "1" : "0");
     LaunchConfig cfg = launched();
     cfg.elevate = true;
-    const int before = countDescriptors();
+    const int before = plat::openDescriptors();
     std::string result;
     try {
         const LaunchWithPipe::Process child = LaunchWithPipe::launch(cfg, timeoutMs);
-        nextMessage(child.io);
+        nextMessage(*child.io->inStream());
         result = echoed(child.io, "up");
         child.io->shutdown(/*flush=*/false, /*tellHandler=*/false);
     } catch (const plat::Exception& failure) {
         result = failure.describe().c_str();
         ProcessMonitor::instance().attach();
-        EXPECT_LE(countDescriptors(), before + 2) << "the monitor's pipe, no more";
+        EXPECT_LE(plat::openDescriptors(), before + 2) << "the monitor's pipe, no more";
     }
     if (const std::string pid = plat::readTextFile(dir / "pid"); pid != "<none>") {
         for (int i = 0; i < 500 && !hasEnded(std::stoi(pid)); ++i) {

@@ -77,6 +77,15 @@ const ChildRoad launchedRoad(launchedWord, runLaunched);
 
 } // namespace
 
+std::string nextMessage(rdr::InStream& in) {
+    std::string bytes(in.readU16() & 0x7fffU, '\0');
+    in.readBytes(bytes.data(), bytes.size());
+    std::string all;
+    for (size_t at = 0; at < bytes.size(); at += 1 + static_cast<uint8_t>(bytes[at]))
+        all += "|" + bytes.substr(at + 1, static_cast<uint8_t>(bytes[at]));
+    return all;
+}
+
 Child::Child(const std::vector<std::string>& args, int input) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) < 0)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "os/test/ChildRoad.h"
+#include "rdr/InStream.h"
 
 #include <string>
 #include <sys/types.h>
@@ -13,6 +14,9 @@ namespace os {
 /// session, "dummy" or "", the words that are left, its open descriptors) and "echoed" (string8) for each "echo". At
 /// the end of the link it exits with 0, on a failure with 1 and the failure on stderr.
 constexpr const char* launchedWord = "-launched";
+
+/// One message of the child: its fields, the name first, each behind a "|". Blocks.
+std::string nextMessage(rdr::InStream& in);
 
 /// A running program, its error stream in a pipe.
 class Child {

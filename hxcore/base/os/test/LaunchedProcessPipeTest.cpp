@@ -3,7 +3,6 @@
 #include "os/UnixIo.h"
 #include "os/launchArgs.h"
 #include "os/test/LaunchedChild.h"
-#include "os/test/TempDir.h"
 #include "plat/Exception.h"
 #include "plat/encodings.h"
 #include "plat/test/TempDir.h"
@@ -124,19 +123,9 @@ public:
     int connected = -1;
 
 private:
-    TempDir dir;
+    plat::TempDir dir;
     int listening = -1;
 };
-
-/// One message of the child: its fields, the name first, each behind a "|".
-std::string nextMessage(rdr::InStream& in) {
-    std::string all;
-    std::string bytes(in.readU16() & 0x7fffU, '\0');
-    in.readBytes(bytes.data(), bytes.size());
-    for (size_t at = 0; at < bytes.size(); at += 1 + static_cast<uint8_t>(bytes[at]))
-        all += "|" + bytes.substr(at + 1, static_cast<uint8_t>(bytes[at]));
-    return all;
-}
 
 const std::string echoMessage = std::string("\x80\x08", 2) + "\x04"
                                                              "echo"
@@ -228,7 +217,7 @@ TEST(LaunchedProcessPipe, WithForkItGoesOnInASessionOfItsOwn) {
 }
 
 TEST(LaunchedProcessPipe, AConnectionThatIsNotThereIsAnError) {
-    const TempDir dir;
+    const plat::TempDir dir;
     const struct {
         std::string word;
         std::string failure;
@@ -255,7 +244,7 @@ protected:
         return fstat(target, &info) == 0 && S_ISCHR(info.st_mode);
     }
 
-    TempDir dir;
+    plat::TempDir dir;
     std::string path = dir / "log";
     int target;
 };

@@ -4,12 +4,13 @@
 #include "os/NamedPipeListener.h"
 #include "os/PipeNameScoped.h"
 #include "os/UnixIo.h"
-#include "os/test/TempDir.h"
+#include "os/test/ordinaryUser.h"
 #include "plat/ConfigParameter.h"
 #include "plat/Configuration.h"
 #include "plat/Exception.h"
 #include "plat/test/FailingCalls.h"
 #include "plat/test/FakeClock.h"
+#include "plat/test/TempDir.h"
 
 #include <gtest/gtest.h>
 
@@ -30,8 +31,6 @@
 
 namespace os {
 namespace {
-
-constexpr uid_t otherUser = 65534; // "nobody"
 
 class Acceptor : public io::IoAcceptor {
 public:
@@ -85,7 +84,7 @@ protected:
     plat::FakeClock clock;
     io::FdSelectManager mgr{/*nested=*/true}; // the process has one once an AppLoop was made
     std::string scoped;
-    TempDir dir;
+    plat::TempDir dir;
 };
 
 TEST_F(LocalSocketTest, NamesHoldUserAppPidAndCounter) {
@@ -189,13 +188,8 @@ TEST_F(LocalSocketTest, AnInheritedTcpSocketKnowsItsAddresses) {
 TEST_F(LocalSocketTest, ANameInUseIsRefusedUnlessTakenOver) {
     const std::string path = dir / "s";
     auto first = std::make_unique<NamedPipeListener>(path.c_str());
-    try {
-        NamedPipeListener second(path.c_str());
-        FAIL() << "bound twice";
-    } catch (const plat::SystemException& failure) {
-        EXPECT_EQ(failure.errNo, EADDRINUSE);
-        EXPECT_EQ(std::string(failure.what()).rfind("name already bound: ", 0), 0u);
-    }
+    EXPECT_EQ(plat::whatOf([&] { NamedPipeListener second(path.c_str()); }).rfind("name already bound: ", 0), 0u);
+    EXPECT_EQ(plat::errorOf([&] { NamedPipeListener second(path.c_str()); }), EADDRINUSE);
     NamedPipeListener::Options options;
     options.takeOver = true;
     NamedPipeListener taker(path.c_str(), options);
@@ -308,14 +302,14 @@ TEST_F(LocalSocketTest, AStrangerWhoGetsThroughIsRefusedAtAccept) {
         options.openToAll = openToAll;
         NamedPipeListener listener(path.c_str(), options);
         EXPECT_EQ(statOf(path).st_mode & 0777, openToAll ? 0666u : 0600u);
-        chmod(dir.path.c_str(), 0711); // as though somebody had opened the way
+        chmod(dir.root.c_str(), 0711); // as though somebody had opened the way
         chmod(path.c_str(), 0666);
         Acceptor acceptor;
         listener.setAcceptor(&acceptor);
         EXPECT_EQ(asUser(otherUser, [&path] { return connectUnixSocket(path.c_str()) < 0; }), 0);
         rounds();
         EXPECT_EQ(acceptor.ios.size(), openToAll ? 1u : 0u);
-        chmod(dir.path.c_str(), 0700);
+        chmod(dir.root.c_str(), 0700);
     }
 }
 

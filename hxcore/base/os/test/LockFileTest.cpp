@@ -1,9 +1,10 @@
 #include "os/LockFile.h"
 
-#include "os/test/TempDir.h"
 #include "os/test/TestChild.h"
 #include "os/test/ordinaryUser.h"
 #include "plat/Exception.h"
+#include "plat/test/TempDir.h"
+#include "plat/test/thrown.h"
 
 #include <gtest/gtest.h>
 
@@ -19,22 +20,17 @@
 namespace os {
 namespace {
 
-int errorOf(const std::string& path) {
-    try {
-        LockFile lock(path.c_str());
-    } catch (const plat::SystemException& failure) {
-        return failure.errNo;
-    }
-    return 0;
+int lockError(const std::string& path) {
+    return plat::errorOf([&path] { LockFile lock(path.c_str()); });
 }
 
 TEST(LockFile, HoldsTheProcessIdAndIsThereOnce) {
-    const TempDir dir;
+    const plat::TempDir dir;
     const std::string path = dir / "lock";
     {
         const LockFile lock(path.c_str());
         EXPECT_EQ(readText(path), std::to_string(getpid()) + "\n");
-        EXPECT_EQ(errorOf(path), EEXIST);
+        EXPECT_EQ(lockError(path), EEXIST);
         EXPECT_EQ(readText(path), std::to_string(getpid()) + "\n") << "the first one's is untouched";
         plat::inChild([] {}); // which destroys nothing of ours
         EXPECT_EQ(access(path.c_str(), F_OK), 0);
@@ -42,13 +38,13 @@ TEST(LockFile, HoldsTheProcessIdAndIsThereOnce) {
     EXPECT_NE(access(path.c_str(), F_OK), 0);
 
     ASSERT_EQ(symlink((dir / "elsewhere").c_str(), path.c_str()), 0);
-    EXPECT_EQ(errorOf(path), EEXIST) << "not through a link";
+    EXPECT_EQ(lockError(path), EEXIST) << "not through a link";
     EXPECT_NE(access((dir / "elsewhere").c_str(), F_OK), 0);
-    EXPECT_EQ(errorOf(dir / "none/lock"), ENOENT);
+    EXPECT_EQ(lockError(dir / "none/lock"), ENOENT);
 }
 
 TEST(LockFile, RemovesOnlyItsOwn) {
-    const TempDir dir;
+    const plat::TempDir dir;
     const std::string path = dir / "lock";
     {
         const LockFile lock(path.c_str());
@@ -64,17 +60,13 @@ TEST(LockFile, RemovesOnlyItsOwn) {
 }
 
 TEST(LockFile, LeavesNothingWhenItCantBeWritten) {
-    const TempDir dir;
+    const plat::TempDir dir;
     plat::inChild([&dir] {
         signal(SIGXFSZ, SIG_IGN);
         const rlimit none{0, 0};
         setrlimit(RLIMIT_FSIZE, &none);
-        try {
-            LockFile lock((dir / "lock").c_str());
-            ADD_FAILURE() << "written";
-        } catch (const plat::Exception& failure) {
-            EXPECT_STREQ(failure.what(), "Failed to write lockfile contents: File too large");
-        }
+        EXPECT_EQ(plat::whatOf([&] { LockFile lock((dir / "lock").c_str()); }),
+                  "Failed to write lockfile contents: File too large");
         EXPECT_NE(access((dir / "lock").c_str(), F_OK), 0);
     });
 }

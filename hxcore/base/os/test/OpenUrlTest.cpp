@@ -2,9 +2,9 @@
 #include "io/FdSelectManager.h"
 #include "os/LinkCbOpenUrl.h"
 #include "os/ProcessMonitor.h"
-#include "os/test/TempDir.h"
 #include "os/test/ordinaryUser.h"
 #include "plat/test/CapturedLog.h"
+#include "plat/test/TempDir.h"
 
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ public:
         EXPECT_EQ(mkfifo((dir / "out").c_str(), 0600), 0);
         script("ls /proc/$$/fd | tr '\\n' ' ' > " + (dir / "fds") + "\nprintf '%s|%s' \"$#\" \"$1\" > " +
                (dir / "out"));
-        setenv("PATH", (dir.path + ":/usr/bin:/bin").c_str(), 1);
+        setenv("PATH", (dir.root + ":/usr/bin:/bin").c_str(), 1);
     }
     void script(const std::string& body, const char* interpreter = "#!/bin/sh\n") {
         std::ofstream(dir / "xdg-open") << interpreter << body << "\n";
@@ -47,7 +47,7 @@ public:
 
     io::FdSelectManager loop{/*nested=*/true};
     plat::CapturedLog log;
-    TempDir dir;
+    plat::TempDir dir;
 };
 
 TEST(OpenUrl, GivesTheAddressAsOneArgumentAndNothingElse) {
@@ -84,8 +84,8 @@ TEST(OpenUrl, TakesOnlyAddressesOfTheWebAndMail) {
 TEST(OpenUrl, OpensFoldersThatAreThere) {
     asOrdinaryUser([] {
         Desktop desktop;
-        EXPECT_TRUE(openFolder(desktop.dir.path.c_str()));
-        EXPECT_EQ(desktop.given(), "1|" + desktop.dir.path);
+        EXPECT_TRUE(openFolder(desktop.dir.root.c_str()));
+        EXPECT_EQ(desktop.given(), "1|" + desktop.dir.root);
         for (const char* path : {"", ".", "-x", "/nonexistent/folder", "/etc/passwd"})
             EXPECT_FALSE(openFolder(path)) << path;
         EXPECT_FALSE(openFolder(nullptr));
@@ -104,7 +104,7 @@ TEST(OpenUrl, TellsWhenTheOpenerIsMissingOrBroken) {
         EXPECT_TRUE(desktop.hasLogged("10 OpenUrl: xdg-open ended with status 4"));
         setenv("PATH", (desktop.dir / "empty").c_str(), 1);
         EXPECT_FALSE(openUrl("https://x"));
-        ASSERT_EQ(chdir(desktop.dir.path.c_str()), 0);
+        ASSERT_EQ(chdir(desktop.dir.root.c_str()), 0);
         setenv("PATH", ".:", 1);
         EXPECT_FALSE(openUrl("https://x")) << "not from the working directory";
         ASSERT_EQ(chdir("/"), 0);

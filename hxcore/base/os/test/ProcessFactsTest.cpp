@@ -1,8 +1,8 @@
 #include "os/processFacts.h"
 
-#include "os/test/TempDir.h"
 #include "os/test/ordinaryUser.h"
 #include "plat/Exception.h"
+#include "plat/test/TempDir.h"
 
 #include <gtest/gtest.h>
 
@@ -154,11 +154,11 @@ TEST(ProcessFacts, OfOthersAreNotForUs) {
 }
 
 TEST(ProcessEnumerator, TakesNumbersOnly) {
-    const TempDir dir;
+    const plat::TempDir dir;
     for (const char* name : {"1", "4194304", "0", "-5", "+6", " 7", "8x", "9.", "99999999999", "self"})
         mkdir((dir / name).c_str(), 0700);
     std::vector<pid_t> pids;
-    ProcessEnumerator all(dir.path.c_str());
+    ProcessEnumerator all(dir.root.c_str());
     while (all.next())
         pids.push_back(all.pid());
     EXPECT_FALSE(all.next());

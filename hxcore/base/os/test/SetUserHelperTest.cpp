@@ -3,10 +3,11 @@
 #include "io/FdSelectManager.h"
 #include "os/launchProcess.h"
 #include "os/test/ChildRoad.h"
-#include "os/test/TempDir.h"
 #include "os/test/TestChild.h"
 #include "os/test/ordinaryUser.h"
 #include "plat/Exception.h"
+#include "plat/test/TempDir.h"
+#include "plat/test/thrown.h"
 
 #include <gtest/gtest.h>
 
@@ -33,7 +34,7 @@ struct Outcome {
 /// Runs the test program's helper road on "-tellfacts", in a loop of its own.
 class HelperScene {
 public:
-    HelperScene() { chmod(dir.path.c_str(), 0777); }
+    HelperScene() { chmod(dir.root.c_str(), 0777); }
 
     Outcome run(const Words& words, bool addProgram = true) {
         for (const char* file : {"facts", "errors"})
@@ -56,7 +57,7 @@ public:
     Outcome become(const std::string& user) { return run({setUserHelperWord, user}); }
 
     io::FdSelectManager loop{/*nested=*/true};
-    TempDir dir;
+    plat::TempDir dir;
     Ends ends;
     std::vector<std::pair<plat::String, plat::String>> environment;
 };
@@ -85,12 +86,7 @@ TEST(SetUserHelper, IsOnlyForItsWord) {
         runSetUserHelper(argc, argv);
     argv[1] = word;
     for (const int argc : {2, 3}) {
-        try {
-            runSetUserHelper(argc, argv);
-            ADD_FAILURE() << argc;
-        } catch (const plat::Exception& failure) {
-            EXPECT_STREQ(failure.what(), "setuidhelper: missing argument");
-        }
+        EXPECT_EQ(plat::whatOf([&] { runSetUserHelper(argc, argv); }), "setuidhelper: missing argument");
     }
 }
 
@@ -229,8 +225,8 @@ TEST(SetUserHelper, CarriesTheMarksOfTheSecurityLayers) {
             unlink((scene.dir / "libaudit.so.1").c_str());
             const char* const wrong = noSelinux ? "/libaudit.so.1" : "/libselinux.so.1";
             const char* const name = noSelinux ? "/libselinux.so.1" : "/libaudit.so.1";
-            ASSERT_EQ(symlink((std::string(FAKE_LIBRARIES) + wrong).c_str(), (scene.dir.path + name).c_str()), 0);
-            scene.environment = {{"LD_LIBRARY_PATH", (scene.dir.path + ":" + FAKE_LIBRARIES).c_str()},
+            ASSERT_EQ(symlink((std::string(FAKE_LIBRARIES) + wrong).c_str(), (scene.dir.root + name).c_str()), 0);
+            scene.environment = {{"LD_LIBRARY_PATH", (scene.dir.root + ":" + FAKE_LIBRARIES).c_str()},
                                  {"FAKE_LOG", log.c_str()}};
             EXPECT_EQ(scene.become("1").status, 0);
             EXPECT_EQ(readText(log), noSelinux ? login : context);

@@ -3,6 +3,7 @@
 #include "plat/LogDest.h"
 #include "plat/LogSrc.h"
 #include "plat/test/inChild.h"
+#include "plat/test/thrown.h"
 #include "plat/translate.h"
 
 #include <gtest/gtest.h>
@@ -62,12 +63,7 @@ TEST_F(ConfigurationTest, NamesAreFoundInAnyCaseAndInChildren) {
     EXPECT_FALSE(config.getBinary("other", bytes));
     EXPECT_THROW(config.getBool("Number", true), Exception);
     EXPECT_THROW(config.getBinary("Number", bytes), Exception);
-    try {
-        config.get("other");
-        FAIL();
-    } catch (const Exception& e) {
-        EXPECT_STREQ(e.what(), "Parameter other not found");
-    }
+    EXPECT_EQ(whatOf([&] { config.get("other"); }), "Parameter other not found");
 }
 
 TEST_F(ConfigurationTest, ArgumentsTurnOnOffAndSet) {
@@ -312,13 +308,7 @@ TEST(ConfigurationUsage, AStrictFailureIsTranslated) {
     const FakeTranslator translator;
     Configuration config("Test");
     const char* const args[] = {"oops", nullptr};
-    try {
-        config.setFromArgsStrict(args);
-        FAIL();
-    } catch (const Exception& e) {
-        EXPECT_STREQ(e.what(), "plat_bad_argument<oops>");
-        EXPECT_STREQ(e.type, "BadCmdLineArg");
-    }
+    EXPECT_EQ(whatOf([&] { config.setFromArgsStrict(args); }), "plat_bad_argument<oops>");
 }
 
 TEST(ConfigurationDump, ShowsWhatWasChangedAndWhy) {

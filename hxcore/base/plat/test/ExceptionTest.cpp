@@ -19,17 +19,6 @@ TEST(Exception, CutsTextAtACharacter) {
     EXPECT_EQ(std::string(e.type), std::string(63, 't'));
 }
 
-TEST(Exception, DescribesItselfWithItsType) {
-    EXPECT_EQ(Exception("text").describe(), "text");
-    EXPECT_EQ(Exception("text", "BadCmdLineArg").describe(), "[BadCmdLineArg] text");
-    EXPECT_EQ(TimedOut().describe(), "[TimedOut] Timed out");
-    EXPECT_EQ(ProtocolError("x").describe(), "[ProtocolError] x");
-    EXPECT_EQ(DynamicFnLoadFailed("x").describe(), "[DynamicFnLoadFailed] x");
-    EXPECT_EQ(ExceptionFmt("%s %d", "a", 1).describe(), "a 1");
-    EXPECT_EQ(BadUtf8("bad %s", "name").describe(), "bad name");
-    EXPECT_EQ(BadNum("x").describe(), "x");
-}
-
 TEST(SystemException, TextHasContextErrorAndNumber) {
     const SystemException e("bind", 98);
     EXPECT_STREQ(e.type, "System-98");

@@ -1,8 +1,8 @@
 // System calls that fail, or do less than they could, when a test says so.
 #pragma once
 
-#include "plat/Exception.h"
 #include "plat/NonCopyable.h"
+#include "plat/test/thrown.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -41,17 +41,6 @@ public:
 
     static size_t cut(size_t bytes); ///< for the wrappers
 };
-
-/// The number of the SystemException that `call` throws, or 0.
-template <class Call>
-int errorOf(Call call) {
-    try {
-        call();
-    } catch (const SystemException& e) {
-        return e.errNo;
-    }
-    return 0;
-}
 
 /// To see that none is lost.
 inline int openDescriptors() {

@@ -11,12 +11,8 @@
 #include "plat/test/inChild.h"
 #include "plat/waitForFd.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -128,66 +124,6 @@ TEST_F(FaultTest, ASignalDuringAWaitOrAReadOfRandomBytesEndsNothing) {
     EXPECT_FALSE(Uuid::random().isZero());
     close(ends[0]);
     close(ends[1]);
-}
-
-TEST_F(FaultTest, AnUnreadableDirectoryIsToldAndNothingInItRemoved) {
-    if (geteuid() != 0)
-        GTEST_SKIP() << "needs another user to be refused";
-    mkDir((dir / "sub").c_str());
-    writeTextFile(dir / "sub/kept", "x");
-    chmod((dir / "sub").c_str(), 0300);
-    chmod(dir.root.c_str(), 0777);
-    inChild([this] {
-        ASSERT_EQ(seteuid(65534), 0);
-        EXPECT_EQ(errorOf([this] { rmDir((dir / "sub").c_str(), /*recursive=*/true); }), EACCES);
-        EXPECT_EQ(errorOf([this] { fileReadAll((dir / "sub/kept").c_str()); }), EACCES);
-        EXPECT_EQ(errorOf([this] { fileExists((dir / "sub/kept").c_str()); }), EACCES);
-        ASSERT_EQ(seteuid(0), 0);
-    });
-    EXPECT_EQ(readTextFile(dir / "sub/kept"), "x");
-}
-
-// A file system that is really full fails late and in its own way; only root can make one.
-TEST_F(FaultTest, AFullFileSystemKeepsTheOldFile) {
-    const std::string disk = dir / "disk";
-    mkDir(disk.c_str());
-    const std::string mounted = dir / "mounted";
-    inChild([&] {
-        if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("none", disk.c_str(), "tmpfs", 0, "size=64k") != 0)
-            return;
-        writeTextFile(mounted, "");
-        const std::string file = disk + "/file";
-        writeTextFile(file, "old");
-        const std::string large(100000, 'x');
-        for (int round = 0; round < 3; ++round) {
-            const int errNo = errorOf([&] {
-                TransactedFile replacement(file.c_str());
-                replacement.write(large.data(), large.size());
-                replacement.commit();
-            });
-            EXPECT_EQ(errNo, ENOSPC);
-            EXPECT_EQ(readTextFile(file), "old");
-        }
-        TransactedFile small(file.c_str());
-        small.write(large.data(), 50000); // there is room again
-        small.commit();
-        EXPECT_EQ(fileGetSize(file.c_str()), 50000);
-    });
-    if (!fileExists(mounted.c_str()))
-        GTEST_SKIP() << "no right to mount a small file system";
-}
-
-// A close that fails is told where somebody can decide, and logged where nobody can; the file is closed in any case.
-TEST_F(FaultTest, AFailingCloseIsTold) {
-    const FailingCalls failing("fclose", ENOSPC, 2);
-    FilePtr file(path.c_str(), FileWrite);
-    EXPECT_EQ(errorOf([&file] { file.close(); }), ENOSPC);
-    EXPECT_FALSE(file.isOpen());
-    CapturedLog log;
-    { const FilePtr other(path.c_str()); }
-    EXPECT_EQ(log.lines,
-              std::vector<std::string>({"0 FilePtr: Error closing \"" + path + "\": No space left on device (28)"}));
 }
 
 TEST(ThreadFault, AThreadThatCannotStartMayBeStartedLater) {

@@ -2,6 +2,7 @@
 
 #include "plat/Configuration.h"
 #include "plat/LogSrc.h"
+#include "plat/test/TempDir.h"
 #include "plat/test/inChild.h"
 
 #include <gtest/gtest.h>
@@ -35,12 +36,7 @@ bool matches(const std::string& text, const std::string& pattern) {
     return found;
 }
 
-std::string contents(const fs::path& path) {
-    std::ifstream in(path);
-    std::stringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
+std::string contents(const fs::path& path) { return readTextFile(path); }
 
 void put(const fs::path& path, const std::string& text, const char* changed = nullptr) {
     std::ofstream(path) << text;
@@ -57,8 +53,6 @@ protected:
     LogDestFileTest() : dest("testfile") {
         setenv("TZ", "UTC", 1);
         tzset();
-        std::string name = (fs::temp_directory_path() / "logtestXXXXXX").string();
-        dir = mkdtemp(name.data());
         setDefault("LogDir", (dir / "logs").string());
         setDefault("LogFile", "app.log");
         LogDestFile::setProgramName("prog");
@@ -70,7 +64,6 @@ protected:
         setDefault("LogDir", "");
         setDefault("LogFile", "");
         dest.close();
-        fs::remove_all(dir);
     }
 
     static Configuration& global() { return Configuration::global(); }
@@ -86,7 +79,8 @@ protected:
         return result;
     }
 
-    fs::path dir;
+    TempDir temp;
+    const fs::path dir = temp.root;
     LogDestFile dest;
 };
 

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -32,6 +34,12 @@ inline void writeTextFile(const std::string& path, const std::string& text) {
     ASSERT_NE(file, nullptr);
     std::fwrite(text.data(), 1, text.size(), file);
     std::fclose(file);
+}
+
+/// Makes or replaces a script of /bin/sh that all may run.
+inline void writeProgram(const std::string& path, const std::string& script) {
+    writeTextFile(path, "#!/bin/sh\n" + script + "\n");
+    chmod(path.c_str(), 0755);
 }
 
 /// The file's text, or "<none>".

@@ -2,6 +2,7 @@
 
 #include "plat/Exception.h"
 #include "plat/Uuid.h"
+#include "plat/test/thrown.h"
 
 #include <gtest/gtest.h>
 
@@ -98,31 +99,30 @@ TEST(Time, ParsesIso8601) {
 }
 
 TEST(Time, RefusesFieldsOutOfRange) {
-    const char* bad[] = {nullptr,
-                         "",
-                         "2024",
-                         "2024-02-30T00:00:00Z",
-                         "2023-02-29T00:00:00Z",
-                         "1900-02-29T00:00:00Z",
-                         "2024-00-01T00:00:00Z",
-                         "2024-13-01T00:00:00Z",
-                         "2024-01-00T00:00:00Z",
-                         "2024-01-01T24:00:00Z",
-                         "2024-01-01T00:60:00Z",
-                         "2024-01-01T00:00:61Z",
-                         "2024-01-01T00:00:00",
-                         "2024-01-01 00:00:00Z",
-                         "2024-1-01T00:00:00Z",
-                         "2024-01-01T00:00:00.Z",
-                         "2024-01-01T00:00:00.1234567890123Z",
-                         "2024-01-01T00:00:00Zx",
-                         "2024-01-01T00:00:00+24:00",
-                         "2024-01-01T00:00:00+01:60",
-                         "2024-01-01T00:00:00+0100",
-                         "-024-01-01T00:00:00Z",
-                         "2024-01-01T00:00Z"};
     Time t(42);
-    for (const char* text : bad)
+    for (const char* text : {static_cast<const char*>(nullptr),
+                             "",
+                             "2024",
+                             "2024-02-30T00:00:00Z",
+                             "2023-02-29T00:00:00Z",
+                             "1900-02-29T00:00:00Z",
+                             "2024-00-01T00:00:00Z",
+                             "2024-13-01T00:00:00Z",
+                             "2024-01-00T00:00:00Z",
+                             "2024-01-01T24:00:00Z",
+                             "2024-01-01T00:60:00Z",
+                             "2024-01-01T00:00:61Z",
+                             "2024-01-01T00:00:00",
+                             "2024-01-01 00:00:00Z",
+                             "2024-1-01T00:00:00Z",
+                             "2024-01-01T00:00:00.Z",
+                             "2024-01-01T00:00:00.1234567890123Z",
+                             "2024-01-01T00:00:00Zx",
+                             "2024-01-01T00:00:00+24:00",
+                             "2024-01-01T00:00:00+01:60",
+                             "2024-01-01T00:00:00+0100",
+                             "-024-01-01T00:00:00Z",
+                             "2024-01-01T00:00Z"})
         EXPECT_FALSE(parseIso8601(text, &t)) << (text ? text : "null");
     EXPECT_EQ(t.ticks, 42);
 }
@@ -172,19 +172,7 @@ TEST(Uuid, ParsesHyphensBeforeAnyPair) {
     EXPECT_TRUE(kept.parse(nullptr));
     EXPECT_TRUE(kept.isZero());
     EXPECT_TRUE(kept.parse(""));
-    try {
-        const Uuid thrown("zz");
-        FAIL();
-    } catch (const Exception& e) {
-        EXPECT_STREQ(e.what(), "Invalid Uuid 'zz'");
-    }
-}
-
-TEST(Uuid, RandomOnesAreOfVersionFour) {
-    const Uuid id = Uuid::random();
-    EXPECT_EQ(id.bytes[6] >> 4, 4);
-    EXPECT_EQ(id.bytes[8] >> 6, 2);
-    EXPECT_NE(id, Uuid::random());
+    EXPECT_EQ(whatOf([&] { const Uuid thrown("zz"); }), "Invalid Uuid 'zz'");
 }
 
 TEST(UuidSet, IsSortedAndJoinedByCommas) {

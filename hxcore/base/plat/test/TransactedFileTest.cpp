@@ -4,6 +4,7 @@
 #include "plat/test/CapturedLog.h"
 #include "plat/test/TempDir.h"
 #include "plat/test/inChild.h"
+#include "plat/test/thrown.h"
 
 #include <gtest/gtest.h>
 
@@ -20,16 +21,6 @@
 
 namespace plat {
 namespace {
-
-template <class Call>
-std::string thrownText(Call call) {
-    try {
-        call();
-    } catch (const Exception& e) {
-        return e.what();
-    }
-    return "";
-}
 
 class TransactedFileTest : public testing::Test {
 protected:
@@ -147,16 +138,16 @@ TEST_F(TransactedFileTest, FullDiskLeavesTheOldFile) {
         {
             TransactedFile file(path.c_str());
             file.write("y", 1);
-            EXPECT_EQ(thrownText([&] { file.write(text.data(), text.size()); }),
+            EXPECT_EQ(whatOf([&] { file.write(text.data(), text.size()); }),
                       "writing to file failed: File too large (27)");
-            EXPECT_EQ(thrownText([&] { file.commit(); }), "writing to file failed: Input/output error (5)");
+            EXPECT_EQ(whatOf([&] { file.commit(); }), "writing to file failed: Input/output error (5)");
             EXPECT_FALSE(tmpExists());
         }
         std::vector<char> roomy(1 << 20);
         TransactedFile buffered(path.c_str());
         setvbuf(buffered.get(), roomy.data(), _IOFBF, roomy.size());
         buffered.write(text.data(), text.size());
-        EXPECT_EQ(thrownText([&] { buffered.commit(); }), "writing to file failed: File too large (27)");
+        EXPECT_EQ(whatOf([&] { buffered.commit(); }), "writing to file failed: File too large (27)");
         limit.rlim_cur = RLIM_INFINITY; // a coverage build writes its counts at exit
         setrlimit(RLIMIT_FSIZE, &limit);
     });

@@ -4,6 +4,7 @@
 #include "plat/Splitter.h"
 #include "plat/encodings.h"
 #include "plat/numbers.h"
+#include "plat/test/thrown.h"
 
 #include <gtest/gtest.h>
 
@@ -151,23 +152,13 @@ TEST(Numbers, InRangeTakesTheWholeText) {
     EXPECT_EQ(value, 32);
 }
 
-template <class Call>
-std::string thrownText(Call call) {
-    try {
-        call();
-    } catch (const Exception& e) {
-        return e.what();
-    }
-    return "nothing thrown";
-}
-
 TEST(Numbers, ThrowingFormsSayWhatFailed) {
     const char* pos = "x";
-    EXPECT_EQ(thrownText([&] { readInt(&pos); }), "Failed to parse integer");
-    EXPECT_EQ(thrownText([&] { readS64(&pos); }), "Failed to parse S64 integer");
-    EXPECT_EQ(thrownText([&] { readU64(&pos); }), "Failed to parse U64 integer");
-    EXPECT_EQ(thrownText([&] { readUInt(&pos, 10, "Bad port"); }), "Bad port");
-    EXPECT_EQ(thrownText([&] { readIntInRange("9", 1, 8); }), "Failed to parse integer");
+    EXPECT_EQ(whatOf([&] { readInt(&pos); }), "Failed to parse integer");
+    EXPECT_EQ(whatOf([&] { readS64(&pos); }), "Failed to parse S64 integer");
+    EXPECT_EQ(whatOf([&] { readU64(&pos); }), "Failed to parse U64 integer");
+    EXPECT_EQ(whatOf([&] { readUInt(&pos, 10, "Bad port"); }), "Bad port");
+    EXPECT_EQ(whatOf([&] { readIntInRange("9", 1, 8); }), "Failed to parse integer");
     EXPECT_EQ(readIntInRange("8", 1, 8), 8);
 }
 
@@ -187,7 +178,7 @@ TEST(Encodings, Hex) {
     EXPECT_EQ(fixed[1], 1);
     EXPECT_FALSE(hexToBin("ab0102", sizeof(fixed), fixed));
     EXPECT_FALSE(hexToBin("ab", sizeof(fixed), fixed));
-    EXPECT_EQ(thrownText([] { hexToBinOrThrow("xy"); }), "Bad hex string");
+    EXPECT_EQ(whatOf([] { hexToBinOrThrow("xy"); }), "Bad hex string");
 }
 
 // The vectors of RFC 4648 section 10.
@@ -216,7 +207,7 @@ TEST(Encodings, Percent) {
     EXPECT_EQ(percentEncode("a b/", "/"), "a%20b/");
     EXPECT_EQ(percentDecode("a%20b%2f%C3%A4"), "a b/\xc3\xa4");
     for (const char* bad : {"%", "%2", "%2g", "%00"})
-        EXPECT_EQ(thrownText([&] { percentDecode(bad); }), "Bad percent encoding") << bad;
+        EXPECT_EQ(whatOf([&] { percentDecode(bad); }), "Bad percent encoding") << bad;
 }
 
 } // namespace

@@ -5,18 +5,17 @@
 #include "plat/test/CapturedLog.h"
 #include "plat/test/TempDir.h"
 #include "plat/test/inChild.h"
+#include "plat/test/thrown.h"
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <filesystem>
-#include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
+#include <functional>
 #include <string>
 
 namespace plat {
@@ -45,52 +44,39 @@ private:
     mode_t old;
 };
 
-template <class Call>
-int thrownErrno(Call call) {
-    try {
-        call();
-    } catch (const SystemException& e) {
-        return e.errNo;
-    }
-    return 0;
-}
-
-template <class Call>
-std::string thrownText(Call call) {
-    try {
-        call();
-    } catch (const Exception& e) {
-        return e.what();
-    }
-    return "nothing thrown";
-}
-
 TEST_F(FileTest, FailuresNameTheFunctionAndThePath) {
     const std::string none = path("none");
-    const std::string tail = ": No such file or directory (2)";
     const char* p = none.c_str();
-    EXPECT_EQ(thrownText([&] { fileGetSize(p); }), "fileGetSize(" + none + ")" + tail);
-    EXPECT_EQ(thrownText([&] { fileGetTime(p); }), "fileGetTime(" + none + ")" + tail);
-    EXPECT_EQ(thrownText([&] { fileSetTime(p, Time::now()); }), "fileSetTime(" + none + ")" + tail);
-    EXPECT_EQ(thrownText([&] { fileRemove(p); }), "fileRemove(" + none + ")" + tail);
-    EXPECT_EQ(thrownText([&] { fileRename(p, "x"); }), "fileRename(" + none + ",x)" + tail);
-    EXPECT_EQ(thrownText([&] { fileOpenFd(p, O_RDONLY); }), "fileOpenFd(" + none + ")" + tail);
-    EXPECT_EQ(thrownText([&] { fileMakePrivate(p); }), "fileOpenFd(" + none + ")" + tail);
-    EXPECT_EQ(thrownText([&] { fileMakeSticky(p); }), "fileMakeSticky(" + none + ")" + tail);
-    EXPECT_EQ(thrownText([&] { fileCopyPerms(p, 0); }), "fileCopyPerms(" + none + ")" + tail);
-    EXPECT_EQ(thrownText([&] { mkDir((none + "/a").c_str()); }), "mkDir(" + none + "/a)" + tail);
-    EXPECT_EQ(thrownText([&] { rmDir(p); }), "rmDir(" + none + ")" + tail);
-    EXPECT_EQ(thrownText([&] { rmDir(p, /*recursive=*/true); }), "rmDir(" + none + ")" + tail);
-    EXPECT_EQ(thrownText([&] { fileTruncate(-1, 0); }), "fileTruncate(-1): Bad file descriptor (9)");
-    EXPECT_EQ(thrownErrno([&] { fileTell(-1); }), EBADF);
-    EXPECT_EQ(thrownErrno([&] { fileSeek(-1, 0); }), EBADF);
-    EXPECT_EQ(thrownErrno([&] { fileLock(-1); }), EBADF);
-    EXPECT_EQ(thrownErrno([&] { fileTryLock(-1); }), EBADF);
-    EXPECT_EQ(thrownErrno([&] { fileUnlock(-1); }), EBADF);
+    const struct {
+        std::string text;
+        std::function<void()> call;
+    } rows[] = {
+        {"fileGetSize(" + none, [&] { fileGetSize(p); }},
+        {"fileGetTime(" + none, [&] { fileGetTime(p); }},
+        {"fileSetTime(" + none, [&] { fileSetTime(p, Time::now()); }},
+        {"fileRemove(" + none, [&] { fileRemove(p); }},
+        {"fileRename(" + none + ",x", [&] { fileRename(p, "x"); }},
+        {"fileOpenFd(" + none, [&] { fileOpenFd(p, O_RDONLY); }},
+        {"fileOpenFd(" + none, [&] { fileMakePrivate(p); }},
+        {"fileMakeSticky(" + none, [&] { fileMakeSticky(p); }},
+        {"fileCopyPerms(" + none, [&] { fileCopyPerms(p, 0); }},
+        {"mkDir(" + none + "/a", [&] { mkDir((none + "/a").c_str()); }},
+        {"rmDir(" + none, [&] { rmDir(p); }},
+        {"rmDir(" + none, [&] { rmDir(p, /*recursive=*/true); }},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(whatOf(row.call), row.text + "): No such file or directory (2)");
+    for (const std::function<void()>& call : {std::function<void()>([] { fileTruncate(-1, 0); }),
+                                              {[] { fileTell(-1); }},
+                                              {[] { fileSeek(-1, 0); }},
+                                              {[] { fileLock(-1); }},
+                                              {[] { fileTryLock(-1); }},
+                                              {[] { fileUnlock(-1); }}})
+        EXPECT_EQ(errorOf(call), EBADF);
     EXPECT_FALSE(fileRemove(p, /*mayBeMissing=*/true));
     EXPECT_FALSE(fileExists(p));
     EXPECT_FALSE(fileExists(nullptr));
-    EXPECT_EQ(thrownErrno([&] { fileExists(std::string(5000, 'x').c_str()); }), ENAMETOOLONG);
+    EXPECT_EQ(errorOf([&] { fileExists(std::string(5000, 'x').c_str()); }), ENAMETOOLONG);
 }
 
 TEST_F(FileTest, TimesSizesAndNames) {
@@ -106,8 +92,8 @@ TEST_F(FileTest, TimesSizesAndNames) {
     EXPECT_FALSE(fileExists((path("b") + "/below").c_str()));
     EXPECT_EQ(fileReadAll(path("b").c_str()), "hello");
     EXPECT_EQ(fileReadAll(path("b").c_str(), 5), "hello");
-    EXPECT_EQ(thrownErrno([&] { fileReadAll(path("b").c_str(), 4); }), EFBIG);
-    EXPECT_EQ(thrownErrno([&] { fileReadAll(dir.root.c_str()); }), EISDIR);
+    EXPECT_EQ(errorOf([&] { fileReadAll(path("b").c_str(), 4); }), EFBIG);
+    EXPECT_EQ(errorOf([&] { fileReadAll(dir.root.c_str()); }), EISDIR);
     EXPECT_TRUE(fileRemove(path("b").c_str()));
 }
 
@@ -123,7 +109,7 @@ TEST_F(FileTest, DescriptorsCloseOnExecAndSeek) {
     EXPECT_FALSE(fileIsSameAsFd(path("link").c_str(), fd));
     fileRename(path("f").c_str(), path("g").c_str());
     EXPECT_FALSE(fileIsSameAsFd(path("f").c_str(), fd));
-    EXPECT_EQ(thrownErrno([&] { fileIsSameAsFd(std::string(5000, 'x').c_str(), fd); }), ENAMETOOLONG);
+    EXPECT_EQ(errorOf([&] { fileIsSameAsFd(std::string(5000, 'x').c_str(), fd); }), ENAMETOOLONG);
     close(fd);
 }
 
@@ -141,35 +127,6 @@ TEST_F(FileTest, LocksExcludeOtherDescriptors) {
     close(second);
 }
 
-int lockHolder = -1;
-int alarms = 0;
-
-void releaseOnThirdAlarm(int) {
-    if (++alarms == 3)
-        flock(lockHolder, LOCK_UN);
-}
-
-TEST_F(FileTest, SignalsDoNotEndTheWaitForALock) {
-    const std::string f = path("lock");
-    lockHolder = fileOpenFd(f.c_str(), O_RDWR | O_CREAT);
-    const int waiter = fileOpenFd(f.c_str(), O_RDWR);
-    fileLock(lockHolder);
-    alarms = 0;
-    struct sigaction action {};
-    action.sa_handler = releaseOnThirdAlarm; // without SA_RESTART
-    sigaction(SIGALRM, &action, nullptr);
-    const itimerval every{{0, 1000}, {0, 1000}};
-    setitimer(ITIMER_REAL, &every, nullptr);
-    fileLock(waiter);
-    const itimerval off{};
-    setitimer(ITIMER_REAL, &off, nullptr);
-    signal(SIGALRM, SIG_DFL);
-    EXPECT_GE(alarms, 3);
-    EXPECT_FALSE(fileTryLock(lockHolder));
-    close(lockHolder);
-    close(waiter);
-}
-
 TEST_F(FileTest, AnotherUsersThingsAreRefused) {
     if (geteuid() != 0)
         GTEST_SKIP() << "only root can make another user's files";
@@ -183,13 +140,13 @@ TEST_F(FileTest, AnotherUsersThingsAreRefused) {
     chmod(path("theirs").c_str(), 0755);
     inChild([this] {
         ASSERT_EQ(seteuid(12345), 0);
-        EXPECT_EQ(thrownErrno([&] { mkDir(path("theirs").c_str(), /*isPrivate=*/true, /*fixPerms=*/true); }), EPERM);
-        EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(path("otherFile").c_str(), O_RDWR | O_TRUNC); }), EPERM);
+        EXPECT_EQ(errorOf([&] { mkDir(path("theirs").c_str(), /*isPrivate=*/true, /*fixPerms=*/true); }), EPERM);
+        EXPECT_EQ(errorOf([&] { fileOpenOwnFd(path("otherFile").c_str(), O_RDWR | O_TRUNC); }), EPERM);
         EXPECT_EQ(readTextFile(path("otherFile")), "other");
         close(fileOpenOwnFd(path("rootFile").c_str(), O_RDONLY)); // root's are trusted
-        EXPECT_EQ(thrownErrno([&] { fileMakePrivate(path("otherFile").c_str()); }), EPERM);
-        EXPECT_EQ(thrownErrno([&] { fileMakeSticky(path("theirs").c_str()); }), EPERM);
-        EXPECT_EQ(thrownErrno([&] { rmDir(path("theirs").c_str(), /*recursive=*/true); }), EACCES);
+        EXPECT_EQ(errorOf([&] { fileMakePrivate(path("otherFile").c_str()); }), EPERM);
+        EXPECT_EQ(errorOf([&] { fileMakeSticky(path("theirs").c_str()); }), EPERM);
+        EXPECT_EQ(errorOf([&] { rmDir(path("theirs").c_str(), /*recursive=*/true); }), EACCES);
         mkDirMatchParent(path("ours").c_str());
         EXPECT_EQ(modeOf("ours"), 0777u);
         ASSERT_EQ(seteuid(0), 0);
@@ -205,15 +162,15 @@ TEST_F(FileTest, OwnFilesAreNoLinksPipesOrDirectories) {
     close(fd);
     writeTextFile(f, "text");
     std::filesystem::create_symlink(f.c_str(), path("link").c_str());
-    EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(path("link").c_str(), O_WRONLY | O_TRUNC); }), ELOOP);
+    EXPECT_EQ(errorOf([&] { fileOpenOwnFd(path("link").c_str(), O_WRONLY | O_TRUNC); }), ELOOP);
     EXPECT_EQ(readTextFile(f), "text");
     close(fileOpenOwnFd(f.c_str(), O_WRONLY | O_TRUNC));
     EXPECT_EQ(readTextFile(f), "");
     ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
-    EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(path("fifo").c_str(), O_RDONLY); }), EPERM);
-    EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(path("fifo").c_str(), O_WRONLY); }), ENXIO); // and doesn't wait
-    EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd(dir.root.c_str(), O_RDONLY); }), EPERM);
-    EXPECT_EQ(thrownErrno([&] { fileOpenOwnFd("/dev/null", O_RDONLY); }), EPERM);
+    EXPECT_EQ(errorOf([&] { fileOpenOwnFd(path("fifo").c_str(), O_RDONLY); }), EPERM);
+    EXPECT_EQ(errorOf([&] { fileOpenOwnFd(path("fifo").c_str(), O_WRONLY); }), ENXIO); // and doesn't wait
+    EXPECT_EQ(errorOf([&] { fileOpenOwnFd(dir.root.c_str(), O_RDONLY); }), EPERM);
+    EXPECT_EQ(errorOf([&] { fileOpenOwnFd("/dev/null", O_RDONLY); }), EPERM);
 }
 
 TEST_F(FileTest, PermissionsAreCopiedAndNarrowed) {
@@ -229,8 +186,8 @@ TEST_F(FileTest, PermissionsAreCopiedAndNarrowed) {
     fileMakePrivate(from.c_str());
     EXPECT_EQ(modeOf("from"), 0600u);
     std::filesystem::create_symlink(from.c_str(), path("link").c_str());
-    EXPECT_EQ(thrownErrno([&] { fileMakePrivate(path("link").c_str()); }), ELOOP);
-    EXPECT_EQ(thrownErrno([&] { fileCopyPerms(path("link").c_str(), 0); }), EINVAL);
+    EXPECT_EQ(errorOf([&] { fileMakePrivate(path("link").c_str()); }), ELOOP);
+    EXPECT_EQ(errorOf([&] { fileCopyPerms(path("link").c_str(), 0); }), EINVAL);
     mkDir(path("d").c_str());
     chmod(path("d").c_str(), 0755);
     fileMakeSticky(path("d").c_str());
@@ -252,9 +209,9 @@ TEST_F(FileTest, PrivateDirectoriesAreSoWhateverTheUmask) {
     EXPECT_EQ(modeOf("plain"), 0700u);
     std::filesystem::create_symlink(path("plain").c_str(), path("link").c_str());
     mkDir(path("link").c_str());
-    EXPECT_EQ(thrownErrno([&] { mkDir(path("link").c_str(), /*isPrivate=*/true, /*fixPerms=*/true); }), EPERM);
+    EXPECT_EQ(errorOf([&] { mkDir(path("link").c_str(), /*isPrivate=*/true, /*fixPerms=*/true); }), EPERM);
     writeTextFile(path("file"), "");
-    EXPECT_EQ(thrownErrno([&] { mkDir(path("file").c_str()); }), EEXIST);
+    EXPECT_EQ(errorOf([&] { mkDir(path("file").c_str()); }), EEXIST);
 }
 
 TEST_F(FileTest, ParentsAreMadeAndMatched) {
@@ -269,11 +226,11 @@ TEST_F(FileTest, ParentsAreMadeAndMatched) {
     chmod(path("a/b/d").c_str(), 0700);
     mkDirMatchParent(path("a/b/d").c_str());
     EXPECT_EQ(modeOf("a/b/d"), 0700u);
-    EXPECT_EQ(thrownErrno([&] { mkDirMatchParent(path("x/y").c_str()); }), ENOENT);
+    EXPECT_EQ(errorOf([&] { mkDirMatchParent(path("x/y").c_str()); }), ENOENT);
     std::string deep = "/";
     for (int i = 0; i < 100000; ++i)
         deep += "a/";
-    EXPECT_EQ(thrownErrno([&] { mkDirs(deep.c_str()); }), ENAMETOOLONG);
+    EXPECT_EQ(errorOf([&] { mkDirs(deep.c_str()); }), ENAMETOOLONG);
 }
 
 TEST_F(FileTest, RecursiveRemovalDoesNotFollowLinks) {
@@ -282,12 +239,12 @@ TEST_F(FileTest, RecursiveRemovalDoesNotFollowLinks) {
     writeTextFile(path("outside/kept"), "kept");
     writeTextFile(path("tree/a/file"), "");
     std::filesystem::create_symlink(path("outside").c_str(), path("tree/a/link").c_str());
-    EXPECT_EQ(thrownErrno([&] { rmDir(path("tree").c_str()); }), ENOTEMPTY);
+    EXPECT_EQ(errorOf([&] { rmDir(path("tree").c_str()); }), ENOTEMPTY);
     rmDir(path("tree").c_str(), /*recursive=*/true);
     EXPECT_FALSE(fileExists(path("tree").c_str()));
     EXPECT_EQ(readTextFile(path("outside/kept")), "kept");
     std::filesystem::create_symlink(path("outside").c_str(), path("root").c_str());
-    EXPECT_NE(thrownErrno([&] { rmDir(path("root").c_str(), /*recursive=*/true); }), 0);
+    EXPECT_NE(errorOf([&] { rmDir(path("root").c_str(), /*recursive=*/true); }), 0);
     EXPECT_EQ(readTextFile(path("outside/kept")), "kept");
 }
 
@@ -300,19 +257,19 @@ TEST_F(FileTest, UniqueNamesCountBeforeTheExtension) {
     EXPECT_EQ(next("a.tar.gz"), path("a.tar (2).gz"));
     writeTextFile(path(".profile"), "");
     EXPECT_EQ(next(".profile"), path(".profile (1)"));
-    EXPECT_EQ(thrownText([&] { fileUniqueName(dir.root.c_str(), "a.tar.gz", " (", ")", 1); }),
+    EXPECT_EQ(whatOf([&] { fileUniqueName(dir.root.c_str(), "a.tar.gz", " (", ")", 1); }),
               "Too many files with same name");
     EXPECT_EQ(std::string(fileUniqueName(dir.root.c_str(), "a.tar.gz", "-", "").c_str()), path("a.tar-1.gz"));
-    EXPECT_EQ(thrownErrno([&] { fileUniqueName(path(".profile").c_str(), "x"); }), ENOTDIR);
+    EXPECT_EQ(errorOf([&] { fileUniqueName(path(".profile").c_str(), "x"); }), ENOTDIR);
 }
 
 TEST_F(FileTest, FilePtrModes) {
     UmaskScope mask(0);
     const std::string f = path("f");
     const char* p = f.c_str();
-    EXPECT_EQ(thrownText([&] { FilePtr file(p); }), "Error opening \"" + f + "\": No such file or directory (2)");
+    EXPECT_EQ(whatOf([&] { FilePtr file(p); }), "Error opening \"" + f + "\": No such file or directory (2)");
     EXPECT_FALSE(FilePtr(p, FileRead, FileOptional).isOpen());
-    EXPECT_EQ(thrownErrno([&] { FilePtr file(p, FileReadWrite); }), ENOENT);
+    EXPECT_EQ(errorOf([&] { FilePtr file(p, FileReadWrite); }), ENOENT);
     {
         FilePtr file(p, FileWrite);
         EXPECT_TRUE(fcntl(file.fd(), F_GETFD) & FD_CLOEXEC);
@@ -343,7 +300,7 @@ TEST_F(FileTest, FilePtrModes) {
     appender.close();
     EXPECT_EQ(readTextFile(f), "x");
     std::filesystem::create_symlink(p, path("link").c_str());
-    EXPECT_EQ(thrownErrno([&] { FilePtr file(path("link").c_str(), FileRead, FileOwn); }), ELOOP);
+    EXPECT_EQ(errorOf([&] { FilePtr file(path("link").c_str(), FileRead, FileOwn); }), ELOOP);
     FilePtr own(p, FileRead, FileOwn);
     std::FILE* released = own.release();
     EXPECT_FALSE(own.isOpen());
@@ -358,13 +315,13 @@ TEST_F(FileTest, DashIsTheStandardStreamAndStaysOpen) {
         EXPECT_EQ(out.get(), stdout);
     }
     EXPECT_GE(fcntl(fileno(stdout), F_GETFD), 0);
-    EXPECT_EQ(thrownText([] { FilePtr both("-", FileReadWrite); }), "Invalid mode for stdin/stdout");
+    EXPECT_EQ(whatOf([] { FilePtr both("-", FileReadWrite); }), "Invalid mode for stdin/stdout");
 }
 
 TEST_F(FileTest, FullDiskShowsAtCloseAndIsLoggedByTheDestructor) {
     FilePtr file("/dev/full", FileWrite);
     std::fputs("x", file.get());
-    EXPECT_EQ(thrownErrno([&] { file.close(); }), ENOSPC);
+    EXPECT_EQ(errorOf([&] { file.close(); }), ENOSPC);
     EXPECT_FALSE(file.isOpen());
     CapturedLog log;
     {
@@ -372,7 +329,7 @@ TEST_F(FileTest, FullDiskShowsAtCloseAndIsLoggedByTheDestructor) {
         std::fputs("x", again.get());
     }
     EXPECT_TRUE(log.has("0 FilePtr: Error closing \"/dev/full\": No space left on device (28)"));
-    EXPECT_EQ(thrownErrno([&] { file.adopt(-1, "none", "r"); }), EBADF);
+    EXPECT_EQ(errorOf([&] { file.adopt(-1, "none", "r"); }), EBADF);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "plat/Exception.h"
 #include "plat/env.h"
+#include "plat/test/thrown.h"
 
 #include <gtest/gtest.h>
 
@@ -76,12 +77,7 @@ TEST(Env, Expands) {
     // What a value holds isn't expanded again.
     const EnvMap nested = {{"A", "$B"}, {"B", "b"}};
     EXPECT_EQ(expanded("$A", &nested), "[$B");
-    try {
-        expanded("a ${NOPE} b", &map, /*strict=*/true);
-        FAIL();
-    } catch (const Exception& e) {
-        EXPECT_STREQ(e.what(), "unknown environment variable: NOPE");
-    }
+    EXPECT_EQ(whatOf([&] { expanded("a ${NOPE} b", &map, /*strict=*/true); }), "unknown environment variable: NOPE");
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "streamTesting.h"
 
 #include "plat/Exception.h"
+#include "plat/test/thrown.h"
 #include "rdr/MemOutStream.h"
 
 #include <gtest/gtest.h>
@@ -162,12 +163,8 @@ TEST_F(FileConfigTest, EntriesAreAddedSetAndRemoved) {
 
 TEST_F(FileConfigTest, AFileThatCantBeReadIsToldAndNeverReplaced) {
     Settings s;
-    try {
-        plat::FileConfig::load(s.config, path().c_str(), plat::PriorityPreference);
-        FAIL();
-    } catch (const plat::SystemException& e) {
-        EXPECT_EQ(e.errNo, ENOENT);
-    }
+    EXPECT_EQ(plat::errorOf([&] { plat::FileConfig::load(s.config, path().c_str(), plat::PriorityPreference); }),
+              ENOENT);
     write("app", "Text=" + std::string(262144, 'x') + "\n"); // too long a line
     EXPECT_THROW(plat::FileConfig::setEntry(path().c_str(), "a", "1"), rdr::StringTooLongException);
     EXPECT_EQ(contents("app").size(), 262144U + 6);

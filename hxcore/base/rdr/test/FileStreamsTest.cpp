@@ -34,13 +34,6 @@ TEST_F(FileStreams, WhatIsWrittenIsReadBack) {
     EXPECT_THROW(in.readU8(), rdr::EndOfStream);
 }
 
-TEST_F(FileStreams, AFlushReachesTheFile) {
-    rdr::FileOutStream out((dir + "/file").c_str());
-    out.writeStr("abc");
-    out.flush();
-    EXPECT_EQ(contents("file"), "abc");
-}
-
 TEST_F(FileStreams, AMissingFileAndADirectoryAreErrors) {
     EXPECT_THROW(rdr::FileInStream((dir + "/none").c_str()), plat::SystemException);
     EXPECT_THROW(rdr::FileOutStream((dir + "/none/file").c_str()), plat::SystemException);
@@ -88,50 +81,35 @@ TEST_F(FileStreams, SettingsSurviveASaveThatFailsAtAnyStep) {
 TEST(FileOutStream, AFullDiskIsAnError) {
     rdr::FileOutStream out("/dev/full");
     out.writeU8(1);
-    try {
-        out.close();
-        FAIL();
-    } catch (const plat::SystemException& e) {
-        EXPECT_EQ(e.errNo, ENOSPC);
-        EXPECT_EQ(std::string(e.what()).find("writing to file failed"), 0U);
-    }
+    EXPECT_EQ(plat::whatOf([&] { out.close(); }), "writing to file failed: No space left on device (28)");
+    rdr::FileOutStream dying("/dev/full"); // its destructor logs the same
+    dying.writeU8(1);
 }
 
-TEST(FileOutStream, AFailureInTheDestructorEndsThere) {
-    rdr::FileOutStream out("/dev/full");
-    out.writeU8(1);
+TEST_F(FileStreams, ATransactionIsAllOrNothing) {
+    write("file", "old");
+    for (const bool commits : {false, true}) {
+        rdr::TransactedFileOutStream out((dir + "/file").c_str());
+        out.writeStr("new");
+        out.flush();
+        EXPECT_EQ(contents("file"), "old");
+        if (commits)
+            out.commit();
+    }
+    EXPECT_EQ(contents("file"), "new");
+    EXPECT_FALSE(exists("file.tmp"));
 }
 
 TEST_F(FileStreams, NothingCanBeWrittenBehindTheClose) {
     rdr::FileOutStream out((dir + "/file").c_str());
     out.writeU8('a');
+    out.flush();
+    EXPECT_EQ(contents("file"), "a");
     out.close();
     out.close();
     EXPECT_EQ(contents("file"), "a");
     out.writeU8('b');
     EXPECT_THROW(out.flush(), plat::SystemException);
-}
-
-TEST_F(FileStreams, ATransactionIsAllOrNothing) {
-    write("file", "old");
-    const std::string path = dir + "/file";
-    {
-        rdr::TransactedFileOutStream out(path.c_str());
-        out.writeStr("new, dropped");
-        out.flush();
-        EXPECT_EQ(contents("file"), "old");
-    }
-    EXPECT_EQ(contents("file"), "old");
-    EXPECT_FALSE(exists("file.tmp"));
-    ::chmod(path.c_str(), 0640);
-    rdr::TransactedFileOutStream out(path.c_str());
-    out.writeStr("new");
-    out.commit();
-    EXPECT_EQ(contents("file"), "new");
-    EXPECT_FALSE(exists("file.tmp"));
-    struct stat st {};
-    ASSERT_EQ(::stat(path.c_str(), &st), 0);
-    EXPECT_EQ(st.st_mode & 07777, 0640U); // the old file's mode stays
 }
 
 } // namespace

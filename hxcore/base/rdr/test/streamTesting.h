@@ -4,6 +4,7 @@
 #include "rdr/BufferedInStream.h"
 #include "rdr/BufferedOutStream.h"
 #include "rdr/MemInStream.h"
+#include "rdr/MemOutStream.h"
 #include "rdr/exceptions.h"
 
 #include <algorithm>
@@ -27,6 +28,10 @@ inline std::string bytes(const char* text) {
         }
     }
     return out;
+}
+
+inline std::string contents(const rdr::MemOutStream& out) {
+    return std::string(reinterpret_cast<const char*>(out.data()), out.size());
 }
 
 struct HeldBytes {

@@ -89,6 +89,7 @@ TEST(SAuthFlows, FindsAndRemovesSteps) {
 
 TEST(SAuthFlows, AdvancesTheFlowsThatBeginWithTheStep) {
     SAuthFlows flows = systemAndRadiusOrZefOrNone();
+    flows.push_back({{7, "SystemAuth"}, {2, "Radius"}}); // the name alone is not the step
     flows.advance(1, "SystemAuth");
     ASSERT_EQ(flows.size(), 1U);
     EXPECT_EQ(joined(flows.firstSchemes()), "Radius ");
