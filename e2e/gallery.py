@@ -9,7 +9,7 @@ import harness
 from harness import until
 
 PAGES = ["Buttons", "Choices", "Fields", "Texts", "Scripts", "Lists", "Frames", "Containers", "Infoframes", "Images",
-         "Windows"]
+         "Windows", "Forms", "States"]
 
 
 class Gallery(harness.Inspected):

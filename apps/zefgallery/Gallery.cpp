@@ -6,6 +6,7 @@
 #include "mui/MuList.h"
 #include "mui/MuPager.h"
 #include "mui/MuScroll.h"
+#include "mui/MuSpacer.h"
 #include "mui/MuSplitter.h"
 #include "mui/MuText.h"
 #include "os/AppLoop.h"
@@ -20,7 +21,8 @@ struct Row {
 constexpr Row rows[] = {
     {"Buttons", makeButtons},       {"Choices", makeChoices}, {"Fields", makeFields},   {"Texts", makeTexts},
     {"Scripts", makeScripts},       {"Lists", makeLists},     {"Frames", makeFrames},   {"Containers", makeContainers},
-    {"Infoframes", makeInfoFrames}, {"Images", makeImages},   {"Windows", makeWindows},
+    {"Infoframes", makeInfoFrames}, {"Images", makeImages},   {"Windows", makeWindows}, {"Forms", makeForms},
+    {"States", makeStates},
 };
 } // namespace
 
@@ -32,23 +34,32 @@ mui::MuLayout* row(mui::MuLayout* parent) {
 
 mui::MuLayout* column(mui::MuLayout* parent) { return mui::MuLayout::create(parent, "", mui::Orientation::Vertical); }
 
-void heading(mui::MuLayout* parent, const char* text) {
-    auto* made = mui::MuText::create(parent, "", plat::xmlEscape(text).c_str());
-    made->ownStyle().weight = 700;
-    made->styleChanged();
+mui::MuLayout* group(mui::MuLayout* page, const char* title) {
+    mui::MuLayout* made = column(page);
+    page->setChildLayout(made, mui::MuLayout::Natural | mui::MuLayout::Fill);
+    auto* heading = mui::MuText::create(made, "", plat::xmlEscape(title).c_str());
+    heading->ownStyle().weight = 700;
+    heading->styleChanged();
+    return made;
 }
 
-Gallery::Gallery() : dialog(mui::MuDialog::create("gallery", "Gallery", {hxutil::scaled(1800), hxutil::scaled(1300)})) {
+Gallery::Gallery() : dialog(mui::MuDialog::create("gallery", "Gallery", {hxutil::scaled(1900), hxutil::scaled(1340)})) {
     dialog->addObserver(this, true);
     auto* split = mui::MuSplitter::create(dialog.get(), "split", mui::Orientation::Horizontal);
     names = mui::MuList::create(split, "names", mui::MuList::KeepSelection);
     names->addColumn(mui::MuList::ColumnType::Text, nullptr);
-    pager = mui::MuPager::create(split, "pages", mui::MuPager::Type::Plain);
+    // The pages stand a step off the handle.
+    auto* right = mui::MuLayout::create(split, "", mui::Orientation::Horizontal);
+    right->setSpacing(0);
+    mui::MuSpacer::create(right, "", {mui::Mui::instance()->metric(mui::MetricSpacing), 0});
+    pager = mui::MuPager::create(right, "pages", mui::MuPager::Type::Plain);
+    right->setChildLayout(pager, mui::MuLayout::Stretch);
     split->setSizes({hxutil::scaled(300), 0});
     for (const Row& each : rows) {
         auto* scroll = mui::MuScroll::create(pager, "");
         auto* page = mui::MuLayout::create(scroll, each.name, mui::Orientation::Vertical);
         page->setDefaultFlags(mui::MuLayout::Natural | mui::MuLayout::Start);
+        page->setSpacing(mui::Mui::instance()->metric(mui::MetricLargeGap));
         pages.push_back(each.make(dialog.get(), page));
         pager->addPage(scroll, each.name);
         names->addRow({plat::String(each.name)});

@@ -12,6 +12,8 @@
 #include "mui/MuScroll.h"
 #include "mui/MuSplitter.h"
 #include "mui/MuText.h"
+#include "mui/Mui.h"
+#include "plat/SysColors.h"
 #include "zefgallery/pages.h"
 
 #include <string>
@@ -23,6 +25,7 @@ class FramesPage : public Page {
 public:
     explicit FramesPage(mui::MuLayout* page) {
         page->setDefaultFlags(mui::MuLayout::Natural | mui::MuLayout::Fill);
+        page->setSpacing(mui::Mui::instance()->metric(mui::MetricSpacing));
         const std::pair<mui::MuFrame::Type, const char*> kinds[] = {{mui::MuFrame::Type::Plain, "Plain"},
                                                                     {mui::MuFrame::Type::Line, "Line"},
                                                                     {mui::MuFrame::Type::Sunken, "Sunken"}};
@@ -45,26 +48,26 @@ public:
 class ContainersPage : public Page {
 public:
     explicit ContainersPage(mui::MuLayout* page) {
-        page->setDefaultFlags(mui::MuLayout::Natural | mui::MuLayout::Fill);
-        heading(page, "Tabs");
-        auto* pager = mui::MuPager::create(page, "pager");
+        mui::MuLayout* tabs = group(page, "Tabs");
+        auto* pager = mui::MuPager::create(tabs, "pager");
         for (const char* title : {"First", "Second page", "Третья", "A page with a title that is rather long"}) {
             auto* tab = mui::MuLayout::create(pager, title, mui::Orientation::Vertical);
             mui::MuText::create(tab, "text", title);
             mui::MuEdit::create(tab, "edit", "Field:");
             pager->addPage(tab, title);
         }
-        heading(page, "Handles to drag");
-        auto* frame = mui::MuFrame::create(page, "splitframe", mui::MuFrame::Type::Line);
+        mui::MuLayout* handles = group(page, "Handles to drag");
+        auto* frame = mui::MuFrame::create(handles, "splitframe", mui::MuFrame::Type::Line);
         frame->setMargin(0);
+        frame->setBgColour("contentBg");
         auto* split = mui::MuSplitter::create(frame, "split", mui::Orientation::Horizontal, false,
                                               mui::MuSplitter::Mode::MinSizes);
         for (const char* text : {"Left", "Middle", "Right"})
-            mui::MuText::create(split, text, text);
+            mui::MuText::create(mui::MuFrame::create(split, ""), text, text);
         split->setSizes({hxutil::scaled(300), hxutil::scaled(300), 0});
-        page->setChildLayout(frame, mui::MuLayout::Fixed, hxutil::scaled(120));
-        heading(page, "A view onto more than fits");
-        auto* scroll = mui::MuScroll::create(page, "scroll", mui::MuScroll::Both);
+        handles->setChildLayout(frame, mui::MuLayout::Fixed, hxutil::scaled(120));
+        mui::MuLayout* views = group(page, "A view onto more than fits");
+        auto* scroll = mui::MuScroll::create(views, "scroll", mui::MuScroll::Both);
         auto* lines = mui::MuLayout::create(scroll, "lines", mui::Orientation::Vertical);
         for (int i = 0; i < 30; ++i)
             mui::MuCheck::create(lines, "line",
@@ -72,7 +75,7 @@ public:
                                   " with a label that is wide enough to need the other bar as well, "
                                   "which stands below when the window is not wide enough for all of it")
                                      .c_str());
-        page->setChildLayout(scroll, mui::MuLayout::Fixed, hxutil::scaled(400));
+        views->setChildLayout(scroll, mui::MuLayout::Fixed, hxutil::scaled(400));
     }
 };
 
@@ -81,6 +84,7 @@ public:
     explicit InfoFramesPage(mui::MuLayout* page) {
         using Kind = mui::MuInfoFrame::Kind;
         page->setDefaultFlags(mui::MuLayout::Natural | mui::MuLayout::Fill);
+        page->setSpacing(mui::Mui::instance()->metric(mui::MetricSpacing));
         const std::pair<Kind, const char*> kinds[] = {
             {Kind::Success, "It worked."},
             {Kind::Notify, "Something that is good to know."},
@@ -103,10 +107,10 @@ private:
     std::vector<std::unique_ptr<mui::MuInfoFrame>> frames;
 };
 
-class ImagesPage : public Page {
+class ImagesPage : public Page, private mui::MuObserver {
 public:
     explicit ImagesPage(mui::MuLayout* page) {
-        heading(page, "Images by name");
+        mui::MuLayout* named = group(page, "Images by name");
         mui::MuLayout* line = nullptr;
         int count = 0;
         for (const char* name : {"sdOkay",
@@ -164,19 +168,24 @@ public:
                                  "ZEFConnectLogo",
                                  "downArrow",
                                  "rightArrow"}) {
-            if (count++ % 12 == 0)
-                line = row(page);
+            if (count++ % 11 == 0)
+                line = row(named);
             mui::MuImage::create(line, name, name)->setTooltip(name);
         }
-        heading(page, "Waiting");
-        mui::MuLayout* wheels = row(page);
-        spinner = std::make_unique<mui::MuSpinner>(wheels, /*darkBackground=*/false);
-        mui::MuButton::create(wheels, "beside", "Beside it");
-        page->setDefaultFlags(mui::MuLayout::Natural | mui::MuLayout::Start);
+        mui::MuLayout* waiting = group(page, "Waiting");
+        mui::MuLayout* wheels = row(waiting);
+        spinner = std::make_unique<mui::MuSpinner>(wheels, plat::isDarkMode());
+        run = mui::MuCheck::create(wheels, "run", "&Turns");
+        run->addObserver(this, true);
     }
 
+    ~ImagesPage() override { run->addObserver(this, false); }
+
 private:
-    std::unique_ptr<mui::MuSpinner> spinner; // stands still, so that a gallery at rest sleeps
+    void muChanged(mui::MuElement*) override { spinner->setRunning(run->isChecked()); }
+
+    std::unique_ptr<mui::MuSpinner> spinner; // stands still at first, so that a gallery at rest sleeps
+    mui::MuCheck* run;
 };
 
 } // namespace

@@ -28,13 +28,15 @@ std::unique_ptr<Page> makeFrames(mui::MuDialog* dialog, mui::MuLayout* page);
 std::unique_ptr<Page> makeContainers(mui::MuDialog* dialog, mui::MuLayout* page);
 std::unique_ptr<Page> makeInfoFrames(mui::MuDialog* dialog, mui::MuLayout* page);
 std::unique_ptr<Page> makeImages(mui::MuDialog* dialog, mui::MuLayout* page);
+std::unique_ptr<Page> makeForms(mui::MuDialog* dialog, mui::MuLayout* page);
+std::unique_ptr<Page> makeStates(mui::MuDialog* dialog, mui::MuLayout* page);
 std::unique_ptr<Page> makeWindows(mui::MuDialog* dialog, mui::MuLayout* page);
 
 /// A row or a column in `parent` whose children are as large as they want to be.
 mui::MuLayout* row(mui::MuLayout* parent);
 mui::MuLayout* column(mui::MuLayout* parent);
 
-/// A line that says what stands below it.
-void heading(mui::MuLayout* parent, const char* text);
+/// A line in bold that says what stands below it; gives the column that its things go into, as wide as the page.
+mui::MuLayout* group(mui::MuLayout* page, const char* title);
 
 } // namespace gallery

@@ -16,41 +16,43 @@ namespace {
 
 constexpr const char* paragraph =
     "A paragraph with <b>bold</b>, <a href=\"https://www.velthar.example\">a link</a> and "
-    "<font color=\"#c84800\">colour</font>, long enough that it has to be wrapped at whatever width the window leaves "
+    "<font color=\"#d07030\">colour</font>, long enough that it has to be wrapped at whatever width the window leaves "
     "it, so that the break of lines can be looked at, and a second <a href=\"app://two\">link that may well be broken "
     "over two lines</a>.";
 
 class TextsPage : public Page {
 public:
     explicit TextsPage(mui::MuLayout* page) {
-        page->setDefaultFlags(mui::MuLayout::Natural | mui::MuLayout::Fill);
-        heading(page, "Markup: wrapped, centred, at the right");
-        mui::MuText::create(page, "left", paragraph);
-        mui::MuText::create(page, "centre", paragraph, mui::MuText::Align::Centre);
-        mui::MuText::create(page, "right", paragraph, mui::MuText::Align::Right);
-        mui::MuLine::create(page, "etched");
-        heading(page, "Sizes, and text that can be selected");
+        mui::MuLayout* markup = group(page, "Markup: wrapped, centred, at the right");
+        mui::MuText::create(markup, "left", paragraph);
+        mui::MuText::create(markup, "centre", paragraph, mui::MuText::Align::Centre);
+        mui::MuText::create(markup, "right", paragraph, mui::MuText::Align::Right);
+        mui::MuLine::create(markup, "etched");
+        mui::MuLayout* sizes = group(page, "Sizes, and text that can be selected");
         for (const int size : {80, 120, 160, 240})
-            mui::MuText::create(page, "size", ("Size " + std::to_string(size) + ", <b>bold</b>").c_str())
+            mui::MuText::create(sizes, "size", ("Size " + std::to_string(size) + "").c_str())->setFontSize(size);
+        for (const int size : {120, 160})
+            mui::MuText::create(sizes, "bold", ("<b>Size " + std::to_string(size) + ", bold</b>").c_str())
                 ->setFontSize(size);
-        mui::MuText::create(page, "selectable", "Press and drag over this text, then copy it.")->setSelectable(true);
-        mui::MuLine::create(page, "colour", mui::MuLine::Type::Colour);
-        heading(page, "Plain text shows its <b>markup</b>; too long and unwrapped, disabled");
-        mui::MuStatic::create(page, "static", "<b>not bold</b> & \"quoted\"");
+        mui::MuText::create(sizes, "selectable", "Press and drag over this text, then copy it.")->setSelectable(true);
+        mui::MuLine::create(sizes, "colour", mui::MuLine::Type::Colour);
+        mui::MuLayout* literal = group(page, "Plain text shows its <b>markup</b>; too long and unwrapped, disabled");
+        mui::MuStatic::create(literal, "static", "<b>not bold</b> & \"quoted\"");
         auto* cut =
-            mui::MuStatic::create(page, "cut",
+            mui::MuStatic::create(literal, "cut",
                                   "A line that is not wrapped however narrow the window becomes, and that "
                                   "therefore is cut with dots at its end, as every such line should be, always");
         cut->setWrap(false);
-        mui::MuText::create(page, "disabled", paragraph)->setEnabled(false);
-        mui::MuText::create(page, "endless", std::string(300, 'w').c_str());
+        mui::MuText::create(literal, "disabled", paragraph)->setEnabled(false);
+        mui::MuText::create(literal, "endless", std::string(300, 'w').c_str());
     }
 };
 
 class ScriptsPage : public Page {
 public:
     explicit ScriptsPage(mui::MuLayout* page) {
-        heading(page, "Every character of these has a glyph");
+        mui::MuLayout* scripts = group(page, "Every character of these has a glyph");
+        scripts->setSpacing(hxutil::scaled(8));
         for (const char* text :
              {"English: The quick brown fox jumps over the lazy dog. 0123456789",
               "Deutsch: Zwölf Boxkämpfer jagen Viktor quer über den großen Sylter Deich",
@@ -62,16 +64,15 @@ public:
               "العربية: نص حكيم له سر قاطع", "ไทย: เป็นมนุษย์สุดประเสริฐ", "日本語: いろはにほへと ちりぬるを",
               "中文: 视野无限广，窗外有蓝天", "한국어: 키스의 고유조건은 입술끼리",
               "Signs: ← ↑ → ↓ ✓ ✗ € £ ¥ © ® ™ … – — • ◦ ■ □ ½ ∞ ≠ ≤"})
-            mui::MuText::create(page, "script", text);
+            mui::MuText::create(scripts, "script", text);
     }
 };
 
 class ListsPage : public Page, private mui::MuObserver {
 public:
     explicit ListsPage(mui::MuLayout* page) {
-        page->setDefaultFlags(mui::MuLayout::Natural | mui::MuLayout::Fill);
-        heading(page, "Headings, images, colours, rows that can't be selected");
-        auto* rich = mui::MuList::create(page, "rich", mui::MuList::Heading);
+        mui::MuLayout* kinds = group(page, "Headings, images, colours, rows that can't be selected");
+        auto* rich = mui::MuList::create(kinds, "rich", mui::MuList::Heading);
         rich->addColumn(mui::MuList::ColumnType::Image, "");
         rich->addColumn(mui::MuList::ColumnType::Text, "Name");
         rich->addColumn(mui::MuList::ColumnType::Text, "Size", hxutil::scaled(150), mui::MuList::Align::End);
@@ -87,16 +88,16 @@ public:
         rich->setCellColour(2, 1, "#c86464");
         rich->setSelected(0);
         rich->setVisibleRows(5);
-        heading(page, "Five hundred rows, filtered as you type");
-        filter = mui::MuEdit::create(page, "filter", "&Filter:");
-        list = mui::MuList::create(page, "many", mui::MuList::Heading);
+        mui::MuLayout* many = group(page, "Five hundred rows, filtered as you type");
+        filter = mui::MuEdit::create(many, "filter", "&Filter:");
+        list = mui::MuList::create(many, "many", mui::MuList::Heading);
         list->addColumn(mui::MuList::ColumnType::Text, "Computer");
         list->addColumn(mui::MuList::ColumnType::Text, "Number", hxutil::scaled(150), mui::MuList::Align::End);
         list->setVisibleRows(6);
         list->setEmptyText("No computer has that name.");
         fill();
-        heading(page, "Empty, and disabled");
-        mui::MuLayout* pair = row(page);
+        mui::MuLayout* still = group(page, "Empty, and disabled");
+        mui::MuLayout* pair = row(still);
         auto* empty = mui::MuList::create(pair, "empty");
         empty->addColumn(mui::MuList::ColumnType::Text, nullptr);
         empty->setEmptyText("There is nothing here.");

@@ -1,6 +1,7 @@
 // Windows of every kind, and the dialogs that are made of them.
 #include "hxutil/metrics.h"
 #include "mui/MuAboutDialog.h"
+#include "mui/MuAutoHider.h"
 #include "mui/MuButton.h"
 #include "mui/MuButtonBar.h"
 #include "mui/MuDialog.h"
@@ -8,8 +9,10 @@
 #include "mui/MuFileDialog.h"
 #include "mui/MuLayout.h"
 #include "mui/MuMessageBox.h"
+#include "mui/MuPopupNotifier.h"
 #include "mui/MuText.h"
 #include "product/init.h"
+#include "ui/MenuBar.h"
 #include "zefgallery/pages.h"
 #include "zefgallery/tx/PlainChooser.h"
 
@@ -39,38 +42,46 @@ constexpr Kind kinds[] = {
 class WindowsPage : public Page,
                     private mui::MuObserver,
                     private mui::MuFileDialog::Callback,
-                    private PlainChooser::Callback {
+                    private PlainChooser::Callback,
+                    private ui::Menu::ActionCallback {
 public:
     WindowsPage(mui::MuDialog* top_, mui::MuLayout* page_) : top(top_), page(page_) {
-        heading(page, "A dialog of each kind");
+        mui::MuLayout* windows = group(page, "A dialog of each kind");
         mui::MuLayout* line = nullptr;
         for (size_t i = 0; i < std::size(kinds); ++i) {
             if (i % 5 == 0)
-                line = row(page);
+                line = row(windows);
             openers.push_back(mui::MuButton::create(line, kinds[i].name, kinds[i].name));
         }
         dialogs.resize(std::size(kinds));
         bars.resize(std::size(kinds));
-        heading(page, "Message boxes");
-        mui::MuLayout* boxes = row(page);
-        for (const char* name : {"Info", "Warning", "Error", "Question"})
+        mui::MuLayout* messages = group(page, "Message boxes");
+        mui::MuLayout* boxes = row(messages);
+        for (const char* name : {"Info", "Warning", "Error", "Question", "Long"})
             boxOpeners.push_back(mui::MuButton::create(boxes, name, name));
-        answer = result("answer");
-        heading(page, "Files and folders");
-        mui::MuLayout* choosers = row(page);
+        answer = result(messages, "answer");
+        mui::MuLayout* files = group(page, "Files and folders");
+        mui::MuLayout* choosers = row(files);
         openFile = mui::MuButton::create(choosers, "open", "&Open...");
         saveFile = mui::MuButton::create(choosers, "save", "&Save...");
         chooseFolder = mui::MuButton::create(choosers, "folder", "&Folder...");
         choosePlainly = mui::MuButton::create(choosers, "plain", "&Plain...");
-        chosen = result("chosen");
+        chosen = result(files, "chosen");
         chooser = mui::MuFileDialog::create(top, this);
-        heading(page, "About");
-        about = mui::MuButton::create(row(page), "About", "&About...");
+        mui::MuLayout* others =
+            row(group(page, "Others: menus, a row of buttons for each use, one that hides itself, notifications"));
+        for (const char* name : {"Menus", "Steps", "Saves", "Hides"})
+            special.push_back(mui::MuButton::create(others, name, name));
+        notify = mui::MuButton::create(others, "Notify", "&Notify");
+        about = mui::MuButton::create(others, "About", "&About...");
         page->addObserver(this, true);
     }
     ~WindowsPage() override {
         page->addObserver(this, false);
         for (const auto& dialog : dialogs)
+            if (dialog)
+                dialog->addObserver(this, false);
+        for (const auto& dialog : specials)
             if (dialog)
                 dialog->addObserver(this, false);
     }
@@ -82,10 +93,16 @@ private:
                 open(i);
         for (size_t i = 0; i < boxOpeners.size(); ++i)
             if (element == boxOpeners[i])
-                ask(static_cast<mui::MuMessageBox::Icon>(i));
+                ask(i);
+        for (size_t i = 0; i < special.size(); ++i)
+            if (element == special[i])
+                openSpecial(i);
         for (size_t i = 0; i < bars.size(); ++i)
             if (bars[i] && bars[i]->buttonOf(element))
                 dialogs[i]->close();
+        for (size_t i = 0; i < std::size(specials); ++i)
+            if (specialBars[i] && specialBars[i]->buttonOf(element))
+                specials[i]->close();
         if (element == openFile)
             chooser->showOpen("Open", nullptr, "png,svg", "Pictures", /*filesMode=*/true);
         else if (element == saveFile)
@@ -94,6 +111,11 @@ private:
             chooser->showOpen("Folder", nullptr, nullptr, nullptr, /*filesMode=*/false);
         else if (element == choosePlainly)
             plainChooser->show();
+        else if (element == notify)
+            notifications.notify(
+                {plat::String(
+                     "<b>maria</b> hat sich verbunden und sieht diesen Bildschirm. Ein Klick zeigt, was sie darf."),
+                 8000});
         if (element != about)
             return;
         if (!aboutDialog)
@@ -103,8 +125,8 @@ private:
     }
 
     /// A field that shows what came of something.
-    mui::MuEdit* result(const char* name) {
-        mui::MuEdit* const field = mui::MuEdit::create(page, name, nullptr);
+    static mui::MuEdit* result(mui::MuLayout* parent, const char* name) {
+        mui::MuEdit* const field = mui::MuEdit::create(parent, name, nullptr);
         field->setFieldWidth(hxutil::scaled(1000));
         field->setLocked(true);
         return field;
@@ -132,14 +154,68 @@ private:
         dialogs[index]->setShown(true);
     }
 
-    void ask(mui::MuMessageBox::Icon icon) {
-        const bool question = icon == mui::MuMessageBox::Icon::Question;
-        const unsigned buttons = question ? mui::MuButtonBar::Yes | mui::MuButtonBar::No : mui::MuButtonBar::Ok;
+    void ask(size_t index) {
+        using mui::MuButtonBar;
+        const bool isLong = index == boxOpeners.size() - 1;
+        const auto icon = isLong ? mui::MuMessageBox::Icon::Question : static_cast<mui::MuMessageBox::Icon>(index);
+        unsigned buttons = MuButtonBar::Ok;
+        if (icon == mui::MuMessageBox::Icon::Question)
+            buttons = MuButtonBar::Yes | MuButtonBar::No | (isLong ? MuButtonBar::Cancel : 0u);
         const unsigned result = mui::MuMessageBox::ask(
             top, "Gallery", icon,
-            {"A message with one line.", "A second message, which is markup with <b>bold</b> in it."}, buttons);
+            {"A message with one line.", "A second message, which is markup with <b>bold</b> in it.",
+             isLong ? "Wenn Sie den Server beenden, werden alle drei Verbindungen getrennt, und niemand kann diesen "
+                      "Rechner mehr erreichen, bis sich jemand vor Ort anmeldet. Eine Datei, die gerade übertragen "
+                      "wird, bleibt unvollständig. Möchten Sie ihn trotzdem beenden?"
+                    : nullptr},
+            buttons);
         answer->setText(("button " + std::to_string(result)).c_str());
     }
+
+    void openSpecial(size_t index) {
+        using mui::MuButtonBar;
+        std::unique_ptr<mui::MuDialog>& dialog = specials[index];
+        if (!dialog) {
+            const char* name = special[index]->getName();
+            dialog.reset(mui::MuDialog::create(name, name, {hxutil::scaled(1000), hxutil::scaled(500)}, 0, top));
+            auto* body = mui::MuLayout::create(dialog.get(), "", mui::Orientation::Vertical);
+            mui::MuEdit::create(body, "field", "&Field:")->setText("something to type in");
+            dialog->addObserver(this, true);
+        }
+        switch (specialBars[index] ? -1 : static_cast<int>(index)) {
+        case 0: {
+            ui::MenuBar* bar = dialog->menuBar();
+            ui::Menu* file = bar->getMenu(ui::MenuBar::File);
+            file->addItem("&Options...", nullptr, nullptr, this)->setChecked(true);
+            file->addSeparator();
+            file->addItem("&Stop", nullptr, nullptr, this, ui::Menu::NeedsElevation);
+            bar->getMenu(ui::MenuBar::Edit)->addItem("&Paste", nullptr, nullptr, this)->setEnabled(false);
+            bar->addAbout(this);
+            specialBars[index] = std::make_unique<MuButtonBar>(dialog.get(), MuButtonBar::Ok);
+            break;
+        }
+        case 1:
+            specialBars[index] = std::make_unique<MuButtonBar>(dialog.get(), MuButtonBar::Back | MuButtonBar::Next |
+                                                                                 MuButtonBar::Cancel);
+            break;
+        case 2:
+            specialBars[index] = std::make_unique<MuButtonBar>(dialog.get(), MuButtonBar::Save | MuButtonBar::Cancel |
+                                                                                 MuButtonBar::Apply);
+            break;
+        case 3:
+            specialBars[index] = std::make_unique<MuButtonBar>(dialog.get(), MuButtonBar::Continue);
+            hider = mui::MuAutoHider::create(dialog.get());
+            break;
+        default:
+            break;
+        }
+        dialog->setShown(true);
+        if (index == 3)
+            hider->setEnabled(true);
+    }
+
+    // ui::Menu::ActionCallback
+    void menuAction(ui::Menu::Item* item) override { answer->setText(item->getText()); }
 
     mui::MuDialog* top;
     mui::MuLayout* page;
@@ -155,6 +231,12 @@ private:
     std::unique_ptr<mui::MuFileDialog> chooser;
     mui::MuButton* choosePlainly;
     std::unique_ptr<PlainChooser> plainChooser = PlainChooser::create(this);
+    std::vector<mui::MuButton*> special;
+    std::unique_ptr<mui::MuDialog> specials[4]; // made when first opened
+    std::unique_ptr<mui::MuButtonBar> specialBars[4];
+    std::unique_ptr<mui::MuAutoHider> hider;
+    mui::MuButton* notify;
+    mui::MuPopupNotifier notifications{"zefserver"};
     mui::MuButton* about;
     std::unique_ptr<mui::MuAboutDialog> aboutDialog;
 };

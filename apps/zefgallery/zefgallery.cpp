@@ -26,7 +26,6 @@ public:
 int run(char** argv) {
     product::InitArgs args{argv[0]};
     args.applicationName = "zefgallery";
-    args.displayNameKey = "svr_server_app_name_r";
     product::init(args);
     Usage usage;
     plat::Configuration::global().setFromArgsStrict(argv + 1, &usage);

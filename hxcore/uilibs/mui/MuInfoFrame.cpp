@@ -10,6 +10,7 @@ namespace mui {
 namespace {
 constexpr int iconUnits = 32;
 constexpr int iconGapUnits = 24;
+constexpr int linkGapUnits = 8;
 
 const char* imageOf(MuInfoFrame::Kind kind) {
     constexpr const char* names[] = {"infoframe_success",    "infoframe_notify",  "infoframe_error",
@@ -33,6 +34,7 @@ MuInfoFrame::MuInfoFrame(MuContainer* parent, const char* name, Kind kind, const
     icon = MuImage::create(split, "icon", imageOf(kind), iconSize());
     split->setChildLayout(icon, MuLayout::Natural | MuLayout::Start);
     MuLayout* texts = MuLayout::create(split, "textLayout", Orientation::Vertical);
+    texts->setSpacing(hxutil::scaled(linkGapUnits));
     split->setChildLayout(texts, MuLayout::Stretch | MuLayout::Centre);
     text = MuText::create(texts, "text", markup);
     text->setLinkCallback(this);

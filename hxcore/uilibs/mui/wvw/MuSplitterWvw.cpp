@@ -4,7 +4,7 @@
 
 namespace mui {
 namespace {
-constexpr int gripDots = 5;
+constexpr int gripDots = 7;
 constexpr int gripStep = 4; // pixels from dot to dot
 } // namespace
 
@@ -131,7 +131,7 @@ void MuSplitterWvw::paintHandle(rfb::FullFramePixelBuffer& pb, const rfb::Rect& 
     for (int i = -(gripDots / 2); i <= gripDots / 2; ++i) {
         const rfb::Point dot = upright ? middle + rfb::Point(0, i * gripStep) : middle + rfb::Point(i * gripStep, 0);
         widget.fill(pb, rfb::Rect::xywh(dot.x, dot.y, 2, 2).intersect(area), light);
-        widget.fill(pb, rfb::Rect::xywh(dot.x, dot.y, 1, 1).intersect(area), ink);
+        widget.fill(pb, rfb::Rect::xywh(dot.x - 1, dot.y - 1, 2, 2).intersect(area), ink);
     }
 }
 
