@@ -117,21 +117,13 @@ bool RichTextLayout::sameLink(int a, int b) const {
 int RichTextLayout::nextLink(int from, bool backward) const {
     const int count = static_cast<int>(runs.size());
     const int step = backward ? -1 : 1;
+    bool same = from >= 0; // so far only runs of the link that it begins at
     for (int i = from < 0 ? (backward ? count - 1 : 0) : from + step; i >= 0 && i < count; i += step) {
-        if (!runs[static_cast<size_t>(i)].link.isNull() && !sameNeighbours(std::min(i, from), std::max(i, from)))
+        same = same && sameLink(from, i);
+        if (!same && !runs[static_cast<size_t>(i)].link.isNull())
             return i;
     }
     return -1;
-}
-
-bool RichTextLayout::sameNeighbours(int first, int last) const {
-    if (first < 0)
-        return false;
-    for (int i = first; i <= last; ++i) {
-        if (!sameLink(first, i))
-            return false;
-    }
-    return true;
 }
 
 int RichTextLayout::runAt(const Point& position) const {

@@ -53,7 +53,6 @@ private:
 
     const hxutil::Font* fontFor(const plat::Markup::Style& style) const;
     rfb::Colour colourFor(const plat::Markup::Style& style) const;
-    bool sameNeighbours(int first, int last) const; // one link from run to run
     size_t findInText(const std::string& piece);
 
     const WStyle* look = nullptr; // during layOut

@@ -50,8 +50,11 @@ void WImage::paint(rfb::FullFramePixelBuffer& pb) {
         rfb::compose(pb, {room.x * hAlign / 2, room.y * vAlign / 2}, *image, image->getRect(), op);
         return;
     }
-    for (int y = 0; y < getHeight(); y += image->height()) {
-        for (int x = 0; x < getWidth(); x += image->width()) {
+    const rfb::Rect exposed = pb.getRect().intersect(getRect());
+    const rfb::Point first(exposed.tl.x / image->width() * image->width(),
+                           exposed.tl.y / image->height() * image->height());
+    for (int y = first.y; y < exposed.br.y; y += image->height()) {
+        for (int x = first.x; x < exposed.br.x; x += image->width()) {
             const rfb::Rect tile = rfb::Rect::at({x, y}, image->size()).intersect(getRect());
             rfb::compose(pb, {x, y}, *image, {{0, 0}, tile.size()}, op);
         }
