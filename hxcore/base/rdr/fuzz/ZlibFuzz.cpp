@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr size_t most = 1 << 14; // of inflated bytes
+constexpr size_t most = 1 << 12; // of inflated bytes
 constexpr size_t mostInput = 512;
 constexpr size_t headerBytes = 48;
 
