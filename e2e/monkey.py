@@ -182,11 +182,15 @@ class Inspectable(harness.Inspected):
         return self.process.pid
 
     def descriptors(self):
+        """What its descriptors lead to; sockets as the system lists them."""
         folder = f"/proc/{self.process.pid}/fd"
+        with open("/proc/net/unix", encoding="utf-8", errors="replace") as table:
+            sockets = {f"socket:[{words[6]}]": " ".join(words[3:]) for words in map(str.split, table)}
         held = []
         for fd in os.listdir(folder):
             with contextlib.suppress(FileNotFoundError):
-                held.append(os.readlink(os.path.join(folder, fd)))
+                target = os.readlink(os.path.join(folder, fd))
+                held.append(sockets.get(target, target))
         return held
 
     def tell(self, line):

@@ -1,5 +1,6 @@
 #include "mui/tx/MuFileDialogTxImpl.h"
 
+#include "hxutil/Font.h"
 #include "hxutil/metrics.h"
 #include "loc/Localize.h"
 #include "loc/TimeString.h"
@@ -13,6 +14,8 @@
 #include "plat/Exception.h"
 #include "plat/cstr.h"
 #include "plat/path.h"
+#include "plat/visibleText.h"
+#include "wvw/WStyle.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -54,8 +57,27 @@ bool isWritable(const char* dir, bool missingIsFailure) {
     return false;
 }
 
-/// Units that grow with the text as well.
-int textScaled(int units) { return hxutil::scaled(units * hxutil::textSizeFactor() / 100); }
+/// Units that grow with the text as well. No further than its font does: the density has grown them already.
+int textScaled(int units) {
+    constexpr int usualFontUnits = 30; // 15 pixels at ppmm 4
+    const int plain = hxutil::scaled(units);
+    const int byFont = units * wvw::defaultStyle().font->height / usualFontUnits;
+    return std::min(hxutil::scaled(units * hxutil::textSizeFactor() / 100), std::max(plain, byFont));
+}
+
+/// "~" and what lies below it are meant from the home folder.
+plat::String expanded(const char* path) {
+    const char* const home = getenv("HOME");
+    if (path[0] != '~' || (path[1] && path[1] != '/') || !home || !isAbsolutePath(home))
+        return path;
+    return path[1] && path[2] ? plat::path::join(home, path + 2) : plat::path::normalize(home);
+}
+
+/// Names come from anywhere: as they can be told apart, and in the order in which they are written.
+plat::String shownName(const plat::String& name) {
+    const plat::String shown = plat::visibleText(name.c_str());
+    return shown.isEmpty() ? plat::String("\ufffd") : shown;
+}
 
 plat::String workingDir() {
     char dir[PATH_MAX];
@@ -116,10 +138,14 @@ void MuFileDialogTxImpl::makeElements() {
     filterLyt->setChildLayout(MuSpacer::create(filterLyt, "sp"), MuLayout::Stretch);
     filter = MuChoice::create(filterLyt, "filter", LOC_TEXT("mui_filedlgtx_show_label"));
     buttonBar = std::make_unique<MuButtonBar>(dialog.get());
+    const int labelColumn = std::max(name->getLabelWidth(), folder->getLabelWidth());
+    const int gap = Mui::instance()->metric(MetricSpacing);
+    name->setLabelColumn(labelColumn, gap);
+    folder->setLabelColumn(labelColumn, gap);
 }
 
 void MuFileDialogTxImpl::findPlaces() {
-    const plat::String home(plat::strOrEmpty(getenv("HOME")));
+    const plat::String home = plat::path::normalize(plat::strOrEmpty(getenv("HOME")));
     if (isAbsolutePath(home.c_str()))
         placeList.push_back({plat::String(LOC_TEXT("mui_filedlgtx_place_home")), home});
     const char* const stated = getenv("XDG_DESKTOP_DIR");
@@ -178,7 +204,8 @@ void MuFileDialogTxImpl::addColumns() {
     if (hasSizeColumn)
         files->addColumn(MuList::ColumnType::Text, LOC_TEXT("mui_filedlgtx_size_heading"), textScaled(150),
                          MuList::Align::End);
-    files->addColumn(MuList::ColumnType::Text, LOC_TEXT("mui_filedlgtx_modified_heading"), textScaled(200));
+    files->addColumn(MuList::ColumnType::Text, LOC_TEXT("mui_filedlgtx_modified_heading"), textScaled(200),
+                     MuList::Align::End);
 }
 
 void MuFileDialogTxImpl::begin(const char* path) {
@@ -243,8 +270,7 @@ void MuFileDialogTxImpl::refreshList() {
 void MuFileDialogTxImpl::showEntry(size_t index) {
     const FolderEntry& entry = entries[index];
     const bool closed = entry.isDir && !entry.accessible;
-    const char* const image = closed ? "filedlg_folder_noaccess" : entry.isDir ? "filedlg_folder" : "filedlg_file";
-    const int row = files->addRow({plat::String(image), entry.name});
+    const int row = files->addRow();
     files->setRowKey(row, static_cast<int>(index));
     if (closed) {
         files->setCellColour(row, nameColumn, "#c86464");
@@ -253,9 +279,13 @@ void MuFileDialogTxImpl::showEntry(size_t index) {
 }
 
 plat::String MuFileDialogTxImpl::getCellText(MuList*, int row, int col) {
-    const FolderEntry& entry = entries[static_cast<size_t>(files->getRowKey(row))];
+    const FolderEntry& entry = entryOf(row);
     plat::DString text;
     tm local{};
+    if (col == 0)
+        return !entry.isDir ? "filedlg_file" : entry.accessible ? "filedlg_folder" : "filedlg_folder_noaccess";
+    if (col == nameColumn)
+        return shownName(entry.name);
     if (col == nameColumn + 1 && hasSizeColumn) {
         if (!entry.isDir)
             loc::TimeString::formatByteSize(text, entry.size);
@@ -266,13 +296,15 @@ plat::String MuFileDialogTxImpl::getCellText(MuList*, int row, int col) {
     return text.take();
 }
 
+const FolderEntry& MuFileDialogTxImpl::entryOf(int row) { return entries[static_cast<size_t>(files->getRowKey(row))]; }
+
 void MuFileDialogTxImpl::dropFolders() {
     if (!folders) {
         folders = MuList::create(folder->getPopup(), "folders");
         folders->addColumn(MuList::ColumnType::Text, nullptr);
         folders->addObserver(this, true);
     }
-    const plat::String text(folder->getText());
+    const plat::String text = expanded(folder->getText());
     folders->removeAllRows();
     if (!isAbsolutePath(text.c_str())) {
         folder->showPopup(false);
@@ -301,7 +333,10 @@ plat::String MuFileDialogTxImpl::droppedFolder() {
 
 void MuFileDialogTxImpl::enterTypedFolder() {
     const plat::String dropped = droppedFolder();
-    const plat::String path = dropped.isNull() ? absolutePath(folder->getText()) : dropped;
+    const plat::String typed = expanded(folder->getText());
+    const plat::String whole =
+        isAbsolutePath(typed.c_str()) ? typed : plat::path::join(currentDir.c_str(), typed.c_str());
+    const plat::String path = dropped.isNull() ? plat::path::normalize(whole.c_str()) : dropped;
     if (isFolder(path.c_str()))
         enterFolder(path.c_str());
 }
@@ -323,6 +358,11 @@ bool MuFileDialogTxImpl::onKey(MuSuperbox*, uint32_t canonicalKey) {
 }
 
 bool MuFileDialogTxImpl::accept(MuEdit*, const char* newText, uint32_t character) {
+    if (character == '/' && strcmp(newText, "~/") == 0 && expanded("~") != "~") {
+        name->setText(plat::strFormat("%s/", expanded("~").c_str()).c_str());
+        updateOk();
+        return false;
+    }
     if (newText[0] != '/')
         return strchr(newText, '/') == nullptr; // a name in the current folder
     if (character == '/') {
@@ -387,7 +427,7 @@ void MuFileDialogTxImpl::nameTyped() {
     const char* const text = name->getText();
     int match = -1;
     for (int row = 0; row < files->getRowCount(); ++row)
-        if (strcmp(files->getCell(row, nameColumn), text) == 0)
+        if (strcmp(entryOf(row).name.c_str(), text) == 0)
             match = row;
     files->setSelected(match);
     updateOk();
@@ -397,7 +437,7 @@ void MuFileDialogTxImpl::fileSelected() {
     const int row = files->getSelected();
     if (row < 0)
         return;
-    const FolderEntry& entry = entries[static_cast<size_t>(files->getRowKey(row))];
+    const FolderEntry& entry = entryOf(row);
     if (!entry.isDir || !filesMode)
         name->setText(entry.name.c_str());
     updateOk();
@@ -406,7 +446,7 @@ void MuFileDialogTxImpl::fileSelected() {
 void MuFileDialogTxImpl::fileActivated(int row) {
     if (!files->isValidRow(row) || !files->isRowSelectable(row))
         return;
-    const FolderEntry entry = entries[static_cast<size_t>(files->getRowKey(row))];
+    const FolderEntry entry = entryOf(row);
     name->setText(entry.isDir ? "" : entry.name.c_str());
     updateOk();
     if (entry.isDir)

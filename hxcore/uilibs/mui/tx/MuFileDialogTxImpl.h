@@ -49,7 +49,7 @@ private:
     void muClosed(MuDialog* closed) override;
     void muEvent(MuElement* element, int type) override;
 
-    // MuList::Callback: sizes and times
+    // MuList::Callback
     plat::String getCellText(MuList* list, int row, int col) override;
 
     // MuEdit::Filter
@@ -78,6 +78,7 @@ private:
     void begin(const char* path);
     void refreshList();
     void showEntry(size_t index);
+    const FolderEntry& entryOf(int row); // of the files
     FolderFilter folderFilter(bool includeHidden) const;
 
     // The name

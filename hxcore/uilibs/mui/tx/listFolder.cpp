@@ -27,17 +27,15 @@ bool hasSuffix(const plat::String& name, const std::vector<plat::String>& suffix
 }
 
 /// False if there is nothing of that name any more.
-bool describe(const char* dir, bool knownAsFile, FolderEntry& entry) {
+bool describe(const char* dir, FolderEntry& entry) {
     const plat::String path = plat::path::join(dir, entry.name.c_str());
     struct stat info {};
-    if (stat(path.c_str(), &info) != 0) {
-        if (errno == ENOENT && lstat(path.c_str(), &info) != 0)
-            return false;
-        return knownAsFile || errno == EACCES || S_ISLNK(info.st_mode); // listed, with what is known of it
-    }
+    // A link that leads nowhere, or round in circles, is listed as what it is.
+    if (stat(path.c_str(), &info) != 0 && lstat(path.c_str(), &info) != 0)
+        return errno != ENOENT; // listed, with what is known of it
     entry.isDir = S_ISDIR(info.st_mode);
     entry.modified = info.st_mtime;
-    entry.size = entry.isDir ? 0 : static_cast<uint64_t>(info.st_size);
+    entry.size = S_ISREG(info.st_mode) ? static_cast<uint64_t>(info.st_size) : 0;
     if (!entry.isDir)
         return true;
     entry.accessible = access(path.c_str(), R_OK) == 0;
@@ -66,7 +64,7 @@ std::vector<FolderEntry> listFolder(const char* dir, const FolderFilter& filter)
         FolderEntry entry;
         entry.name = name;
         entry.isDir = found->d_type == DT_DIR;
-        if (!describe(dir, found->d_type == DT_REG, entry))
+        if (!describe(dir, entry))
             continue;
         if (entry.isDir || hasSuffix(entry.name, filter.suffixes))
             entries.push_back(std::move(entry));

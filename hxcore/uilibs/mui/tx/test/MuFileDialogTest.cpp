@@ -159,5 +159,59 @@ TEST_F(FileDialogTest, AFolderThatGoesAwayIsAFailureToldOnce) {
     EXPECT_FALSE(dialog->isShown());
 }
 
+TEST_F(FileDialogTest, NamesAreShownSafelyAndChosenExactly) {
+    const std::string longName(255, 'n');
+    const std::pair<const char*, std::string> names[] = {
+        {"a line.txt", "a\nline.txt"}, {"evilgnp.exe", "evil\u202egnp.exe"}, {"\ufffd", "\u200b"},
+        {"z\"' \\$", "z\"' \\$"},      {longName.c_str(), longName},
+    };
+    for (const auto& [shown, name] : names)
+        plat::writeTextFile(dir / name, "x");
+    plat::writeTextFile(dir / "bad\xff", "x"); // no text at all: left out
+    mkfifo((dir / "fifo").c_str(), 0600);
+    for (const auto& [target, link] : {std::pair("round1", "round2"), std::pair("round2", "round1")})
+        EXPECT_EQ(symlink(target, (dir / link).c_str()), 0);
+    for (const auto& [shown, name] : names) {
+        ASSERT_TRUE(open());
+        EXPECT_EQ(files()->getRowCount(), 11);
+        int row = 0;
+        while (row < 10 && std::string_view(files()->getCell(row, 1)) != shown)
+            ++row;
+        pick(row);
+        button("open")->notify(EventActivated);
+        EXPECT_EQ(answer(), "chosen " + name);
+    }
+}
+
+TEST_F(FileDialogTest, HomeIsATildeAndOtherFoldersAreMeantFromHere) {
+    ASSERT_TRUE(open());
+    name()->setFocus();
+    name()->setText("~"); // no key of its own
+    EXPECT_STREQ(name()->getText(), "~");
+    type('/');
+    EXPECT_STREQ(name()->getText(), (dir.root + "/").c_str());
+    type('f');
+    EXPECT_STREQ(name()->getText(), (dir / "folder/").c_str());
+    auto* folder = element<MuSuperbox>("mainLyt.folderLyt.folder");
+    const struct {
+        const char* typed;
+        std::string entered;
+    } cases[] = {
+        {"folder", dir / "folder"},
+        {"inner/", dir / "folder/inner"},
+        {"..", dir / "folder"},
+        {"nowhere", dir / "folder"},
+        {"~", dir.root},
+        {"~/folder/./inner", dir / "folder/inner"},
+        {"/", "/"},
+    };
+    for (const auto& c : cases) {
+        folder->handleCommand("pressenter", c.typed);
+        const bool isThere = strcmp(c.typed, "nowhere") != 0;
+        EXPECT_STREQ(folder->getText(), isThere ? c.entered.c_str() : c.typed) << c.typed;
+        EXPECT_TRUE(dialog->isShown());
+    }
+}
+
 } // namespace
 } // namespace mui

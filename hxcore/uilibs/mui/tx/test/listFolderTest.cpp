@@ -23,12 +23,16 @@ TEST(ListFolder, FoldersStandFirstAndTheFilterCounts) {
         mkdir((dir / name).c_str(), 0700);
     EXPECT_EQ(symlink("zoo", (dir / "link").c_str()), 0);
     EXPECT_EQ(symlink("nowhere", (dir / "dangling").c_str()), 0);
-    EXPECT_EQ(names(dir.root, {}), "Alpha/ link/ zoo/ Z.png a.txt b.PNG dangling png ");
+    EXPECT_EQ(symlink("round", (dir / "round").c_str()), 0);
+    EXPECT_EQ(names(dir.root, {}), "Alpha/ link/ zoo/ Z.png a.txt b.PNG dangling png round ");
     EXPECT_EQ(names(dir.root, {false, {".png"}}), "Alpha/ link/ zoo/ Z.png b.PNG ");
     EXPECT_EQ(names(dir.root, {true, {".png", ".txt"}}),
               "../ .secret/ Alpha/ link/ zoo/ .hidden.png Z.png a.txt b.PNG ");
-    for (const mui::FolderEntry& entry : mui::listFolder(dir.root.c_str(), {}))
-        EXPECT_EQ(entry.size, entry.isDir || entry.name == "dangling" ? 0U : 4U) << entry.name.c_str();
+    for (const mui::FolderEntry& entry : mui::listFolder(dir.root.c_str(), {})) {
+        const bool leadsNowhere = entry.name == "dangling" || entry.name == "round";
+        EXPECT_EQ(entry.size, entry.isDir || leadsNowhere ? 0U : 4U) << entry.name.c_str();
+        EXPECT_GT(entry.modified, 0) << entry.name.c_str(); // of the link itself
+    }
 }
 
 TEST(ListFolder, TellsWhatItCannotRead) {
