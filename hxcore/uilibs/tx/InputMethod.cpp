@@ -1,29 +1,48 @@
 #include "tx/InputMethod.h"
 
 #include "plat/ConfigParameter.h"
-#include "plat/Exception.h"
 #include "plat/LogSrc.h"
 #include "plat/utf8.h"
 #include "rfb/keySymbols.h"
 #include "tx/ErrorCatcher.h"
 #include "tx/TX.h"
-#include "tx/dynTextInput.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 #include <utility>
 
 namespace tx {
 namespace {
 
 plat::LogSrc log("InputMethod");
-plat::BoolParameter enabled("_InputMethod", "Send keys to the XIM server that XMODIFIERS names", false);
+plat::BoolParameter enabled("_InputMethod", "Send keys to the XIM server that XMODIFIERS names", true);
 
-constexpr uint32_t maxCommitBytes = 64 * 1024;
-constexpr size_t maxPending = 256; // keys; beyond, the method doesn't keep up
-constexpr uint32_t overTheSpot = XCB_IM_PreeditPosition | XCB_IM_StatusNothing;
+constexpr size_t maxSent = 256;    // keys
+constexpr unsigned maxAsked = 256; // beyond, the method doesn't keep up
+constexpr size_t shortBytes = 20;  // what a ClientMessage holds
+constexpr unsigned longSlots = 16; // properties in turn for longer messages, as one may still be unread
+
+/// The input styles that we can serve, best first (Xlib, "Input Method Values").
+constexpr uint32_t servedStyles[] = {
+    XIMPreeditPosition | XIMStatusNothing, XIMPreeditPosition | XIMStatusNone, XIMPreeditNothing | XIMStatusNothing,
+    XIMPreeditNothing | XIMStatusNone,     XIMPreeditNone | XIMStatusNone,
+};
+
+/// For methods that draw in a window of ours with a font of the server.
+constexpr std::string_view fontSet = "-*-*-medium-r-normal-*-14-*-*-*-*-*-*-*,-*-*-*-r-*-*-14-*-*-*-*-*-*-*,fixed";
+
+/// Those of `atoms`; the first two are enough to look for a method.
+enum AtomIndex { Servers, Selection, XConnect, Protocol, MoreData, CompoundText, FirstSlot };
+
+void internAtoms(std::vector<std::string> names, std::vector<Atom>* out) {
+    std::vector<char*> texts;
+    for (std::string& one : names)
+        texts.push_back(one.data());
+    const size_t known = out->size();
+    out->resize(known + names.size());
+    XInternAtoms(dpy, texts.data(), static_cast<int>(texts.size()), False, out->data() + known);
+}
 
 /// The name of "@im=<name>" in XMODIFIERS; empty for none that is a server.
 std::string methodName() {
@@ -35,92 +54,51 @@ std::string methodName() {
     return name == "none" || name == "local" || name.size() > 100 ? std::string() : name;
 }
 
-InputMethod& self(void* data) { return *static_cast<InputMethod*>(data); }
-
-void onForward(xcb_xim_t*, xcb_xic_t, xcb_key_press_event_t* event, void* data) {
-    self(data).keyReturned(event->response_type & 0x7fU, event->detail, event->time);
-}
-
-void onCommit(xcb_xim_t*, xcb_xic_t, uint32_t flags, char* text, uint32_t len, uint32_t* keysyms, size_t count,
-              void* data) {
-    self(data).textCommitted(flags, text, len, keysyms, count);
-}
-
-void onProbed(xcb_xim_t*, xcb_xic_t, void* data) { self(data).keyDone(); }
-
-void onLost(xcb_xim_t*, void* data) { self(data).lost(); }
-
-void onOpened(xcb_xim_t*, void* data) { self(data).opened(); }
-
-void onContext(xcb_xim_t*, xcb_xic_t id, void* data) { self(data).contextMade(id); }
-
-/// The form in which the library takes those of its events that are about windows (X protocol, "Events").
-bool toWire(const XEvent& event, xcb_generic_event_t* out) {
-    static_assert(sizeof(xcb_client_message_event_t) <= sizeof(xcb_generic_event_t));
-    std::memset(out, 0, sizeof *out);
-    switch (event.type) {
-    case ClientMessage: {
-        xcb_client_message_event_t wire{};
-        wire.format = static_cast<uint8_t>(event.xclient.format);
-        wire.window = static_cast<xcb_window_t>(event.xclient.window);
-        wire.type = static_cast<xcb_atom_t>(event.xclient.message_type);
-        if (event.xclient.format == 32) {
-            for (int i = 0; i < 5; i++)
-                wire.data.data32[i] = static_cast<uint32_t>(event.xclient.data.l[i]);
-        } else {
-            std::memcpy(wire.data.data8, event.xclient.data.b, sizeof wire.data.data8);
+/// The locale that the method is told: the user's, with UTF-8.
+std::string localeName() {
+    std::string name;
+    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (value && *value) {
+            name = std::string(value, std::strcspn(value, ".@"));
+            break;
         }
-        std::memcpy(out, &wire, sizeof wire);
-        break;
     }
-    case SelectionNotify: {
-        xcb_selection_notify_event_t wire{};
-        wire.time = static_cast<xcb_timestamp_t>(event.xselection.time);
-        wire.requestor = static_cast<xcb_window_t>(event.xselection.requestor);
-        wire.selection = static_cast<xcb_atom_t>(event.xselection.selection);
-        wire.target = static_cast<xcb_atom_t>(event.xselection.target);
-        wire.property = static_cast<xcb_atom_t>(event.xselection.property);
-        std::memcpy(out, &wire, sizeof wire);
-        break;
-    }
-    case DestroyNotify: {
-        xcb_destroy_notify_event_t wire{};
-        wire.event = static_cast<xcb_window_t>(event.xdestroywindow.event);
-        wire.window = static_cast<xcb_window_t>(event.xdestroywindow.window);
-        std::memcpy(out, &wire, sizeof wire);
-        break;
-    }
-    default:
-        return false;
-    }
-    out->response_type = static_cast<uint8_t>(event.type | (event.xany.send_event ? 0x80 : 0));
-    return true;
+    if (name.empty() || name == "C" || name == "POSIX" || name.size() > 32)
+        name = "en_US";
+    return name + ".UTF-8";
 }
 
-xcb_key_press_event_t toWire(const XKeyEvent& event, Window window) {
-    xcb_key_press_event_t wire{};
-    wire.response_type = static_cast<uint8_t>(event.type);
-    wire.detail = static_cast<xcb_keycode_t>(event.keycode);
-    wire.sequence = static_cast<uint16_t>(event.serial);
-    wire.time = static_cast<xcb_timestamp_t>(event.time);
-    wire.root = static_cast<xcb_window_t>(event.root);
-    wire.event = static_cast<xcb_window_t>(window);
-    wire.root_x = static_cast<int16_t>(event.x_root);
-    wire.root_y = static_cast<int16_t>(event.y_root);
-    wire.event_x = static_cast<int16_t>(event.x);
-    wire.event_y = static_cast<int16_t>(event.y);
-    wire.state = static_cast<uint16_t>(event.state);
-    wire.same_screen = 1;
-    return wire;
+/// Escape sequences lead into other character sets (ISO 2022; X "Compound Text Encoding").
+std::string fromCompoundText(xim::Bytes text, Atom compoundText) {
+    std::string copy(text.begin(), text.end());
+    XTextProperty property{reinterpret_cast<unsigned char*>(copy.data()), compoundText, 8, copy.size()};
+    char** list = nullptr;
+    int count = 0;
+    std::string utf8;
+    if (Xutf8TextPropertyToTextList(dpy, &property, &list, &count) >= success && list) {
+        for (int i = 0; i < count; i++)
+            utf8 += list[i];
+    }
+    if (list)
+        XFreeStringList(list);
+    return utf8;
 }
 
-constexpr xcb_xim_im_callback callbacks = [] {
-    xcb_xim_im_callback table{};
-    table.forward_event = onForward;
-    table.commit_string = onCommit;
-    table.disconnected = onLost;
-    return table;
-}();
+xim::Writer wireKey(const XKeyEvent& event, uint16_t im, uint16_t ic, Window window) {
+    xim::Writer out(xim::ForwardEvent);
+    out.u16(im).u16(ic).u16(0).u16(static_cast<unsigned>(event.serial >> 16));
+    out.u8(static_cast<unsigned>(event.type)).u8(event.keycode).u16(static_cast<unsigned>(event.serial));
+    out.u32(static_cast<uint32_t>(event.time)).u32(static_cast<uint32_t>(event.root));
+    out.u32(static_cast<uint32_t>(window)).u32(0);
+    for (const int position : {event.x_root, event.y_root, event.x, event.y})
+        out.u16(static_cast<uint16_t>(position));
+    return out.u16(event.state).u8(1).u8(0);
+}
+
+bool matches(const xim::TriggerKey& key, KeySym keysym, unsigned state) {
+    return key.keysym == keysym && (state & key.mask) == (key.modifiers & key.mask);
+}
 
 } // namespace
 
@@ -129,247 +107,566 @@ InputMethod& InputMethod::instance() {
     return method;
 }
 
+// Who takes text.
+
 void InputMethod::setCursor(InputMethodClient* client, Window window, const rfb::Rect& cursor) {
     if (cursor.isEmpty()) {
-        if (client == current)
-            current = nullptr;
+        if (client != current)
+            return;
+        current = nullptr;
+        focusContext(/*in=*/false);
         return;
     }
-    const bool moved = spot != cursor || currentWindow != window;
-    if (current != client) {
-        pending.clear();
-        unanswered = 0;
-    }
+    const bool entered = current != client;
+    const bool moved = spot != cursor;
     current = client;
     currentWindow = window;
     spot = cursor;
-    if (!im)
-        start();
-    else if (isOpen && contextWindow != window)
+    if (stage == Stage::Idle) {
+        if (entered)
+            start();
+    } else if (stage == Stage::Open && contextWindow != window) {
         makeContext();
-    else if (moved && context)
-        sendSpot(/*probe=*/false);
-    flush();
-}
-
-/// What the library writes goes round Xlib's own buffer, which may be empty and flush nothing.
-void InputMethod::flush() {
-    if (im)
-        dynTextInput::xcb_flush(dynTextInput::XGetXCBConnection(dpy));
+    } else if (context) {
+        focusContext(/*in=*/true);
+        if (moved)
+            sendSpot(/*probe=*/false);
+    }
 }
 
 void InputMethod::forget(InputMethodClient* client) {
+    std::erase_if(sent, [client](const Sent& one) { return one.client == client; });
+    std::replace(delivering.begin(), delivering.end(), client, static_cast<InputMethodClient*>(nullptr));
     if (client != current)
         return;
     current = nullptr;
-    pending.clear();
-    unanswered = 0;
-    answerTimer.cancel();
+    focusContext(/*in=*/false);
 }
 
-void InputMethod::start() {
+// The conversation begins.
+
+bool InputMethod::named() {
     const std::string name = methodName();
     if (name.empty() || !enabled.value())
-        return;
-    const Atom selection = XInternAtom(dpy, ("@server=" + name).c_str(), True);
-    owner = selection ? XGetSelectionOwner(dpy, selection) : none;
-    if (owner == none || owner == hungOwner)
-        return; // asked again when another text field is entered
-    try {
-        xcb_connection_t* connection = dynTextInput::XGetXCBConnection(dpy);
-        dynTextInput::xcb_compound_text_init();
-        im = dynTextInput::xcb_xim_create(connection, DefaultScreen(dpy), ("@im=" + name).c_str());
-        if (!im)
-            return;
-        dynTextInput::xcb_xim_set_im_callback(im, &callbacks, static_cast<void*>(this));
-        dynTextInput::xcb_xim_set_use_utf8_string(im, true);
-        const bool connects = dynTextInput::xcb_xim_open(im, onOpened, false, static_cast<void*>(this));
-        log.debug("input method %s: %s", name.c_str(), connects ? "connecting" : "none");
-        if (!connects)
-            stop();
-        else
-            answerTimer.start(answerMs);
-    } catch (const plat::DynamicFnLoadFailed& e) {
-        log.info("no input method: %s", e.what());
-        hungOwner = owner;
-    }
-}
-
-void InputMethod::opened() {
-    isOpen = true;
-    answerTimer.cancel();
-    log.info("input method ready");
-    if (current)
-        makeContext();
-}
-
-void InputMethod::makeContext() {
-    if (contextAsked)
-        return; // made for the right window when the answer comes
-    if (context)
-        dynTextInput::xcb_xim_destroy_ic(im, context, static_cast<xcb_xim_destroy_ic_callback>(nullptr),
-                                         static_cast<void*>(nullptr));
-    context = 0;
-    contextAsked = true;
-    contextWindow = currentWindow;
-    uint32_t style = overTheSpot;
-    auto window = static_cast<uint32_t>(contextWindow);
-    xcb_point_t point{static_cast<int16_t>(spot.tl.x), static_cast<int16_t>(spot.br.y)};
-    xcb_xim_nested_list preedit = dynTextInput::xcb_xim_create_nested_list(im, XCB_XIM_XNSpotLocation, &point, nullptr);
-    dynTextInput::xcb_xim_create_ic(im, onContext, static_cast<void*>(this), XCB_XIM_XNInputStyle, &style,
-                                    XCB_XIM_XNClientWindow, &window, XCB_XIM_XNFocusWindow, &window,
-                                    XCB_XIM_XNPreeditAttributes, &preedit, nullptr);
-    std::free(preedit.data);
-    answerTimer.start(answerMs);
-}
-
-void InputMethod::contextMade(uint16_t id) {
-    contextAsked = false;
-    answerTimer.cancel();
-    context = id;
-    if (id == 0)
-        return; // refused: keys are used as they are
-    if (current && contextWindow != currentWindow) {
-        makeContext();
-        return;
-    }
-    dynTextInput::xcb_xim_set_ic_focus(im, id);
-    sendSpot(/*probe=*/false);
-}
-
-/// Where the method shows its own window: below the text cursor.
-void InputMethod::sendSpot(bool probe) {
-    xcb_point_t point{static_cast<int16_t>(spot.tl.x), static_cast<int16_t>(spot.br.y)};
-    xcb_xim_nested_list preedit = dynTextInput::xcb_xim_create_nested_list(im, XCB_XIM_XNSpotLocation, &point, nullptr);
-    dynTextInput::xcb_xim_set_ic_values(im, context, probe ? onProbed : nullptr, static_cast<void*>(this),
-                                        XCB_XIM_XNPreeditAttributes, &preedit, nullptr);
-    std::free(preedit.data);
-}
-
-bool InputMethod::takeKey(InputMethodClient* client, const XKeyEvent& event) {
-    if (!context || client != current || contextWindow != currentWindow || unanswered >= maxPending)
         return false;
-    while (pending.size() >= maxPending) // used long ago
-        pending.pop_front();
-    xcb_key_press_event_t wire = toWire(event, contextWindow);
-    if (!dynTextInput::xcb_xim_forward_event(im, context, &wire))
-        return false;
-    pending.push_back(event);
-    unanswered++;
-    sendSpot(/*probe=*/true); // that has an answer, whatever becomes of the key
-    flush();
-    if (!answerTimer.isActive())
-        answerTimer.start(answerMs);
+    if (atoms.empty()) {
+        addRootEventHandler(this, /*add=*/true, PropertyChangeMask);
+        internAtoms({"XIM_SERVERS", "@server=" + name}, &atoms);
+    }
     return true;
 }
 
-bool InputMethod::filterEvent(const XEvent& event) {
-    if (event.type == DestroyNotify && event.xdestroywindow.window == hungOwner)
-        hungOwner = none;
-    xcb_generic_event_t wire;
-    if (!im || !toWire(event, &wire))
-        return false;
-    depth++;
-    const bool taken = dynTextInput::xcb_xim_filter_event(im, &wire);
-    flush();
-    depth--;
-    if (stopLater && depth == 0)
+/// Where no method runs: two round trips the first time, then one; where none is named, nothing.
+void InputMethod::start() {
+    if (!named())
+        return;
+    owner = XGetSelectionOwner(dpy, atoms[Selection]);
+    if (owner == none)
+        return;
+    log.debug("connecting to 0x%lx", owner);
+    if (atoms.size() <= XConnect) {
+        std::vector<std::string> names = {"_XIM_XCONNECT", "_XIM_PROTOCOL", "_XIM_MOREDATA", "COMPOUND_TEXT"};
+        for (unsigned i = 0; i < longSlots; i++)
+            names.push_back("_ZEF_XIM_" + std::to_string(i));
+        internAtoms(std::move(names), &atoms);
+    }
+    if (own == none)
+        own = XCreateWindow(dpy, rootWindow, -1, -1, 1, 1, 0, 0, InputOnly, nullptr, 0, nullptr);
+    stage = Stage::Connecting;
+    watch(owner);
+    if (stage == Stage::Idle)
+        return;
+    sendClientMessage(owner, NoEventMask, owner, atoms[XConnect], static_cast<long>(own));
+    lastAsked++;
+    answerTimer.start(answerMs);
+}
+
+/// Its end is the end of the method.
+void InputMethod::watch(Window window) {
+    ErrorCatcher catcher(100);
+    XSelectInput(dpy, window, StructureNotifyMask);
+    if (catcher.failed())
         stop();
-    return taken;
 }
 
-/// The method gave a key back, or made one up.
-void InputMethod::keyReturned(unsigned type, unsigned keycode, Time time) {
-    const auto found = std::find_if(pending.begin(), pending.end(), [=](const XKeyEvent& event) {
-        return static_cast<unsigned>(event.type) == type && event.keycode == keycode && event.time == time;
-    });
-    if (found == pending.end())
-        return; // not one of ours: nobody pressed it
-    const XKeyEvent event = *found;
-    pending.erase(pending.begin(), found + 1); // the ones before it were used
-    unanswered = std::min(unanswered, pending.size());
-    deliver(event);
+void InputMethod::connected(const XClientMessageEvent& event) {
+    const auto window = static_cast<Window>(event.data.l[0]);
+    if (stage != Stage::Connecting || event.format != 32 || window == none || window == own || findWindow(window))
+        return;
+    answered();
+    server = window;
+    stage = Stage::Opening;
+    watch(server);
+    if (stage == Stage::Idle)
+        return;
+    const uint16_t one = 1;
+    const bool little = reinterpret_cast<const uint8_t&>(one) == 1;
+    xim::Writer hello(xim::Connect);
+    hello.u8(little ? 'l' : 'B').u8(0).u16(1).u16(0).u16(0);
+    ask(hello);
 }
 
-/// The method is through with the oldest key; what is still under way has its full time again.
-void InputMethod::keyDone() {
-    answerTimer.cancel();
-    if (unanswered > 0 && --unanswered > 0)
+bool InputMethod::opened(xim::Bytes body) {
+    xim::OpenReplyBody reply;
+    if (stage != Stage::Opening || !parse(body, &reply))
+        return false;
+    im = reply.im;
+    ids = reply.ids;
+    stage = Stage::Asking;
+    xim::Writer encodings(xim::EncodingNegotiation);
+    encodings.u16(im).u16(0);
+    encodings.string8("COMPOUND_TEXT");
+    encodings.setU16(xim::headerBytes + 2, encodings.size() - xim::headerBytes - 4);
+    encodings.pad().u16(0).u16(0);
+    ask(encodings);
+    xim::Writer values(xim::GetImValues);
+    values.u16(im).u16(2).u16(static_cast<unsigned>(ids.queryInputStyle));
+    ask(values);
+    return true;
+}
+
+/// Asks for a context for the window that takes text, in the best style that is left.
+void InputMethod::makeContext() {
+    if (contextAsked || styles.empty())
+        return; // made for the right window when the answer comes
+    if (context) {
+        xim::Writer destroy(xim::DestroyIc);
+        destroy.u16(im).u16(context);
+        send(destroy);
+    }
+    context = 0;
+    contextFocused = false;
+    contextAsked = true;
+    contextWindow = currentWindow;
+    xim::Writer out(xim::CreateIc);
+    const auto number = [&out](int id, uint32_t value) {
+        if (id >= 0)
+            out.u16(static_cast<unsigned>(id)).u16(4).u32(value);
+    };
+    out.u16(im).u16(0);
+    number(ids.inputStyle, styles.front());
+    number(ids.clientWindow, static_cast<uint32_t>(contextWindow));
+    number(ids.focusWindow, static_cast<uint32_t>(contextWindow));
+    if (styles.front() & XIMPreeditPosition)
+        spotValue(&out, /*whole=*/true);
+    out.setU16(xim::headerBytes + 2, out.size() - xim::headerBytes - 4);
+    ask(out);
+}
+
+/// Where the method shows its own window: below the text cursor.
+void InputMethod::spotValue(xim::Writer* out, bool whole) const {
+    if (ids.preeditAttributes < 0 || ids.spotLocation < 0)
+        return;
+    out->u16(static_cast<unsigned>(ids.preeditAttributes)).u16(0);
+    const size_t start = out->size();
+    out->u16(static_cast<unsigned>(ids.spotLocation)).u16(4);
+    out->u16(static_cast<uint16_t>(spot.tl.x)).u16(static_cast<uint16_t>(spot.br.y));
+    if (whole && ids.fontSet >= 0) {
+        out->u16(static_cast<unsigned>(ids.fontSet)).u16(static_cast<unsigned>((2 + fontSet.size() + 3) / 4 * 4));
+        out->u16(static_cast<unsigned>(fontSet.size()));
+        out->bytes({reinterpret_cast<const uint8_t*>(fontSet.data()), fontSet.size()}).pad();
+    }
+    out->setU16(start - 2, out->size() - start);
+}
+
+void InputMethod::sendSpot(bool probe) {
+    xim::Writer out(xim::SetIcValues);
+    out.u16(im).u16(context).u16(0).u16(0);
+    spotValue(&out, /*whole=*/false);
+    const size_t len = out.size() - xim::headerBytes - 8;
+    if (len == 0 && !probe)
+        return;
+    out.setU16(xim::headerBytes + 4, len);
+    ask(out);
+}
+
+void InputMethod::focusContext(bool in) {
+    if (!context || contextFocused == in)
+        return;
+    contextFocused = in;
+    xim::Writer out(in ? xim::SetIcFocus : xim::UnsetIcFocus);
+    out.u16(im).u16(context);
+    send(out);
+    sendSpot(/*probe=*/!in);
+    if (!in)
+        leftUpTo = lastAsked;
+}
+
+// Messages.
+
+/// Short ones fit into the event; of longer ones it names the property (XIM, appendix D).
+void InputMethod::send(xim::Writer& writer) {
+    const std::vector<uint8_t>& data = writer.message();
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = server;
+    event.xclient.message_type = atoms[Protocol];
+    event.xclient.format = 8;
+    if (data.size() <= shortBytes) {
+        std::memcpy(event.xclient.data.b, data.data(), data.size());
+    } else {
+        const Atom property = atoms[FirstSlot + sentLong++ % longSlots];
+        XChangeProperty(dpy, server, property, XA_STRING, 8, PropModeAppend, data.data(),
+                        static_cast<int>(data.size()));
+        event.xclient.format = 32;
+        event.xclient.data.l[0] = static_cast<long>(data.size());
+        event.xclient.data.l[1] = static_cast<long>(property);
+    }
+    XSendEvent(dpy, server, False, NoEventMask, &event);
+}
+
+void InputMethod::ask(xim::Writer& writer) {
+    send(writer);
+    lastAsked++;
+    if (!stalled && !answerTimer.isActive())
         answerTimer.start(answerMs);
 }
 
-void InputMethod::deliver(XKeyEvent event) {
-    if (current)
-        current->inputMethodKey(&event);
+/// The method is through with the oldest question; what is still under way has its full time again.
+void InputMethod::answered() {
+    answerTimer.cancel();
+    if (lastAnswered < lastAsked)
+        lastAnswered++;
+    if (lastAnswered < lastAsked && !stalled)
+        answerTimer.start(answerMs);
+    if (lastAnswered == lastAsked && std::exchange(stalled, false))
+        log.info("the input method answers again");
 }
 
-void InputMethod::textCommitted(uint32_t flags, const char* text, uint32_t len, const uint32_t* keysyms,
-                                size_t keysymCount) {
+bool InputMethod::filterEvent(const XEvent& event) {
+    if (stage == Stage::Idle)
+        return false;
+    if (event.type == DestroyNotify) {
+        const Window gone = event.xdestroywindow.window;
+        if (gone == none || (gone != owner && gone != server))
+            return false;
+        log.info("input method gone");
+        stop();
+        return true;
+    }
+    if (event.type != ClientMessage || event.xclient.window != own)
+        return event.xany.window == own && own != none;
+    if (event.xclient.message_type == atoms[XConnect])
+        connected(event.xclient);
+    else if (event.xclient.message_type == atoms[Protocol] || event.xclient.message_type == atoms[MoreData])
+        receive(event.xclient);
+    return true;
+}
+
+void InputMethod::receive(const XClientMessageEvent& event) {
+    if (stage == Stage::Connecting)
+        return;
+    if (event.format == 32) {
+        const Property value =
+            getWindowProperty(own, static_cast<Atom>(event.data.l[1]), 0, /*remove=*/true, xim::maxMessageBytes);
+        const std::span<const char> bytes = value.bytes();
+        receive({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
+        return;
+    }
+    if (event.format != 8)
+        return;
+    const auto* piece = reinterpret_cast<const uint8_t*>(event.data.b);
+    incoming.insert(incoming.end(), piece, piece + shortBytes);
+    const bool more = event.message_type == atoms[MoreData];
+    if (more && incoming.size() <= xim::maxMessageBytes)
+        return;
+    const std::vector<uint8_t> whole = std::exchange(incoming, {});
+    if (!more)
+        receive(xim::Bytes(whole));
+}
+
+/// One message or more; a short one is followed by bytes that mean nothing.
+void InputMethod::receive(xim::Bytes data) {
+    const unsigned ours = life;
+    xim::Message message;
+    while (life == ours && stage != Stage::Idle && xim::takeMessage(data, &message)) {
+        if (message.opcode == 0)
+            return;
+        if (!handle(message)) {
+            if (life == ours) {
+                log.info("the input method says what has no sense: %u, %zu bytes", message.opcode, message.body.size());
+                stop();
+            }
+            return;
+        }
+    }
+}
+
+/// False for what no method would say.
+bool InputMethod::handle(const xim::Message& message) {
+    const xim::Bytes body = message.body;
+    switch (message.opcode) {
+    case xim::ConnectReply: {
+        answered();
+        xim::Writer open(xim::Open);
+        open.string8(localeName());
+        ask(open);
+        return stage == Stage::Opening;
+    }
+    case xim::OpenReply:
+        answered();
+        return opened(body);
+    case xim::EncodingNegotiationReply:
+        answered();
+        return stage == Stage::Asking;
+    case xim::GetImValuesReply: {
+        answered();
+        std::vector<uint32_t> offered;
+        if (stage != Stage::Asking || !xim::parseStyles(body, ids.queryInputStyle, &offered))
+            return false;
+        for (const uint32_t style : servedStyles) {
+            if (std::find(offered.begin(), offered.end(), style) != offered.end())
+                styles.push_back(style);
+        }
+        stage = Stage::Open;
+        log.info("input method ready%s", styles.empty() ? ", in no style that is known" : "");
+        if (current)
+            makeContext();
+        return true;
+    }
+    case xim::CreateIcReply: {
+        xim::Reader in(body);
+        in.skip(2);
+        if (!std::exchange(contextAsked, false))
+            return false;
+        answered();
+        context = in.u16();
+        if (current && contextWindow != currentWindow)
+            makeContext();
+        else
+            focusContext(current != nullptr);
+        return in.ok();
+    }
+    case xim::SetIcValuesReply:
+        answered();
+        return true;
+    case xim::Error:
+        return handleError(body);
+    case xim::RegisterTriggerKeys:
+        triggers = {};
+        return parse(body, &triggers);
+    case xim::SetEventMask: {
+        xim::EventMasks masks;
+        if (!parse(body, &masks))
+            return false;
+        forwardMask = masks.forward;
+        return true;
+    }
+    case xim::ForwardEvent: {
+        xim::ForwardedEvent key;
+        return !parse(body, &key) || keyReturned(key); // any other event is of no use
+    }
+    case xim::Commit: {
+        xim::CommitBody text;
+        return parse(body, &text) && textCommitted(text);
+    }
+    case xim::Sync: {
+        xim::Writer reply(xim::SyncReply);
+        reply.u16(im).u16(context);
+        send(reply);
+        return true;
+    }
+    case xim::AuthRequired:
+        return false;
+    default:
+        return true; // what methods may tell, and needn't be known
+    }
+}
+
+/// A refusal is an answer. Without a context, keys are used as they are.
+bool InputMethod::handleError(xim::Bytes body) {
+    if (stage != Stage::Open)
+        return false;
+    answered();
+    xim::Reader in(body);
+    in.skip(6);
+    const unsigned code = in.u16();
+    log.debug("the input method refuses: %u", code);
+    if (std::exchange(contextAsked, false)) {
+        styles.erase(styles.begin());
+        if (current)
+            makeContext();
+    }
+    return true;
+}
+
+// Keys and text.
+
+/// Whether the method wants the key. One that is told when it shall begin is told.
+bool InputMethod::forwards(const XKeyEvent& event) {
+    if (event.type == KeyPress && (!triggers.on.empty() || !triggers.off.empty())) {
+        XKeyEvent copy = event;
+        KeySym keysym = NoSymbol;
+        char text[32];
+        XLookupString(&copy, text, sizeof(text), &keysym, nullptr);
+        const bool isOn = (forwardMask & KeyPressMask) != 0;
+        const std::vector<xim::TriggerKey>& keys = isOn ? triggers.off : triggers.on;
+        for (size_t i = 0; i < keys.size(); i++) {
+            if (!matches(keys[i], keysym, event.state))
+                continue;
+            xim::Writer out(xim::TriggerNotify);
+            out.u16(im).u16(context).u16(isOn ? 1 : 0).u16(0).u32(static_cast<uint32_t>(i)).u32(KeyPressMask);
+            send(out);
+            return true;
+        }
+    }
+    return (forwardMask & (event.type == KeyPress ? KeyPressMask : KeyReleaseMask)) != 0;
+}
+
+bool InputMethod::takeKey(InputMethodClient* client, const XKeyEvent& event) {
+    if (!context || stalled || client != current || contextWindow != currentWindow)
+        return false;
+    if (lastAsked - lastAnswered >= maxAsked) {
+        timerExpired(&answerTimer);
+        return false;
+    }
+    const bool wanted = forwards(event);
+    if (!wanted) {
+        // Not before its press.
+        const auto press = std::find_if(sent.rbegin(), sent.rend(), [&event](const Sent& one) {
+            return one.event.type == KeyPress && one.event.keycode == event.keycode && !one.used;
+        });
+        if (event.type != KeyRelease || press == sent.rend() || press->released)
+            return false;
+        press->released = true;
+        press->release = event;
+        return true;
+    }
+    xim::Writer out = wireKey(event, im, context, contextWindow);
+    send(out);
+    sendSpot(/*probe=*/true); // that has an answer, whatever becomes of the key
+    sent.push_back({event, client, lastAsked});
+    if (sent.size() > maxSent)
+        sent.pop_front(); // the method made something of it long ago
+    return true;
+}
+
+/// The method gave a key back, or made one up.
+bool InputMethod::keyReturned(const xim::ForwardedEvent& key) {
+    const auto found = std::find_if(sent.begin(), sent.end(), [&key](const Sent& one) {
+        return one.event.type == key.type && one.event.keycode == key.keycode &&
+               static_cast<uint32_t>(one.event.time) == key.time;
+    });
+    const unsigned ours = life;
+    if (found != sent.end()) {
+        Sent back = *found;
+        sent.erase(sent.begin(), found + 1); // the ones before it became text
+        if (!back.used)
+            deliver(back);
+    } else if (current && context && key.ic == context) {
+        XKeyEvent made{};
+        made.type = key.type;
+        made.display = dpy;
+        made.send_event = True;
+        made.window = currentWindow;
+        made.root = rootWindow;
+        made.time = key.time;
+        made.keycode = key.keycode;
+        made.state = key.state;
+        made.same_screen = True;
+        current->inputMethodKey(&made);
+    }
+    if (life == ours && (key.flags & xim::synchronous)) {
+        xim::Writer reply(xim::SyncReply);
+        reply.u16(key.im).u16(key.ic);
+        send(reply);
+    }
+    return true;
+}
+
+bool InputMethod::textCommitted(const xim::CommitBody& body) {
     std::string utf8;
-    if ((flags & XCB_XIM_LOOKUP_CHARS) && text && len <= maxCommitBytes) {
-        if (dynTextInput::xcb_xim_get_encoding(im) == XCB_XIM_UTF8_STRING) {
-            utf8.assign(text, len);
-        } else {
-            size_t utf8Len = 0;
-            char* converted = dynTextInput::xcb_compound_text_to_utf8(text, static_cast<size_t>(len), &utf8Len);
-            if (converted)
-                utf8.assign(converted, utf8Len);
-            std::free(converted);
-        }
+    if (!body.text.empty())
+        utf8 = fromCompoundText(body.text, atoms[CompoundText]);
+    if (utf8.empty() && body.keysym != 0) {
+        char encoded[8];
+        char* end = static_cast<char*>(encoded);
+        plat::encodeUtf8(rfb::unicodeFromKeysym(body.keysym), &end);
+        utf8.assign(static_cast<char*>(encoded), end);
     }
-    if (flags & XCB_XIM_LOOKUP_KEYSYM) {
-        for (size_t i = 0; i < std::min<size_t>(keysymCount, 64); i++) {
-            char encoded[8];
-            char* end = static_cast<char*>(encoded);
-            plat::encodeUtf8(rfb::unicodeFromKeysym(keysyms[i]), &end);
-            utf8.append(static_cast<char*>(encoded), end);
-        }
-    }
-    if (current && !utf8.empty())
+    const unsigned ours = life;
+    // What was begun in the field before belongs there.
+    const bool late = stalled || lastAnswered < leftUpTo;
+    if (current && !late && body.ic == context && !utf8.empty())
         current->inputMethodText(plat::repairUtf8(utf8.data(), static_cast<int>(utf8.size())));
+    if (life == ours && (body.flags & xim::synchronous)) {
+        xim::Writer reply(xim::SyncReply);
+        reply.u16(body.im).u16(body.ic);
+        send(reply);
+    }
+    return true;
 }
 
-void InputMethod::lost() {
-    log.info("input method gone");
-    stopLater = true; // the library is still at work
-}
+// The method fails.
 
 bool InputMethod::timerExpired(plat::Timer*) {
     log.info("the input method gives no answer: keys are used as they are");
-    stop();
-    hungOwner = owner;
-    const ErrorCatcher catcher(100);
-    XSelectInput(dpy, owner, StructureNotifyMask); // another method may get the same number
+    stalled = true;
+    answerTimer.cancel();
+    useSentKeys();
     return false;
+}
+
+/// Those whose question has no answer. They stay in the list, to be known when they come back after all.
+void InputMethod::useSentKeys() {
+    std::vector<Sent> keys;
+    for (Sent& one : sent) {
+        if (one.question > lastAnswered && !std::exchange(one.used, true))
+            keys.push_back(one);
+    }
+    for (Sent& one : keys) {
+        const auto kept = [&one](const Sent& other) { return other.client == one.client; };
+        if (std::any_of(sent.begin(), sent.end(), kept))
+            deliver(one);
+    }
+}
+
+/// The client may end in any call.
+void InputMethod::deliver(Sent& key) {
+    const size_t depth = delivering.size();
+    delivering.push_back(key.client);
+    key.client->inputMethodKey(&key.event);
+    if (key.released && delivering[depth])
+        key.client->inputMethodKey(&key.release);
+    delivering.pop_back();
 }
 
 /// Ends the conversation; keys under way are used as they are.
 void InputMethod::stop() {
     answerTimer.cancel();
-    stopLater = false;
-    if (im) {
-        dynTextInput::xcb_xim_close(im);
-        flush();
-        dynTextInput::xcb_xim_destroy(im);
-    }
-    im = nullptr;
-    isOpen = contextAsked = false;
+    stage = Stage::Idle;
     context = 0;
-    contextWindow = none;
-    giveBack();
+    useSentKeys();
+    life++;
+    sent.clear();
+    incoming.clear();
+    lastAnswered = leftUpTo = lastAsked;
+    stalled = contextAsked = contextFocused = false;
+    owner = server = contextWindow = none;
+    im = 0;
+    ids = {};
+    styles.clear();
+    triggers = {};
+    forwardMask = KeyPressMask;
 }
 
-void InputMethod::giveBack() {
-    const std::deque<XKeyEvent> keys = std::exchange(pending, {});
-    const size_t used = keys.size() - std::exchange(unanswered, 0);
-    for (size_t i = used; i < keys.size(); i++)
-        deliver(keys[i]);
+/// A method that comes touches this property in any case.
+bool InputMethod::handleEvent(XEvent* event) {
+    if (event->type == PropertyNotify && event->xproperty.atom == atoms[Servers] && stage == Stage::Idle && current)
+        start();
+    return false;
 }
 
 void InputMethod::close() {
     current = nullptr;
-    stop();
-    hungOwner = owner = none;
+    if (stage != Stage::Idle)
+        stop();
+    if (own != none)
+        XDestroyWindow(dpy, own);
+    own = none;
+    if (!atoms.empty())
+        addRootEventHandler(this, /*add=*/false);
+    atoms.clear();
 }
 
 } // namespace tx

@@ -5,33 +5,35 @@
 #include "plat/String.h"
 #include "plat/Timer.h"
 #include "rfb/Rect.h"
+#include "tx/TXEventHandler.h"
+#include "tx/xim.h"
 #include "tx/xlib.h"
 
 #include <cstdint>
 #include <deque>
-
-struct _xcb_xim_t;
+#include <string>
+#include <vector>
 
 namespace tx {
 
-/// Who takes text from an input method.
+/// A window that takes text from an input method.
 class InputMethodClient {
 public:
     virtual ~InputMethodClient() = default;
-    virtual void inputMethodKey(XKeyEvent* event) = 0;          ///< a key that the method doesn't use
+    virtual void inputMethodKey(XKeyEvent* event) = 0;          ///< a key that the method doesn't use, or that it made
     virtual void inputMethodText(const plat::String& text) = 0; ///< UTF-8
 };
 
 /// Speaks XIM with the input method that XMODIFIERS names ("@im=<name>"), over the spot: its window follows the text
-/// cursor of the widget that takes text. Keys go there only while there is such a widget.
+/// cursor of the widget that takes text. Where the method can't do that, it shows its text where it likes. Keys go there
+/// only while there is such a widget. It is found when a text field is entered, and when it comes or comes back
+/// meanwhile.
 ///
-/// Nothing waits for the method: keys are sent, and come back later as keys or as text. One that leaves a key without
-/// an answer for answerMs counts as hung: the keys are used as they are, and it is let alone until another one runs. By
-/// libxcb-imdkit; without it there is no input method.
-///
-/// Off unless the hidden parameter _InputMethod is on: keys that a method gives back have not been seen to arrive in
-/// every case, and plain typing must not suffer from that.
-class InputMethod : private plat::Timer::Callback, private plat::NonCopyable {
+/// Nothing waits for the method, which is why Xlib's own client is of no use: there each step blocks. Keys are sent, and
+/// come back later as keys, as text, or not at all; behind each goes a question that every method answers. With a
+/// question unanswered for answerMs, the keys under way are used as they are, and so are all further ones, until the
+/// method has answered everything.
+class InputMethod : private plat::Timer::Callback, private TXEventHandler, private plat::NonCopyable {
 public:
     static constexpr unsigned answerMs = 1000;
 
@@ -48,46 +50,78 @@ public:
     /// True for an event between us and the method.
     bool filterEvent(const XEvent& event);
 
-    bool isReady() const { return context != 0; } ///< a method takes our keys
+    bool isReady() const { return context != 0 && !stalled; } ///< a method takes our keys
 
     void close(); ///< before the display is
 
-    // What the library calls.
-    void opened();
-    void contextMade(uint16_t id);
-    void keyReturned(unsigned type, unsigned keycode, Time time);
-    void keyDone();
-    void textCommitted(uint32_t flags, const char* text, uint32_t len, const uint32_t* keysyms, size_t keysymCount);
-    void lost();
-
 private:
+    /// A key that was sent.
+    struct Sent {
+        XKeyEvent event;
+        InputMethodClient* client;
+        unsigned question;     // that was asked behind it
+        bool used = false;     // as it was, since the method was late: what comes back is swallowed
+        bool released = false; // meanwhile, in a way that the method isn't told of
+        XKeyEvent release{};
+    };
+    enum class Stage { Idle, Connecting, Opening, Asking, Open };
+
     InputMethod() = default;
 
     // plat::Timer::Callback
     bool timerExpired(plat::Timer* timer) override;
+    // TXEventHandler: the root window's properties, where methods announce themselves
+    bool handleEvent(XEvent* event) override;
 
     void start();
-    void makeContext();
-    void sendSpot(bool probe);
     void stop();
-    void giveBack();
-    void flush();
-    void deliver(XKeyEvent event);
+    bool named();
+    void connected(const XClientMessageEvent& event);
+    void receive(const XClientMessageEvent& event);
+    void receive(xim::Bytes data);
+    bool handle(const xim::Message& message);
+    bool opened(xim::Bytes body);
+    bool handleError(xim::Bytes body);
+    bool keyReturned(const xim::ForwardedEvent& key);
+    bool textCommitted(const xim::CommitBody& body);
+    void send(xim::Writer& writer);
+    void ask(xim::Writer& writer);
+    void answered();
+    void makeContext();
+    void focusContext(bool in);
+    void spotValue(xim::Writer* out, bool whole) const;
+    void sendSpot(bool probe);
+    bool forwards(const XKeyEvent& event);
+    void useSentKeys();
+    void deliver(Sent& key);
+    void watch(Window window);
 
-    _xcb_xim_t* im = nullptr; // null while no method is spoken with
-    bool isOpen = false;
-    uint16_t context = 0; // of `contextWindow`; 0 for none
+    Stage stage = Stage::Idle;
+    std::vector<Atom> atoms;         // by the list in the source; empty until a method is named
+    Window own = none;               // where the method's messages go
+    Window owner = none;             // of the method's selection
+    Window server = none;            // where ours go
+    std::vector<uint8_t> incoming;   // the pieces of a message that has not come in full
+    unsigned sentLong = 0;           // messages that took a property
+    unsigned lastAsked = 0;          // number of the last question
+    unsigned lastAnswered = 0;       // answers come in the order of the questions
+    unsigned leftUpTo = 0;           // the question behind the leaving of a field
+    bool stalled = false;            // late with an answer
+    uint16_t im = 0;
+    xim::AttributeIds ids;
+    std::vector<uint32_t> styles;    // that are left to try, best first
+    xim::TriggerKeys triggers;
+    uint32_t forwardMask = KeyPressMask;
+    uint16_t context = 0;            // of `contextWindow`; 0 for none
     Window contextWindow = none;
     bool contextAsked = false;
-    Window hungOwner = none; // of a method that gave no answer
-    Window owner = none;
+    bool contextFocused = false;
     InputMethodClient* current = nullptr;
     Window currentWindow = none;
     rfb::Rect spot;
-    std::deque<XKeyEvent> pending; // sent, and not given back
-    size_t unanswered = 0;         // of the latest of them; the method is through with the others
-    bool stopLater = false;        // lost inside a call of the library
-    int depth = 0;                 // of calls into the library
+    std::deque<Sent> sent;                      // and not given back
+    std::vector<InputMethodClient*> delivering; // in calls of theirs; null once forgotten
+    unsigned life = 0;     // counts conversations: what a call back into a widget may end
     plat::Timer answerTimer{this};
 };
 

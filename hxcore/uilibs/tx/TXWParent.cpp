@@ -145,7 +145,7 @@ void TXWParent::attachRoot() {
 
 void TXWParent::detachRoot() {
     InputMethod::instance().forget(this);
-    takesText = false;
+    textCursor = {};
     cancelTooltip();
     hintTimer.cancel();
     if (hint)
@@ -282,8 +282,8 @@ bool TXWParent::handleEvent(XEvent* event) {
     switch (event->type) {
     case KeyPress:
     case KeyRelease:
-        // What grants access takes its keys from the keyboard alone.
-        if (!takesText || inputBlocked || guard || !InputMethod::instance().takeKey(this, event->xkey))
+        tellInputMethod(/*in=*/true); // the keyboard is here
+        if (inputBlocked || !InputMethod::instance().takeKey(this, event->xkey))
             handleKey(&event->xkey);
         break;
     case ButtonPress:
@@ -295,7 +295,11 @@ bool TXWParent::handleEvent(XEvent* event) {
         if (event->xcrossing.mode == NotifyNormal && root && attachedRoot)
             root->mouseLeft();
         break;
+    case FocusIn:
+        tellInputMethod(/*in=*/true);
+        break;
     case FocusOut:
+        tellInputMethod(/*in=*/false);
         releaseKeys();
         break;
     case Expose:
@@ -329,13 +333,33 @@ void TXWParent::handleKey(XKeyEvent* event) {
         keyEvent(event->keycode, 0, /*down=*/false);
 }
 
-void TXWParent::inputMethodKey(XKeyEvent* event) { handleKey(event); }
+// What comes from an input method is never a deliberate act.
 
-void TXWParent::setTextCursor(wvw::Widget*, const rfb::Rect& rect) {
-    takesText = !rect.isEmpty();
-    if (!takesText)
+void TXWParent::inputMethodKey(XKeyEvent* event) {
+    const ConsentGuard::Scope notJudged(guard, XEvent{});
+    handleKey(event);
+}
+
+/// A secret is for no other program to read.
+void TXWParent::tellInputMethod(bool in) {
+    const bool takes = in && !textCursor.isEmpty() && !textIsSecret;
+    InputMethod::instance().setCursor(this, win(), takes ? textCursor : rfb::Rect());
+}
+
+void TXWParent::inputMethodText(const plat::String& text) {
+    const ConsentGuard::Scope notJudged(guard, XEvent{});
+    if (!inputBlocked)
+        typeText(text);
+}
+
+void TXWParent::setTextCursor(wvw::Widget*, const rfb::Rect& rect, bool secret) {
+    textCursor = rect;
+    textIsSecret = secret;
+    if (rect.isEmpty())
         ComposeSequences::instance().reset();
-    InputMethod::instance().setCursor(this, win(), rect);
+    // A field behind the window with the keyboard may have its text changed by the program.
+    if (rect.isEmpty() || TXWindow::isFocused() || !hasFocus)
+        tellInputMethod(/*in=*/true);
 }
 
 /// True if the key belongs to a sequence.
@@ -352,7 +376,7 @@ void TXWParent::typeText(const plat::String& text) {
     const EventScope under(this);
     const char* pos = text.c_str();
     const char* const end = pos + plat::strLen(pos);
-    while (under.alive() && pos < end) {
+    while (under.alive() && pos < end && !textCursor.isEmpty()) { // and never to a button that has the focus next
         uint32_t codepoint = 0;
         if (!plat::utf8::decode(&pos, end, &codepoint) || codepoint < 0x20)
             continue;
@@ -369,7 +393,7 @@ void TXWParent::handleKeyPress(XKeyEvent* event) {
     char text[256];
     KeySym keysym = NoSymbol;
     XLookupString(event, text, sizeof(text), &keysym, nullptr);
-    if (takesText && !(event->state & (ControlMask | Mod1Mask)) && composeKey(static_cast<uint32_t>(keysym)))
+    if (!textCursor.isEmpty() && !(event->state & (ControlMask | Mod1Mask)) && composeKey(static_cast<uint32_t>(keysym)))
         return;
     if (keysym == XK_ISO_Left_Tab)
         handleBackTab(event->keycode, (event->state & ShiftMask) != 0);

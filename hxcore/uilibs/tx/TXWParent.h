@@ -77,7 +77,7 @@ public:
     void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* dragImage) override;
     plat::String getPrimaryText() override;
     void showCursor(wvw::CursorShape shape) override;
-    void setTextCursor(wvw::Widget* child, const rfb::Rect& rect) override;
+    void setTextCursor(wvw::Widget* child, const rfb::Rect& rect, bool secret) override;
     void guardInput() override;
     bool confirmInput() override;
 
@@ -115,10 +115,11 @@ private:
     void noteOrigin(const XEvent& event);
     // InputMethodClient
     void inputMethodKey(XKeyEvent* event) override;
-    void inputMethodText(const plat::String& text) override { typeText(text); }
+    void inputMethodText(const plat::String& text) override;
 
     void handleKey(XKeyEvent* event);
     void handleKeyPress(XKeyEvent* event);
+    void tellInputMethod(bool in);
     bool composeKey(uint32_t keysym);
     void typeText(const plat::String& text);
     void handleBackTab(unsigned keycode, bool shiftInState);
@@ -145,7 +146,8 @@ private:
     rfb::Point tooltipPosition;
     std::unique_ptr<wvw::WidgetWatch> tooltipWidget; // whose tooltip is pending or shown
     wvw::CursorShape cursorShape{};                  // over the widget that the pointer is on
-    bool takesText = false;                          // the widget with the focus
+    rfb::Rect textCursor;                            // of the widget with the focus; empty if it takes no text
+    bool textIsSecret = false;
     bool inputBlocked = false;
     bool attachedRoot = false;
     bool originKnown = false;

@@ -377,7 +377,7 @@ bool WEdit::focusChanged(bool backward, Widget* origin) {
             selectAll();
         undoStack.endStep();
         if (parent && !hasFocus())
-            parent->setTextCursor(this, Rect());
+            parent->setTextCursor(this, Rect(), password);
         tellCaret();
         repaint();
     }
@@ -499,7 +499,8 @@ void WEdit::tellCaret() {
     if (!hasFocus())
         return;
     const Point origin = textOrigin();
-    parent->setTextCursor(this, Rect::xywh(origin.x + widthTo(insertionPoint()), origin.y, 1, getStyle().font->height));
+    parent->setTextCursor(this, Rect::xywh(origin.x + widthTo(insertionPoint()), origin.y, 1, getStyle().font->height),
+                          password);
 }
 
 bool WEdit::sizeChanged(Widget* origin) {

@@ -170,9 +170,9 @@ void WLayout::guardInput() {
         parent->guardInput();
 }
 
-void WLayout::setTextCursor(Widget* child, const rfb::Rect& rect) {
+void WLayout::setTextCursor(Widget* child, const rfb::Rect& rect, bool secret) {
     if (parent)
-        parent->setTextCursor(this, rect.isEmpty() ? rect : rect.translate(getChildPosition(child)));
+        parent->setTextCursor(this, rect.isEmpty() ? rect : rect.translate(getChildPosition(child)), secret);
 }
 
 void WLayout::ensureChildVisible(Widget* child, const Rect& rect) {

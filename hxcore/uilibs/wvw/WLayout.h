@@ -62,7 +62,7 @@ public:
     void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* image) override;
     void guardInput() override;
     bool confirmInput() override { return parent && parent->confirmInput(); }
-    void setTextCursor(Widget* child, const rfb::Rect& rect) override;
+    void setTextCursor(Widget* child, const rfb::Rect& rect, bool secret) override;
 
     // Widget and WParent
     void bell() override { Widget::bell(); }

@@ -73,8 +73,9 @@ public:
     virtual bool confirmInput() { return true; }
 
     /// Where the text cursor of `child` stands, in its coordinates, for an input method; an empty rectangle says that
-    /// it takes no text. Told by the widget with the focus when it gets it, and when the cursor moves.
-    virtual void setTextCursor(Widget* /*child*/, const rfb::Rect& /*rect*/) {}
+    /// it takes no text. Told by the widget with the focus when it gets it, and when the cursor moves. No input method
+    /// gets the keys of a `secret` text.
+    virtual void setTextCursor(Widget* /*child*/, const rfb::Rect& /*rect*/, bool /*secret*/) {}
 };
 
 } // namespace wvw

@@ -1,12 +1,12 @@
 // Text that takes more than a key: dead keys, compose sequences, and an input method, which may be no good.
 #include "XTest.h"
-#include "plat/Configuration.h"
+#include "plat/DynamicFn.h"
 #include "tx/ComposeSequences.h"
 #include "tx/InputMethod.h"
-#include "tx/dynTextInput.h"
 #include "wvw/WEdit.h"
 
 #include <X11/keysym.h>
+#include <xcb-imdkit/encoding.h>
 #include <xcb-imdkit/imdkit.h>
 #include <xcb/xcb.h>
 
@@ -16,10 +16,9 @@
 
 #include <poll.h>
 
-// libxcb-imdkit forgets requests that were under way when it is destroyed; a client's input device, opened by another
-// test, lives as long as the client.
+// A client's input device, opened by another test, lives as long as the client.
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() { // NOLINT: its given name
-    return "leak:xcb_xim_forward_event\nleak:XOpenDevice\n";
+    return "leak:XOpenDevice\n";
 }
 
 namespace txtest {
@@ -134,7 +133,6 @@ public:
 struct TextInputTest : XTest {
     TextInputTest() {
         plat::setTimeSource(nullptr);
-        plat::Configuration::global().set("_InputMethod", "1");
         edit.setSize({200, 30});
         parent.setSizeFromRoot();
         Method::aKeycode = XKeysymToKeycode(other.display, XK_a);
@@ -142,7 +140,6 @@ struct TextInputTest : XTest {
     ~TextInputTest() override {
         tx::InputMethod::instance().close();
         unsetenv("XMODIFIERS");
-        plat::Configuration::global().set("_InputMethod", "0");
     }
 
     void show() {

@@ -72,7 +72,10 @@ public:
     plat::String getPrimaryText() override { return primary; }
     void setPrimaryText(const char* text) override { primary = text; }
     void showCursor(CursorShape newShape) override { shape = newShape; }
-    void setTextCursor(Widget*, const rfb::Rect& rect) override { textCursor = rect; }
+    void setTextCursor(Widget*, const rfb::Rect& rect, bool secret) override {
+        textCursor = rect;
+        textIsSecret = secret;
+    }
     WRoot* getRoot(rfb::Point* originOut) override;
     void ensureVisible(Widget*, const rfb::Rect& rect) override { madeVisible = rect; }
     void startDrag(std::unique_ptr<hxutil::DragDropData>, const rfb::PixelBuffer*) override {}
@@ -93,6 +96,7 @@ public:
     plat::String primary;
     CursorShape shape = CursorShape::Default;
     rfb::Rect textCursor;
+    bool textIsSecret = false;
     rfb::Rect madeVisible;
     rfb::Point screenPx{1000, 800};
     rfb::Point position;
