@@ -25,12 +25,12 @@ public:
 };
 
 /// Speaks XIM with the input method that XMODIFIERS names ("@im=<name>"), over the spot: its window follows the text
-/// cursor of the widget that takes text. Where the method can't do that, it shows its text where it likes. Keys go there
-/// only while there is such a widget. It is found when a text field is entered, and when it comes or comes back
+/// cursor of the widget that takes text. Where the method can't do that, it shows its text where it likes. Keys go
+/// there only while there is such a widget. It is found when a text field is entered, and when it comes or comes back
 /// meanwhile.
 ///
-/// Nothing waits for the method, which is why Xlib's own client is of no use: there each step blocks. Keys are sent, and
-/// come back later as keys, as text, or not at all; behind each goes a question that every method answers. With a
+/// Nothing waits for the method, which is why Xlib's own client is of no use: there each step blocks. Keys are sent,
+/// and come back later as keys, as text, or not at all; behind each goes a question that every method answers. With a
 /// question unanswered for answerMs, the keys under way are used as they are, and so are all further ones, until the
 /// method has answered everything.
 class InputMethod : private plat::Timer::Callback, private TXEventHandler, private plat::NonCopyable {
@@ -97,22 +97,22 @@ private:
     void watch(Window window);
 
     Stage stage = Stage::Idle;
-    std::vector<Atom> atoms;         // by the list in the source; empty until a method is named
-    Window own = none;               // where the method's messages go
-    Window owner = none;             // of the method's selection
-    Window server = none;            // where ours go
-    std::vector<uint8_t> incoming;   // the pieces of a message that has not come in full
-    unsigned sentLong = 0;           // messages that took a property
-    unsigned lastAsked = 0;          // number of the last question
-    unsigned lastAnswered = 0;       // answers come in the order of the questions
-    unsigned leftUpTo = 0;           // the question behind the leaving of a field
-    bool stalled = false;            // late with an answer
+    std::vector<Atom> atoms;       // by the list in the source; empty until a method is named
+    Window own = none;             // where the method's messages go
+    Window owner = none;           // of the method's selection
+    Window server = none;          // where ours go
+    std::vector<uint8_t> incoming; // the pieces of a message that has not come in full
+    unsigned sentLong = 0;         // messages that took a property
+    unsigned lastAsked = 0;        // number of the last question
+    unsigned lastAnswered = 0;     // answers come in the order of the questions
+    unsigned leftUpTo = 0;         // the question behind the leaving of a field
+    bool stalled = false;          // late with an answer
     uint16_t im = 0;
     xim::AttributeIds ids;
-    std::vector<uint32_t> styles;    // that are left to try, best first
+    std::vector<uint32_t> styles; // that are left to try, best first
     xim::TriggerKeys triggers;
     uint32_t forwardMask = KeyPressMask;
-    uint16_t context = 0;            // of `contextWindow`; 0 for none
+    uint16_t context = 0; // of `contextWindow`; 0 for none
     Window contextWindow = none;
     bool contextAsked = false;
     bool contextFocused = false;
@@ -121,7 +121,7 @@ private:
     rfb::Rect spot;
     std::deque<Sent> sent;                      // and not given back
     std::vector<InputMethodClient*> delivering; // in calls of theirs; null once forgotten
-    unsigned life = 0;     // counts conversations: what a call back into a widget may end
+    unsigned life = 0;                          // counts conversations: what a call back into a widget may end
     plat::Timer answerTimer{this};
 };
 

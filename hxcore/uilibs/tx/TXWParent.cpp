@@ -393,7 +393,8 @@ void TXWParent::handleKeyPress(XKeyEvent* event) {
     char text[256];
     KeySym keysym = NoSymbol;
     XLookupString(event, text, sizeof(text), &keysym, nullptr);
-    if (!textCursor.isEmpty() && !(event->state & (ControlMask | Mod1Mask)) && composeKey(static_cast<uint32_t>(keysym)))
+    if (!textCursor.isEmpty() && !(event->state & (ControlMask | Mod1Mask)) &&
+        composeKey(static_cast<uint32_t>(keysym)))
         return;
     if (keysym == XK_ISO_Left_Tab)
         handleBackTab(event->keycode, (event->state & ShiftMask) != 0);

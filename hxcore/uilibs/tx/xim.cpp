@@ -132,12 +132,9 @@ bool parse(Bytes body, OpenReplyBody* out) {
         const struct {
             const char* name;
             int* id;
-        } known[] = {{"inputStyle", &ids.inputStyle},
-                     {"clientWindow", &ids.clientWindow},
-                     {"focusWindow", &ids.focusWindow},
-                     {"preeditAttributes", &ids.preeditAttributes},
-                     {"spotLocation", &ids.spotLocation},
-                     {"fontSet", &ids.fontSet}};
+        } known[] = {{"inputStyle", &ids.inputStyle},     {"clientWindow", &ids.clientWindow},
+                     {"focusWindow", &ids.focusWindow},   {"preeditAttributes", &ids.preeditAttributes},
+                     {"spotLocation", &ids.spotLocation}, {"fontSet", &ids.fontSet}};
         for (const auto& one : known) {
             if (name == one.name)
                 *one.id = id;
