@@ -4,7 +4,6 @@
 #include "plat/LogSrc.h"
 #include "plat/utf8.h"
 #include "rfb/keySymbols.h"
-#include "tx/ErrorCatcher.h"
 #include "tx/TX.h"
 
 #include <algorithm>
@@ -20,8 +19,6 @@ plat::BoolParameter enabled("_InputMethod", "Send keys to the XIM server that XM
 
 constexpr size_t maxSent = 256;    // keys
 constexpr unsigned maxAsked = 256; // beyond, the method doesn't keep up
-constexpr size_t shortBytes = 20;  // what a ClientMessage holds
-constexpr unsigned longSlots = 16; // properties in turn for longer messages, as one may still be unread
 
 /// The input styles that we can serve, best first (Xlib, "Input Method Values").
 constexpr uint32_t servedStyles[] = {
@@ -31,18 +28,6 @@ constexpr uint32_t servedStyles[] = {
 
 /// For methods that draw in a window of ours with a font of the server.
 constexpr std::string_view fontSet = "-*-*-medium-r-normal-*-14-*-*-*-*-*-*-*,-*-*-*-r-*-*-14-*-*-*-*-*-*-*,fixed";
-
-/// Those of `atoms`; the first two are enough to look for a method.
-enum AtomIndex { Servers, Selection, XConnect, Protocol, MoreData, CompoundText, FirstSlot };
-
-void internAtoms(std::vector<std::string> names, std::vector<Atom>* out) {
-    std::vector<char*> texts;
-    for (std::string& one : names)
-        texts.push_back(one.data());
-    const size_t known = out->size();
-    out->resize(known + names.size());
-    XInternAtoms(dpy, texts.data(), static_cast<int>(texts.size()), False, out->data() + known);
-}
 
 /// The name of "@im=<name>" in XMODIFIERS; empty for none that is a server.
 std::string methodName() {
@@ -122,7 +107,7 @@ void InputMethod::setCursor(InputMethodClient* client, Window window, const rfb:
     current = client;
     currentWindow = window;
     spot = cursor;
-    if (stage == Stage::Idle) {
+    if (!link.isOpen()) {
         if (entered)
             start();
     } else if (stage == Stage::Open && contextWindow != window) {
@@ -145,60 +130,21 @@ void InputMethod::forget(InputMethodClient* client) {
 
 // The conversation begins.
 
-bool InputMethod::named() {
-    const std::string name = methodName();
-    if (name.empty() || !enabled.value())
-        return false;
-    if (atoms.empty()) {
-        addRootEventHandler(this, /*add=*/true, PropertyChangeMask);
-        internAtoms({"XIM_SERVERS", "@server=" + name}, &atoms);
-    }
-    return true;
-}
-
-/// Where no method runs: two round trips the first time, then one; where none is named, nothing.
 void InputMethod::start() {
-    if (!named())
+    const std::string name = methodName();
+    if (name.empty() || !enabled.value() || link.isOpen() || !link.open(name))
         return;
-    owner = XGetSelectionOwner(dpy, atoms[Selection]);
-    if (owner == none)
-        return;
-    log.debug("connecting to 0x%lx", owner);
-    if (atoms.size() <= XConnect) {
-        std::vector<std::string> names = {"_XIM_XCONNECT", "_XIM_PROTOCOL", "_XIM_MOREDATA", "COMPOUND_TEXT"};
-        for (unsigned i = 0; i < longSlots; i++)
-            names.push_back("_ZEF_XIM_" + std::to_string(i));
-        internAtoms(std::move(names), &atoms);
-    }
-    if (own == none)
-        own = XCreateWindow(dpy, rootWindow, -1, -1, 1, 1, 0, 0, InputOnly, nullptr, 0, nullptr);
-    stage = Stage::Connecting;
-    watch(owner);
-    if (stage == Stage::Idle)
-        return;
-    sendClientMessage(owner, NoEventMask, owner, atoms[XConnect], static_cast<long>(own));
     lastAsked++;
     answerTimer.start(answerMs);
 }
 
-/// Its end is the end of the method.
-void InputMethod::watch(Window window) {
-    ErrorCatcher catcher(100);
-    XSelectInput(dpy, window, StructureNotifyMask);
-    if (catcher.failed())
-        stop();
+void InputMethod::ximAppeared() {
+    if (current)
+        start();
 }
 
-void InputMethod::connected(const XClientMessageEvent& event) {
-    const auto window = static_cast<Window>(event.data.l[0]);
-    if (stage != Stage::Connecting || event.format != 32 || window == none || window == own || findWindow(window))
-        return;
+void InputMethod::ximConnected() {
     answered();
-    server = window;
-    stage = Stage::Opening;
-    watch(server);
-    if (stage == Stage::Idle)
-        return;
     const uint16_t one = 1;
     const bool little = reinterpret_cast<const uint8_t&>(one) == 1;
     xim::Writer hello(xim::Connect);
@@ -232,7 +178,7 @@ void InputMethod::makeContext() {
     if (context) {
         xim::Writer destroy(xim::DestroyIc);
         destroy.u16(im).u16(context);
-        send(destroy);
+        link.send(destroy);
     }
     context = 0;
     contextFocused = false;
@@ -286,7 +232,7 @@ void InputMethod::focusContext(bool in) {
     contextFocused = in;
     xim::Writer out(in ? xim::SetIcFocus : xim::UnsetIcFocus);
     out.u16(im).u16(context);
-    send(out);
+    link.send(out);
     sendSpot(/*probe=*/!in);
     if (!in)
         leftUpTo = lastAsked;
@@ -294,29 +240,8 @@ void InputMethod::focusContext(bool in) {
 
 // Messages.
 
-/// Short ones fit into the event; of longer ones it names the property (XIM, appendix D).
-void InputMethod::send(xim::Writer& writer) {
-    const std::vector<uint8_t>& data = writer.message();
-    XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = server;
-    event.xclient.message_type = atoms[Protocol];
-    event.xclient.format = 8;
-    if (data.size() <= shortBytes) {
-        std::memcpy(event.xclient.data.b, data.data(), data.size());
-    } else {
-        const Atom property = atoms[FirstSlot + sentLong++ % longSlots];
-        XChangeProperty(dpy, server, property, XA_STRING, 8, PropModeAppend, data.data(),
-                        static_cast<int>(data.size()));
-        event.xclient.format = 32;
-        event.xclient.data.l[0] = static_cast<long>(data.size());
-        event.xclient.data.l[1] = static_cast<long>(property);
-    }
-    XSendEvent(dpy, server, False, NoEventMask, &event);
-}
-
 void InputMethod::ask(xim::Writer& writer) {
-    send(writer);
+    link.send(writer);
     lastAsked++;
     if (!stalled && !answerTimer.isActive())
         answerTimer.start(answerMs);
@@ -333,67 +258,8 @@ void InputMethod::answered() {
         log.info("the input method answers again");
 }
 
-bool InputMethod::filterEvent(const XEvent& event) {
-    if (stage == Stage::Idle)
-        return false;
-    if (event.type == DestroyNotify) {
-        const Window gone = event.xdestroywindow.window;
-        if (gone == none || (gone != owner && gone != server))
-            return false;
-        log.info("input method gone");
-        stop();
-        return true;
-    }
-    if (event.type != ClientMessage || event.xclient.window != own)
-        return event.xany.window == own && own != none;
-    if (event.xclient.message_type == atoms[XConnect])
-        connected(event.xclient);
-    else if (event.xclient.message_type == atoms[Protocol] || event.xclient.message_type == atoms[MoreData])
-        receive(event.xclient);
-    return true;
-}
-
-void InputMethod::receive(const XClientMessageEvent& event) {
-    if (stage == Stage::Connecting)
-        return;
-    if (event.format == 32) {
-        const Property value =
-            getWindowProperty(own, static_cast<Atom>(event.data.l[1]), 0, /*remove=*/true, xim::maxMessageBytes);
-        const std::span<const char> bytes = value.bytes();
-        receive({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
-        return;
-    }
-    if (event.format != 8)
-        return;
-    const auto* piece = reinterpret_cast<const uint8_t*>(event.data.b);
-    incoming.insert(incoming.end(), piece, piece + shortBytes);
-    const bool more = event.message_type == atoms[MoreData];
-    if (more && incoming.size() <= xim::maxMessageBytes)
-        return;
-    const std::vector<uint8_t> whole = std::exchange(incoming, {});
-    if (!more)
-        receive(xim::Bytes(whole));
-}
-
-/// One message or more; a short one is followed by bytes that mean nothing.
-void InputMethod::receive(xim::Bytes data) {
-    const unsigned ours = life;
-    xim::Message message;
-    while (life == ours && stage != Stage::Idle && xim::takeMessage(data, &message)) {
-        if (message.opcode == 0)
-            return;
-        if (!handle(message)) {
-            if (life == ours) {
-                log.info("the input method says what has no sense: %u, %zu bytes", message.opcode, message.body.size());
-                stop();
-            }
-            return;
-        }
-    }
-}
-
 /// False for what no method would say.
-bool InputMethod::handle(const xim::Message& message) {
+bool InputMethod::ximMessage(const xim::Message& message) {
     const xim::Bytes body = message.body;
     switch (message.opcode) {
     case xim::ConnectReply: {
@@ -463,7 +329,7 @@ bool InputMethod::handle(const xim::Message& message) {
     case xim::Sync: {
         xim::Writer reply(xim::SyncReply);
         reply.u16(im).u16(context);
-        send(reply);
+        link.send(reply);
         return true;
     }
     case xim::AuthRequired:
@@ -506,7 +372,7 @@ bool InputMethod::forwards(const XKeyEvent& event) {
                 continue;
             xim::Writer out(xim::TriggerNotify);
             out.u16(im).u16(context).u16(isOn ? 1 : 0).u16(0).u32(static_cast<uint32_t>(i)).u32(KeyPressMask);
-            send(out);
+            link.send(out);
             return true;
         }
     }
@@ -533,7 +399,7 @@ bool InputMethod::takeKey(InputMethodClient* client, const XKeyEvent& event) {
         return true;
     }
     xim::Writer out = wireKey(event, im, context, contextWindow);
-    send(out);
+    link.send(out);
     sendSpot(/*probe=*/true); // that has an answer, whatever becomes of the key
     sent.push_back({event, client, lastAsked});
     if (sent.size() > maxSent)
@@ -569,7 +435,7 @@ bool InputMethod::keyReturned(const xim::ForwardedEvent& key) {
     if (life == ours && (key.flags & xim::synchronous)) {
         xim::Writer reply(xim::SyncReply);
         reply.u16(key.im).u16(key.ic);
-        send(reply);
+        link.send(reply);
     }
     return true;
 }
@@ -577,7 +443,7 @@ bool InputMethod::keyReturned(const xim::ForwardedEvent& key) {
 bool InputMethod::textCommitted(const xim::CommitBody& body) {
     std::string utf8;
     if (!body.text.empty())
-        utf8 = fromCompoundText(body.text, atoms[CompoundText]);
+        utf8 = fromCompoundText(body.text, link.compoundText());
     if (utf8.empty() && body.keysym != 0) {
         char encoded[8];
         char* end = static_cast<char*>(encoded);
@@ -592,7 +458,7 @@ bool InputMethod::textCommitted(const xim::CommitBody& body) {
     if (life == ours && (body.flags & xim::synchronous)) {
         xim::Writer reply(xim::SyncReply);
         reply.u16(body.im).u16(body.ic);
-        send(reply);
+        link.send(reply);
     }
     return true;
 }
@@ -631,42 +497,29 @@ void InputMethod::deliver(Sent& key) {
     delivering.pop_back();
 }
 
-/// Ends the conversation; keys under way are used as they are.
-void InputMethod::stop() {
+/// Keys under way are used as they are.
+void InputMethod::ximLost() {
     answerTimer.cancel();
-    stage = Stage::Idle;
-    context = 0;
-    useSentKeys();
     life++;
-    sent.clear();
-    incoming.clear();
-    lastAnswered = leftUpTo = lastAsked;
+    stage = Stage::Opening;
+    context = im = 0;
     stalled = contextAsked = contextFocused = false;
-    owner = server = contextWindow = none;
-    im = 0;
+    contextWindow = none;
     ids = {};
     styles.clear();
     triggers = {};
     forwardMask = KeyPressMask;
-}
-
-/// A method that comes touches this property in any case.
-bool InputMethod::handleEvent(XEvent* event) {
-    if (event->type == PropertyNotify && event->xproperty.atom == atoms[Servers] && stage == Stage::Idle && current)
-        start();
-    return false;
+    const unsigned upTo = lastAsked; // a key may lead into a field, and so to the next conversation
+    useSentKeys();
+    sent.clear();
+    lastAnswered = leftUpTo = upTo;
 }
 
 void InputMethod::close() {
     current = nullptr;
-    if (stage != Stage::Idle)
-        stop();
-    if (own != none)
-        XDestroyWindow(dpy, own);
-    own = none;
-    if (!atoms.empty())
-        addRootEventHandler(this, /*add=*/false);
-    atoms.clear();
+    link.close();
+    ximLost();
+    link.release();
 }
 
 } // namespace tx

@@ -5,13 +5,11 @@
 #include "plat/String.h"
 #include "plat/Timer.h"
 #include "rfb/Rect.h"
-#include "tx/TXEventHandler.h"
-#include "tx/xim.h"
+#include "tx/XimLink.h"
 #include "tx/xlib.h"
 
 #include <cstdint>
 #include <deque>
-#include <string>
 #include <vector>
 
 namespace tx {
@@ -33,7 +31,7 @@ public:
 /// and come back later as keys, as text, or not at all; behind each goes a question that every method answers. With a
 /// question unanswered for answerMs, the keys under way are used as they are, and so are all further ones, until the
 /// method has answered everything.
-class InputMethod : private plat::Timer::Callback, private TXEventHandler, private plat::NonCopyable {
+class InputMethod : private plat::Timer::Callback, private XimLink::Callback, private plat::NonCopyable {
 public:
     static constexpr unsigned answerMs = 1000;
 
@@ -48,7 +46,7 @@ public:
     bool takeKey(InputMethodClient* client, const XKeyEvent& event);
 
     /// True for an event between us and the method.
-    bool filterEvent(const XEvent& event);
+    bool filterEvent(const XEvent& event) { return link.filterEvent(event); }
 
     bool isReady() const { return context != 0 && !stalled; } ///< a method takes our keys
 
@@ -64,27 +62,23 @@ private:
         bool released = false; // meanwhile, in a way that the method isn't told of
         XKeyEvent release{};
     };
-    enum class Stage { Idle, Connecting, Opening, Asking, Open };
+    enum class Stage { Opening, Asking, Open };
 
     InputMethod() = default;
 
     // plat::Timer::Callback
     bool timerExpired(plat::Timer* timer) override;
-    // TXEventHandler: the root window's properties, where methods announce themselves
-    bool handleEvent(XEvent* event) override;
+    // XimLink::Callback
+    void ximAppeared() override;
+    void ximConnected() override;
+    bool ximMessage(const xim::Message& message) override;
+    void ximLost() override;
 
     void start();
-    void stop();
-    bool named();
-    void connected(const XClientMessageEvent& event);
-    void receive(const XClientMessageEvent& event);
-    void receive(xim::Bytes data);
-    bool handle(const xim::Message& message);
     bool opened(xim::Bytes body);
     bool handleError(xim::Bytes body);
     bool keyReturned(const xim::ForwardedEvent& key);
     bool textCommitted(const xim::CommitBody& body);
-    void send(xim::Writer& writer);
     void ask(xim::Writer& writer);
     void answered();
     void makeContext();
@@ -94,19 +88,13 @@ private:
     bool forwards(const XKeyEvent& event);
     void useSentKeys();
     void deliver(Sent& key);
-    void watch(Window window);
 
-    Stage stage = Stage::Idle;
-    std::vector<Atom> atoms;       // by the list in the source; empty until a method is named
-    Window own = none;             // where the method's messages go
-    Window owner = none;           // of the method's selection
-    Window server = none;          // where ours go
-    std::vector<uint8_t> incoming; // the pieces of a message that has not come in full
-    unsigned sentLong = 0;         // messages that took a property
-    unsigned lastAsked = 0;        // number of the last question
-    unsigned lastAnswered = 0;     // answers come in the order of the questions
-    unsigned leftUpTo = 0;         // the question behind the leaving of a field
-    bool stalled = false;          // late with an answer
+    XimLink link{this};
+    Stage stage = Stage::Opening;
+    unsigned lastAsked = 0;    // number of the last question
+    unsigned lastAnswered = 0; // answers come in the order of the questions
+    unsigned leftUpTo = 0;     // the question behind the leaving of a field
+    bool stalled = false;      // late with an answer
     uint16_t im = 0;
     xim::AttributeIds ids;
     std::vector<uint32_t> styles; // that are left to try, best first
