@@ -124,6 +124,39 @@ class GalleryTest(unittest.TestCase):
         self.keys("alt+f", "4", "9", "9")
         until(lambda: self.gallery.ask("listitems " + self.gallery.page(5, ".many")).count("\n") == 0, "one row of 500")
 
+    def test_tabs_handles_views_and_sliders_answer_keys(self):
+        self.start()
+        self.go_to(7)
+        pager = self.gallery.page(7, ".pager")
+        self.keys("Tab", "Tab", "Right")  # past the handle beside the list
+        self.gallery.until_state(pager, "page", "1")
+        for key, page in [("ctrl+Tab", "2"), ("ctrl+shift+Tab", "1"), ("ctrl+Next", "2"), ("ctrl+Prior", "1"), ("Home", "0"),
+                          ("Left", "0"), ("End", "3"), ("Home", "0")]:
+            self.keys(key)
+            self.gallery.until_state(pager, "page", page)
+        self.keys("Tab", "x")
+        self.gallery.until_state(pager + ".First.edit", "value", "x")
+        self.keys("ctrl+Tab")  # from inside of a page
+        self.gallery.until_state(pager, "page", "1")
+        pane = self.gallery.page(7, ".splitframe.split.Left")
+        before = self.gallery.ask("state " + pane)
+        self.keys("Tab", "Tab", "Right")
+        until(lambda: self.gallery.ask("state " + pane) != before, "the handle moved")
+        self.keys("Left")
+        until(lambda: self.gallery.ask("state " + pane) == before, "and back")
+        self.keys("Tab", "Tab")  # the other handle, the first box
+        top = self.picture()
+        self.keys("Next")
+        until(lambda: self.picture() != top, "a page further")
+        self.keys("Prior")
+        until(lambda: self.picture() == top, "and back")
+        self.go_to(1)
+        slider = self.gallery.page(1, ".slider")
+        self.keys("alt+t", "Tab", "Tab")  # past the list without items
+        for key, value in [("Right", "4"), ("End", "8"), ("Right", "8"), ("Prior", "7"), ("Home", "0")]:
+            self.keys(key)
+            self.gallery.until_state(slider, "value", value)
+
     def test_every_dialog_opens_and_closes_by_keys(self):
         self.start()
         self.go_to(10)

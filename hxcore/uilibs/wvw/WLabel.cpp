@@ -193,6 +193,11 @@ bool WLabel::sizeChanged(Widget* origin) {
     return Widget::sizeChanged(origin);
 }
 
+void WLabel::detach() {
+    dragging = false;
+    Widget::detach();
+}
+
 bool WLabel::copy(Widget* origin) {
     if (origin != this || !selectable || selectionStart() == selectionEnd() || !parent)
         return Widget::copy(origin);
@@ -207,10 +212,29 @@ bool WLabel::focusChanged(bool backward, Widget* origin) {
 }
 
 bool WLabel::ownKey(uint32_t keysym) {
-    if (!selectable || (keysym != 'a' && keysym != 'A') || !ctrlDown())
+    if (!selectable || !isEnabled())
+        return false;
+    if (keysym == rfb::key::Menu || (keysym == rfb::key::F10 && shiftDown())) {
+        showMenu({margin, getHeight()});
+        return true;
+    }
+    if ((keysym != 'a' && keysym != 'A') || !ctrlDown())
         return false;
     setSelection(0, shownText().size());
+    offerSelection();
     return true;
+}
+
+void WLabel::showMenu(const Point& position) {
+    if (!menu)
+        menu = std::make_unique<WEditMenu>(this, WEditMenu::Copy | WEditMenu::SelectAll);
+    menu->show(this, position);
+}
+
+/// What the user has selected is what the middle button pastes.
+void WLabel::offerSelection() {
+    if (selectionStart() != selectionEnd() && parent)
+        parent->setPrimaryText(getSelectedText().c_str());
 }
 
 bool WLabel::mouseMove(const Point& position, Widget* origin) {
@@ -236,15 +260,15 @@ bool WLabel::mouseDown(int button, Widget* origin) {
 }
 
 bool WLabel::mouseUp(int button, Widget* origin) {
-    if (origin == this && button == 0)
+    if (origin == this && button == 0 && dragging) {
         dragging = false;
+        offerSelection();
+    }
     const WidgetWatch self(this);
     const bool used = Widget::mouseUp(button, origin);
     if (!self.alive() || origin != this || button != 2 || !selectable || !isEnabled() || !parent)
         return used;
-    if (!menu)
-        menu = std::make_unique<WEditMenu>(this, WEditMenu::Copy | WEditMenu::SelectAll);
-    menu->show(this, mousePos);
+    showMenu(mousePos);
     return true;
 }
 
@@ -254,6 +278,7 @@ void WLabel::editMenuChosen(int choice) {
     if (choice == WEditMenu::SelectAll) {
         takeFocus();
         setSelection(0, shownText().size());
+        offerSelection();
     }
 }
 

@@ -39,6 +39,7 @@ public:
     int getPreferredHeight(int width) override;
     bool acceptsFocus() override { return selectable && isEnabled() && isVisible(); }
     bool sizeChanged(Widget* origin) override;
+    void detach() override;
     bool copy(Widget* origin) override;
     bool focusChanged(bool backward, Widget* origin) override;
     bool mouseMove(const rfb::Point& position, Widget* origin) override;
@@ -56,7 +57,7 @@ protected:
     };
 
     // Widget
-    bool ownKey(uint32_t keysym) override; ///< Ctrl+A
+    bool ownKey(uint32_t keysym) override; ///< Ctrl+A, and the keys of the menu
 
     /// Splits the text anew for the current width and style, and repaints.
     virtual void layoutText();
@@ -83,6 +84,8 @@ private:
     void change(T& field, T value);
     std::vector<Line> split(int width) const; ///< a width below 1 does not wrap
     void paintLine(rfb::FullFramePixelBuffer& pb, size_t line);
+    void showMenu(const rfb::Point& position);
+    void offerSelection();
 
     std::string text;
     std::vector<Line> lines;

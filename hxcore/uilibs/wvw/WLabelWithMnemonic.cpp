@@ -70,11 +70,14 @@ void WLabelWithMnemonic::paint(rfb::FullFramePixelBuffer& pb) {
         const char* next = at;
         uint32_t codepoint = 0;
         plat::utf8::decode(&next, nullptr, &codepoint);
-        const rfb::Point origin = lineOrigin(i);
+        rfb::Point origin = lineOrigin(i);
+        const int room = getWidth() - 2 * margin;
+        if (!wrap && line.width > room)
+            origin.x = margin; // where a text that is cut short begins
         const int y = origin.y + look.font->height - 2;
-        fill(pb,
-             {origin.x + look.font->stringWidth(start, at), y, origin.x + look.font->stringWidth(start, next), y + 1},
-             isEnabled() ? look.text : look.disabled);
+        const rfb::Rect under(origin.x + look.font->stringWidth(start, at), y,
+                              origin.x + look.font->stringWidth(start, next), y + 1);
+        fill(pb, under.intersect({margin, y, margin + room, y + 1}), isEnabled() ? look.text : look.disabled);
     }
 }
 

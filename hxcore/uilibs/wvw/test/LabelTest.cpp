@@ -105,6 +105,7 @@ TEST_F(LabelTest, DraggingSelectsAndControlCCopies) {
     window.release();
     window.move(0, 90);
     EXPECT_STREQ(label.getSelectedText().c_str(), "e tw");
+    EXPECT_STREQ(window.primary.c_str(), "e tw");
     window.hold(key::ControlL);
     window.key('c');
     EXPECT_STREQ(window.clipboard.c_str(), "e tw");
@@ -158,6 +159,15 @@ TEST_F(LabelTest, TheRightButtonOffersToCopyAndToSelectAll) {
     WMenu* menu = openMenu();
     ASSERT_TRUE(menu);
     ASSERT_EQ(menu->itemCount(), 2u);
+    window.popupOf(menu)->key(key::Escape);
+    window.key(key::Menu);
+    EXPECT_EQ(window.anyPopup(), nullptr); // the label has no focus yet
+    label.takeFocus();
+    window.key(key::Menu);
+    EXPECT_EQ(window.anyPopup(), menu);
+    window.popupOf(menu)->key(key::Escape);
+    menu = openMenu();
+    ASSERT_TRUE(menu);
     window.popupOf(menu)->key(key::Up); // the last one: select all
     window.popupOf(menu)->key(key::Return);
     EXPECT_EQ(window.anyPopup(), nullptr);
@@ -177,6 +187,14 @@ TEST_F(LabelTest, AMnemonicIsUnderlined) {
     const Rect line = Rect::xywh(0, 40 + font.height - 2, 100, 1);
     EXPECT_EQ(window.countPixels(line, 0), widthOf("c"));
     EXPECT_EQ(window.countPixels({4 + widthOf("ab"), line.tl.y, 4 + widthOf("abc"), line.br.y}, 0), widthOf("c"));
+    marked.setText("ab and then so much more than fits &c");
+    marked.setWrap(false);
+    marked.setHAlign(1);
+    window.paint();
+    EXPECT_EQ(window.countPixels(line, 0), 0); // what is cut off has no line
+    marked.setText("&ab and then so much more than fits");
+    window.paint();
+    EXPECT_EQ(window.countPixels({4, line.tl.y, 4 + widthOf("a"), line.br.y}, 0), widthOf("a"));
     marked.setShowMnemonic(false);
     window.paint();
     EXPECT_EQ(window.countPixels(line, 0), 0);

@@ -1,6 +1,14 @@
 #include "wvw/test/FakeParent.h"
 
 #include "wvw/WCanvas.h"
+#include "wvw/WChoice.h"
+#include "wvw/WDiscreteSlider.h"
+#include "wvw/WLabelWidget.h"
+#include "wvw/WRichText.h"
+#include "wvw/WTabSheets.h"
+#include "wvw/WTable.h"
+
+#include "rfb/keySymbols.h"
 
 #include <climits>
 
@@ -162,6 +170,61 @@ TEST_F(PaintTest, AStyleReachesDownToTheNextOwnOne) {
     inner.setStyle(nullptr);
     window.paint();
     EXPECT_EQ(window.pixelAt(20, 10), 0xc80000u);
+}
+
+struct Cells : WTable::Callback {
+    plat::String getCellText(WTable*, int row, int) override { return plat::strFormat("%d", row); }
+};
+
+// One control of each kind below another: what the pointer or the focus does to one leaves the rest alone.
+TEST(RepaintTest, HoverFocusAndTypingRepaintTheirControlOnly) {
+    FakeClock clock;
+    Cells cells;
+    WCanvas root;
+    WLabelButton button(&root, "Button");
+    WLabelCheckBox check(&root, "Check");
+    WRichText link(&root, "A <a href=\"x\">link</a>");
+    WChoice choice(&root);
+    WEdit edit(&root);
+    WDiscreteSlider slider(&root);
+    WTable table(&root, &cells, /*showHeading=*/true);
+    WTabSheets sheets(&root);
+    FakeParent window(&root, {300, 600});
+    choice.addItem(1, "Item");
+    table.addColumn(1, WTable::Text, "Number");
+    table.setRowCount(500);
+    table.select(0);
+    sheets.addSheet("First", nullptr);
+    sheets.addSheet("Second", nullptr);
+    Widget* const all[] = {&button, &check, &link, &choice, &edit, &slider, &table, &sheets};
+    int top = 0;
+    for (Widget* widget : all) {
+        root.setChildRect(widget, Rect::xywh(10, top, 280, 30 * (1 + (widget == &table || widget == &sheets))));
+        top += 70;
+    }
+    window.move(299, 599);
+    button.takeFocus();
+    window.paintAll();
+    Rect before = root.getChildRect(&button);
+    for (Widget* widget : all) {
+        const Rect own = root.getChildRect(widget);
+        window.move(own.tl.x + 30, own.tl.y + 8);
+        EXPECT_EQ(window.invalidArea().intersect(own), window.invalidArea()) << "hover at " << own.tl.y;
+        window.move(299, 599);
+        EXPECT_EQ(window.invalidArea().intersect(own), window.invalidArea()) << "exit at " << own.tl.y;
+        window.clearInvalid();
+        if (widget != &button)
+            window.key(rfb::key::Tab);
+        EXPECT_TRUE(widget->hasFocus());
+        const Rect touched = before.unionBoundary(own);
+        EXPECT_EQ(window.invalidArea().intersect(touched), window.invalidArea()) << "focus at " << own.tl.y;
+        window.clearInvalid();
+        before = own;
+    }
+    edit.takeFocus();
+    window.clearInvalid();
+    window.key('x');
+    EXPECT_EQ(window.invalidArea(), root.getChildRect(&edit));
 }
 
 TEST(LayoutDeath, AddingTwiceOrNamingStrangersIsAProgrammingError) {
