@@ -15,7 +15,7 @@ from harness import SLOW, until
 SEED = int(os.environ.get("ZEF_MONKEY_SEED", "20"))
 SECONDS = float(os.environ.get("ZEF_MONKEY_SECONDS", "20"))
 ARGS = os.environ.get("ZEF_MONKEY_ARGS", "").split()
-PAGES = 11
+PAGES = 13
 WIDTH, HEIGHT = 1280, 1024
 
 MOVES = ["Tab", "shift+Tab", "Up", "Down", "Left", "Right", "Home", "End", "Prior", "Next", "shift+Left", "shift+End",

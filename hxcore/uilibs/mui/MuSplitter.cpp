@@ -105,7 +105,7 @@ void MuSplitter::setSize(const rfb::Point& size) {
 
 /// The shown children in their places. Too little room is taken from the sizes, the later ones first, down to their
 /// minimum; the sizes themselves stay for when there is room again.
-std::vector<MuSplitter::Placed> MuSplitter::places() {
+std::vector<MuSplitter::Placed> MuSplitter::places(int extent) {
     std::vector<Placed> placed;
     int used = 0;
     for (size_t i = 0; i < children.size(); ++i) {
@@ -118,14 +118,14 @@ std::vector<MuSplitter::Placed> MuSplitter::places() {
         return placed;
     Placed& last = placed.back();
     used -= last.extent + handleSize();
-    int missing = used + children[last.index].minSize - along(getSize());
+    int missing = used + children[last.index].minSize - extent;
     for (size_t i = placed.size() - 1; i-- > 0 && missing > 0;) {
         const int give = std::clamp(placed[i].extent - children[placed[i].index].minSize, 0, missing);
         placed[i].extent -= give;
         used -= give;
         missing -= give;
     }
-    last.extent = std::max(0, along(getSize()) - used);
+    last.extent = std::max(0, extent - used);
     int start = 0;
     for (Placed& place : placed) {
         place.start = start;
@@ -163,18 +163,19 @@ int MuSplitter::minAlong() {
     return sum + std::max(0, count - 1) * handleSize();
 }
 
-int MuSplitter::minAcross() {
+int MuSplitter::minAcross(int extent) {
     int most = 0;
-    for (const Child& child : children)
-        if (child.element->isShown())
-            most = std::max(most, isHorizontal() ? child.element->getMinHeight(child.size)
-                                                 : child.element->getMinWidth(child.size));
+    for (const Placed& place : places(extent > 0 ? extent : minAlong())) {
+        MuElement* element = children[place.index].element;
+        most =
+            std::max(most, isHorizontal() ? element->getMinHeight(place.extent) : element->getMinWidth(place.extent));
+    }
     return most;
 }
 
-int MuSplitter::getMinWidth(int) { return isHorizontal() ? minAlong() : minAcross(); }
+int MuSplitter::getMinWidth(int height) { return isHorizontal() ? minAlong() : minAcross(height); }
 
-int MuSplitter::getMinHeight(int) { return isHorizontal() ? minAcross() : minAlong(); }
+int MuSplitter::getMinHeight(int width) { return isHorizontal() ? minAcross(width) : minAlong(); }
 
 plat::String MuSplitter::getState() { return plat::strFormat("element Splitter\n\n%s", commonState().c_str()); }
 

@@ -68,7 +68,7 @@ protected:
         int start;
         int extent;
     };
-    std::vector<Placed> places();
+    std::vector<Placed> places() { return places(along(getSize())); }
 
 private:
     struct Child {
@@ -79,10 +79,11 @@ private:
 
     bool isHorizontal() const { return orientation == Orientation::Horizontal; }
     int along(const rfb::Point& p) const { return isHorizontal() ? p.x : p.y; }
+    std::vector<Placed> places(int extent);
     int handleAt(int position);
     int largestSize(int index);
     int minAlong();
-    int minAcross();
+    int minAcross(int extent); ///< 0 when not known
 
     Orientation orientation;
     bool thin;

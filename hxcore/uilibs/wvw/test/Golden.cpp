@@ -7,6 +7,7 @@
 #include <png.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 
@@ -156,9 +157,9 @@ void Picture::expectGolden(const std::string& name) const {
     std::filesystem::create_directories(WVW_GOLDEN_OUT);
     const std::string told = std::string(WVW_GOLDEN_OUT "/") + file;
     writePng(told, picture);
-    ADD_FAILURE()
-        << file << ": " << count << " pixels differ. Expected, actual, difference: " << told
-        << "\nIf the new look is meant: WVW_GOLDEN=update wvw_test --gtest_filter='*Golden*', and look at it.";
+    ADD_FAILURE() << file << ": " << count << " pixels differ. Expected, actual, difference: " << told
+                  << "\nIf the new look is meant: WVW_GOLDEN=update " << program_invocation_short_name
+                  << " --gtest_filter='*Golden*', and look at it.";
 }
 
 void addInLook(Picture& picture, Widget& widget, const Point& size, Look look, const Point& pointer) {
