@@ -68,8 +68,8 @@ void StatePicture::takePicture() {
     column.ownStyle();
     canvas.addChildAt(mui::MuCommonWvw::commonOf(&column, /*assertCommon=*/true)->getWidget(), {rim, rim});
     mui::MuElement* element = make(&column);
-    const int wide = std::min(width, element->getMinWidth(0));
-    const rfb::Point size(wide, std::max(1, element->getMinHeight(wide)));
+    const int wide = std::min(width, column.getMinWidth(0));
+    const rfb::Point size(wide, std::max(1, column.getMinHeight(wide)));
     column.setSize(size);
     canvas.setSize(size + rfb::Point(2 * rim, 2 * rim));
     element->setEnabled(state != State::Disabled);

@@ -10,7 +10,7 @@ namespace gallery {
 enum class State { Normal, Hover, Pressed, Focused, Disabled, Locked };
 constexpr const char* stateNames[] = {"Normal", "Hover", "Pressed", "Focused", "Disabled", "Locked"};
 
-/// Makes the element in `parent`, which owns it.
+/// Makes the element in `parent`, which owns it, alone or in something that gives it its size.
 using MakeElement = std::function<mui::MuElement*(mui::MuContainer* parent)>;
 
 /// Paints an element that lives in no window, brought into its state as a user would. Follows the theme.

@@ -84,8 +84,7 @@ MuElement* slider(MuContainer* parent) {
     auto* made = mui::MuSlider::create(frame, "s", 0, 4);
     made->setValue(2);
     frame->setChildLayout(made, mui::MuLayout::Fixed, hxutil::scaled(columnUnits));
-    made->setEnabled(true);
-    return frame;
+    return made;
 }
 
 MuElement* scroll(MuContainer* parent) {
@@ -93,7 +92,7 @@ MuElement* scroll(MuContainer* parent) {
     auto* made = mui::MuScroll::create(frame, "s", mui::MuScroll::Both);
     frame->setChildLayout(made, mui::MuLayout::Fixed, hxutil::scaled(columnUnits));
     mui::MuStatic::create(made, "t", "Mehr, als in die Ansicht passt\nund noch mehr\nund noch mehr\nund\nnoch\nmehr");
-    return frame;
+    return made;
 }
 
 MuElement* splitter(MuContainer* parent) {

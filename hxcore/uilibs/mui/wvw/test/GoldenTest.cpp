@@ -50,6 +50,9 @@ protected:
         picture.endRow();
     }
 
+    struct NoColours {
+        NoColours() { plat::setSysColors(nullptr); } // a toolkit of another test leaves its own
+    } noColours;
     wvw::FakeClock clock;
     wvw::ScreenSettings settings{GetParam()};
     MuiWvw toolkit;
