@@ -103,20 +103,22 @@ const char* ConsentGuard::describe(Verdict verdict) {
 ConsentGuard::Verdict ConsentGuard::judge(const XEvent& event) {
     switch (event.type) {
     case FocusIn:
-        if (event.xany.send_event)
-            return Verdict::NoInput;
-        hasKeyboard = event.xfocus.detail != NotifyPointer;
-        noteKeyboard();
-        return Verdict::NoInput;
-    case FocusOut:
+        if (!event.xany.send_event) {
+            hasKeyboard = event.xfocus.detail != NotifyPointer;
+            noteKeyboard();
+        }
+        return Verdict::NotFresh;
+    case FocusOut: // which lets go of what is held
         if (!event.xany.send_event)
             hasKeyboard = false;
-        return Verdict::NoInput;
+        return Verdict::NotFresh;
     case EnterNotify:
         // Where no window has the focus, keys go to the one under the pointer.
         if (event.xcrossing.focus && !hasKeyboard && !event.xany.send_event)
             noteKeyboard();
-        return Verdict::NoInput;
+        return Verdict::NotFresh;
+    case LeaveNotify:
+        return Verdict::NotFresh;
     case Expose:
         if (!event.xany.send_event)
             uncoveredAt = getServerTime();
@@ -134,7 +136,7 @@ ConsentGuard::Verdict ConsentGuard::judge(const XEvent& event) {
     case ButtonRelease:
         return judgeRelease(event, buttons, event.xbutton.button);
     case MotionNotify:
-        return event.xany.send_event ? Verdict::Forged : Verdict::NoInput;
+        return judgeMotion(event.xmotion);
     default:
         return Verdict::NoInput;
     }
@@ -153,6 +155,22 @@ ConsentGuard::Verdict ConsentGuard::judgePress(const XEvent& event, std::map<uns
     else if (verdict == Verdict::Deliberate)
         verdict = judgeTime(event);
     presses[code] = verdict;
+    return verdict;
+}
+
+/// The buttons in its state are those of a press that was judged, or none of ours; without any it begins nothing.
+ConsentGuard::Verdict ConsentGuard::judgeMotion(const XMotionEvent& event) const {
+    if (event.send_event)
+        return Verdict::Forged;
+    Verdict verdict = Verdict::NotFresh;
+    for (unsigned button = Button1; button <= Button5; button++) {
+        if (!(event.state & Button1Mask << (button - Button1)))
+            continue;
+        const auto press = buttons.find(button);
+        verdict = press == buttons.end() ? Verdict::NotFresh : press->second;
+        if (verdict != Verdict::Deliberate)
+            break;
+    }
     return verdict;
 }
 

@@ -31,7 +31,7 @@ public:
         NoInput, ///< no key or button is being handled
         Forged,  ///< sent by a client
         TooEarly,
-        NotFresh, ///< held down since before, or repeated
+        NotFresh, ///< held down since before, or repeated; or no press at all
         Hidden,   ///< a key, while nobody can see the window
         Injected, ///< not by a device of this computer
         Unknown,  ///< injected perhaps: the server doesn't tell
@@ -72,6 +72,7 @@ private:
     Verdict judgeRelease(const XEvent& event, std::map<unsigned, Verdict>& presses, unsigned code);
     static Verdict judgeSource(const XEvent& event);
     Verdict judgeTime(const XEvent& event);
+    Verdict judgeMotion(const XMotionEvent& event) const;
     bool isTyping(const XEvent& press);
     void noteHeldKeys();
     void noteKeyboard();

@@ -8,10 +8,25 @@
 
 #include <array>
 
+// Of X11/Xlibint.h, which defines too much else.
+using WireEventConverter = Bool (*)(Display*, XEvent*, void*);
+extern "C" WireEventConverter XESetWireToEvent(Display*, int eventNumber, WireEventConverter);
+
 namespace tx {
 namespace {
 
 plat::LogSrc log("InputSources");
+
+constexpr int firstVersionEvents = 17; // IEVENTS of X11/extensions/XIproto.h
+
+Bool dropEvent(Display*, XEvent*, void*) { return False; }
+
+/// Nobody here asks for the events of version 1, so that those which come were made up by a client; and the library
+/// that reads them trusts every number in them, for minutes on end.
+void refuseFirstVersion(int firstEvent) {
+    for (int i = 0; i < firstVersionEvents; i++)
+        XESetWireToEvent(dpy, firstEvent + i, dropEvent);
+}
 
 constexpr size_t keptEvents = 256; // far more than arrive between a raw event and its own
 
@@ -54,6 +69,8 @@ bool InputSources::findExtension() {
             dynXinput::XIQueryVersion(dpy, &major, &minor) == success && (major > 2 || (major == 2 && minor >= 1)))
             opcode = found;
         withTouch = major > 2 || minor >= 2;
+        if (event > 0)
+            refuseFirstVersion(event); // now that the library has put its own readers in place
     } catch (const plat::DynamicFnLoadFailed& e) {
         log.debug("%s", e.what());
     }

@@ -38,7 +38,9 @@ plat::IntParameter decorationHeight("WMDecorationHeight", "Height of window mana
                                     /*isAdvanced=*/false, /*owner=*/nullptr, 0);
 plat::BoolParameter noGrab("_NoGrab", "", false);
 
-constexpr int eventBudgetMs = 20; // then timers and other descriptors have their turn
+constexpr int maxTimeWindows = 10;
+constexpr int maxWindowLevels = 64; // another client may nest its own without end
+constexpr int eventBudgetMs = 20;   // then timers and other descriptors have their turn
 
 /// Remembers when the cut buffer last changed.
 class CutBufferEventHandler : public TXEventHandler {
@@ -89,6 +91,41 @@ void makeTimeWindow() {
 
 Bool isTimeEvent(Display*, XEvent* event, XPointer) {
     return event->type == PropertyNotify && event->xproperty.window == state().timeWindow && !event->xany.send_event;
+}
+
+bool askForTime(Time* out) {
+    const unsigned char nothing = 0;
+    const Window window = state().timeWindow;
+    XChangeProperty(dpy, window, timestampAtom(), XA_STRING, 8, PropModeAppend, &nothing, 0);
+    XSync(dpy, False);
+    XEvent event;
+    bool gotTime = false;
+    // Only the newest counts: another client may change our property as well.
+    while (XCheckIfEvent(dpy, &event, isTimeEvent, nullptr))
+        gotTime = true;
+    if (gotTime)
+        *out = event.xproperty.time;
+    return gotTime;
+}
+
+bool enumLevels(EnumWindowsCallback* callback, Window parent, int levels) {
+    Window root = none;
+    Window grandparent = none;
+    Window* children = nullptr;
+    unsigned count = 0;
+    {
+        ErrorCatcher catcher(100);
+        if (!XQueryTree(dpy, parent, &root, &grandparent, &children, &count))
+            return true; // it has gone
+    }
+    bool goOn = true;
+    for (unsigned i = 0; goOn && i < count; i++) {
+        ErrorCatcher catcher(100);
+        goOn = callback->nextWindow(children[i]) && (levels == 1 || enumLevels(callback, children[i], levels - 1));
+    }
+    if (children)
+        XFree(children);
+    return goOn;
 }
 
 /// A server that takes no shared memory after all said so in an error: ask for all pictures anew.
@@ -189,18 +226,21 @@ void addRootEventHandler(TXEventHandler* handler, bool add, long mask) {
 }
 
 Time getServerTime() {
-    if (state().timeWindow == none)
-        makeTimeWindow();
-    const unsigned char nothing = 0;
-    XChangeProperty(dpy, state().timeWindow, timestampAtom(), XA_STRING, 8, PropModeAppend, &nothing, 0);
-    XSync(dpy, False);
-    XEvent event;
+    Time time = currentTime;
     bool gotTime = false;
-    // Only the newest counts: another client may change our property as well.
-    while (XCheckIfEvent(dpy, &event, isTimeEvent, nullptr))
-        gotTime = true;
+    for (int tries = 0; tries < maxTimeWindows && !gotTime; tries++) {
+        if (state().timeWindow == none)
+            makeTimeWindow();
+        gotTime = askForTime(&time);
+        if (gotTime)
+            continue;
+        // Another client has destroyed the window, or made its property one that takes no text.
+        const ErrorCatcher catcher(100);
+        XDestroyWindow(dpy, state().timeWindow);
+        state().timeWindow = none;
+    }
     ASSERT(gotTime);
-    return event.xproperty.time;
+    return time;
 }
 
 void sendClientMessage(Window window, long mask, Window destination, Atom message, long l0, long l1, long l2, long l3,
@@ -240,23 +280,7 @@ rfb::Point getScreenSize() {
 rfb::Point getDecorationSize() { return {decorationWidth.value(), decorationHeight.value()}; }
 
 bool enumWindows(EnumWindowsCallback* callback, Window parent, bool recursive) {
-    Window root = none;
-    Window grandparent = none;
-    Window* children = nullptr;
-    unsigned count = 0;
-    {
-        ErrorCatcher catcher(100);
-        if (!XQueryTree(dpy, parent, &root, &grandparent, &children, &count))
-            return true; // it has gone
-    }
-    bool goOn = true;
-    for (unsigned i = 0; goOn && i < count; i++) {
-        ErrorCatcher catcher(100);
-        goOn = callback->nextWindow(children[i]) && (!recursive || enumWindows(callback, children[i], true));
-    }
-    if (children)
-        XFree(children);
-    return goOn;
+    return enumLevels(callback, parent, recursive ? maxWindowLevels : 1);
 }
 
 Cursor getFontCursor(unsigned shape) {

@@ -61,8 +61,8 @@ public:
     virtual bool nextWindow(Window window) = 0;
 };
 
-/// The children of `parent` from the lowest up, each followed by its own children if `recursive`. A window that
-/// vanishes meanwhile is skipped. Returns false if a call did.
+/// The children of `parent` from the lowest up, each followed by its own children, 64 levels down, if `recursive`. A
+/// window that vanishes meanwhile is skipped. Returns false if a call did.
 bool enumWindows(EnumWindowsCallback* callback, Window parent, bool recursive);
 
 /// A pointer of the cursor font (X11/cursorfont.h), in the desktop's theme where there is one; made once.

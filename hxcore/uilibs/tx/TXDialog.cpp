@@ -148,8 +148,10 @@ void TXDialog::show() {
     done = false;
     result = false;
     setTransientFor(parentWindow);
+    const EventScope under(this);
     initDialog();
-    show(true);
+    if (under.alive() && !done) // it may have been for nothing
+        show(true);
 }
 
 bool TXDialog::showModal() {
@@ -157,7 +159,7 @@ bool TXDialog::showModal() {
     {
         TimerScope timerScope;
         show();
-        if (run.dialog)
+        if (run.dialog && !run.done)
             pushModal();
         runModalLoop(timerScope.timers, &run.done);
     }

@@ -20,6 +20,8 @@ struct TXState {
     std::map<Atom, TXWindow*> selectionOwners;
     std::vector<TXWindow*> grabWindows;  // that want a grab, the latest last
     std::vector<TXWindow*> modalWindows; // the latest last
+    TXWindow* pointerRefused = nullptr;  // the grabber whose grab another client holds, or null
+    TXWindow* keyboardRefused = nullptr;
     EventHandlerList globalHandlers;
     EventHandlerList rootHandlers;
     std::map<TXEventHandler*, long> rootMasks;

@@ -70,6 +70,28 @@ int buttonMask(const XEvent& event) {
     return event.type == ButtonPress ? mask | bit : mask & ~bit;
 }
 
+struct MotionSearch {
+    Window window;
+    bool forged;
+    bool ended = false; // at a key, a button or a way in or out, whose place is between the motions
+};
+
+Bool isNextMotion(Display*, XEvent* event, XPointer arg) {
+    auto* search = reinterpret_cast<MotionSearch*>(arg);
+    if (search->ended || event->xany.window != search->window || event->type < KeyPress || event->type > LeaveNotify)
+        return False;
+    const bool next = event->type == MotionNotify && (event->xany.send_event != False) == search->forged;
+    search->ended = !next;
+    return next ? True : False;
+}
+
+/// Only the last of a row of motions counts. One that a client has sent never stands for the server's.
+void skipToLastMotion(XEvent* event) {
+    MotionSearch search{event->xany.window, event->xany.send_event != False};
+    for (int i = 0; i < maxMerged && XCheckIfEvent(dpy, event, isNextMotion, reinterpret_cast<XPointer>(&search)); i++)
+        ;
+}
+
 } // namespace
 
 TXWParent::TXWParent(wvw::Widget* root_, TXWindow* parent, bool unmanaged)
@@ -273,10 +295,8 @@ bool TXWParent::handleEvent(XEvent* event) {
         return false;
     }
     noteOrigin(*event);
-    if (event->type == MotionNotify) {
-        for (int i = 0; i < maxMerged && XCheckTypedWindowEvent(dpy, win(), MotionNotify, event); i++)
-            ;
-    }
+    if (event->type == MotionNotify)
+        skipToLastMotion(event);
     if (dragAndDrop && dragAndDrop->handleEvent(event))
         return false;
     switch (event->type) {

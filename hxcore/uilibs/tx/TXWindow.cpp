@@ -2,7 +2,6 @@
 
 #include "os/AppInfo.h"
 #include "plat/Assert.h"
-#include "plat/LogSrc.h"
 #include "tx/ErrorCatcher.h"
 #include "tx/TX.h"
 #include "tx/TXState.h"
@@ -19,9 +18,6 @@
 namespace tx {
 namespace {
 
-plat::LogSrc log("TXWindow");
-
-constexpr long grabbedPointerEvents = ButtonPressMask | ButtonReleaseMask | PointerMotionMask;
 constexpr int maxSize = 32767; // a window's size is 16 bits on the wire, its coordinates have a sign
 
 void writeText(Window window, Atom property, const char* text) {
@@ -32,20 +28,6 @@ void writeText(Window window, Atom property, const char* text) {
 void writeLongs(Window window, Atom property, Atom type, const long* values, int count) {
     XChangeProperty(dpy, window, property, type, 32, PropModeReplace, reinterpret_cast<const unsigned char*>(values),
                     count);
-}
-
-void grabPointer(const TXWindow& window, Cursor cursor) {
-    const int result = XGrabPointer(dpy, window.win(), /*owner_events=*/True, grabbedPointerEvents, GrabModeAsync,
-                                    GrabModeAsync, none, cursor, currentTime);
-    if (result != GrabSuccess)
-        log.error("XGrabPointer failed: %d", result);
-}
-
-void grabKeyboard(const TXWindow& window, bool ownerEvents) {
-    const int result =
-        XGrabKeyboard(dpy, window.win(), ownerEvents ? True : False, GrabModeAsync, GrabModeAsync, currentTime);
-    if (result != GrabSuccess)
-        log.error("XGrabKeyboard failed: %d", result);
 }
 
 } // namespace
@@ -159,8 +141,8 @@ void TXWindow::fixHints(bool fix) {
 }
 
 void TXWindow::writeNormalHints() {
-    // A manager looks at the property anew whenever it is written.
-    if (!wmPropertiesSet || std::memcmp(&writtenHints, &sizeHints, sizeof sizeHints) == 0)
+    // A manager looks at the property anew whenever it is written, and at those of a window that is to be mapped.
+    if (!wmPropertiesSet || !mapAsked || std::memcmp(&writtenHints, &sizeHints, sizeof sizeHints) == 0)
         return;
     XSetWMNormalHints(dpy, win_, &sizeHints);
     writtenHints = sizeHints;
@@ -237,8 +219,8 @@ void TXWindow::resize(int width, int height) {
     if (width == width_ && height == height_)
         return;
     const EventScope under(this);
-    // A manager holds a window that it has to the hints; nobody cares for those of one that isn't up.
-    if (fixedSize && mapped)
+    // A manager holds a window that it has to the hints.
+    if (fixedSize)
         fixHints(false);
     resizeRequest = NextRequest(dpy);
     XResizeWindow(dpy, win_, static_cast<unsigned>(width), static_cast<unsigned>(height));
@@ -281,12 +263,14 @@ rfb::Point TXWindow::getRootPosition() const {
 }
 
 void TXWindow::map() {
-    everMapped = true;
+    mapAsked = true;
+    writeNormalHints();
     XMapWindow(dpy, win_);
 }
 
 void TXWindow::unmap() {
     const EventScope under(this);
+    mapAsked = false;
     XUnmapWindow(dpy, win_);
     std::erase(state().modalWindows, this);
     if (wmPropertiesSet && !overrideRedirect) {
@@ -312,7 +296,7 @@ void TXWindow::iconify() {
 
 void TXWindow::deiconify() {
     const EventScope under(this);
-    if (everMapped)
+    if (mapAsked)
         unmap();
     if (!under.alive())
         return;
@@ -357,33 +341,6 @@ void TXWindow::addEventHandler(TXEventHandler* handler, bool add) {
         eventHandlers.add(handler);
     else
         eventHandlers.remove(handler);
-}
-
-void TXWindow::setGrab(bool pointer, bool keyboard, Cursor cursor, bool ownerEvents) {
-    TXWindow* const oldPointer = pointerGrabber();
-    TXWindow* const oldKeyboard = keyboardGrabber();
-    std::erase(state().grabWindows, this);
-    grab = {pointer, keyboard, ownerEvents, cursor};
-    if (pointer || keyboard)
-        state().grabWindows.push_back(this);
-    applyGrabs(oldPointer, oldKeyboard);
-}
-
-void TXWindow::applyGrabs(const TXWindow* oldPointer, const TXWindow* oldKeyboard) {
-    const TXWindow* const newPointer = pointerGrabber();
-    const TXWindow* const newKeyboard = keyboardGrabber();
-    if (newPointer != oldPointer) {
-        if (oldPointer)
-            XUngrabPointer(dpy, currentTime);
-        if (newPointer && !isGrabSuppressed())
-            grabPointer(*newPointer, newPointer->grab.cursor);
-    }
-    if (newKeyboard != oldKeyboard) {
-        if (oldKeyboard)
-            XUngrabKeyboard(dpy, currentTime);
-        if (newKeyboard && !isGrabSuppressed())
-            grabKeyboard(*newKeyboard, newKeyboard->grab.ownerEvents);
-    }
 }
 
 void TXWindow::pushModal() {

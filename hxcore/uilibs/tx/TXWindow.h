@@ -121,7 +121,9 @@ public:
     bool hasWMProperties() const { return wmPropertiesSet; }
     bool isInEvent() const { return scope != nullptr; } ///< a call of ours is under way that may need it to the end
     bool isBesideModal() const { return besideModal; }
-    bool isModal() const; ///< in the modal stack, whoever is on top
+    bool isModal() const;        ///< in the modal stack, whoever is on top
+    int tryGrabPointer() const;  ///< a result of XGrabPointer; for setGrab, which may have to ask again
+    int tryGrabKeyboard() const; ///< the same of XGrabKeyboard
     bool grabsPointer() const { return grab.pointer; }
     bool grabsKeyboard() const { return grab.keyboard; }
     bool hasCutText() const { return !cutText.isEmpty(); }
@@ -199,12 +201,13 @@ private:
     std::map<Atom, Time> selectionTimes;
     bool wmPropertiesSet = false;
     bool mapped = false;
-    bool everMapped = false;
+    bool mapAsked = false; // and not unmapped since
     bool focused = false;
     bool overrideRedirect;
     bool fixedSize = false;
     bool urgent = false;
     bool besideModal = false;
+    bool answerExpected = false; // the SelectionNotify being handled is what requestSelection waited for
     bool inputHint = true;
     int initialState = NormalState;
     unsigned long resizeRequest = 0; // number of our last resize: what was reported before is out of date

@@ -140,13 +140,18 @@ bool TXWindow::requestSelection(Atom selection, Atom target, int timeoutMs) {
         log.debug("timed out waiting for %s %s for 0x%lx", atomName(selection), atomName(target), win_);
         return false;
     }
+    answerExpected = true;
     handleSelectionNotify(&answer.xselection);
+    answerExpected = false;
     return true;
 }
 
 void TXWindow::setSensitive(bool sensitive) { cutText.setSecure(sensitive); }
 
-void TXWindow::selectionNotify(XSelectionEvent*, Property& value) { storeCutText(value); }
+void TXWindow::selectionNotify(XSelectionEvent*, Property& value) {
+    if (answerExpected) // else too late, or nobody's answer at all: what we hold may be what we offer
+        storeCutText(value);
+}
 
 bool TXWindow::selectionRequest(Window requestor, Atom, Atom target, Atom property) {
     if (!hasCutText())
@@ -215,6 +220,8 @@ void TXWindow::handleSelectionClear(const XSelectionClearEvent& event) {
     const auto ours = selectionTimes.find(event.selection);
     if (ours == selectionTimes.end() || event.send_event)
         return;
+    if (XGetSelectionOwner(dpy, event.selection) == win_)
+        return; // it has been taken back since
     selectionTimes.erase(ours);
     const auto owner = state().selectionOwners.find(event.selection);
     if (owner != state().selectionOwners.end() && owner->second == this)
@@ -224,7 +231,7 @@ void TXWindow::handleSelectionClear(const XSelectionClearEvent& event) {
 void TXWindow::handleSelectionNotify(XSelectionEvent* event) {
     Property value;
     // Only the property that we named: another one of ours is not to be read and deleted because someone says so.
-    if (event->property != none && event->property == selectionString())
+    if (answerExpected && event->property == selectionString())
         value = getWindowProperty(win_, event->property, AnyPropertyType, /*remove=*/true, selectionLimit);
     if (value.type() == incrAtom()) {
         log.info("Ignoring large selection - replacing with empty string");
@@ -237,6 +244,7 @@ void TXWindow::handleSelectionNotify(XSelectionEvent* event) {
 }
 
 void TXWindow::handleSelectionRequest(const XSelectionRequestEvent& event) {
+    const ErrorCatcher catcher(100); // the requestor may be gone, or may never have been
     XEvent reply{};
     reply.xselection.type = SelectionNotify;
     reply.xselection.requestor = event.requestor;

@@ -209,7 +209,7 @@ bool WLayout::setFocusChild(Widget* child, bool backward) {
             return false;
     }
     Widget* old = std::exchange(focusChild, child);
-    if (old)
+    if (old && old != child)
         old->focusChanged(backward, old);
     if (child && newWatch.alive())
         child->focusChanged(backward, child);

@@ -45,15 +45,6 @@ public:
     virtual plat::String getCutText() = 0;
     virtual void setCutText(const char* text) = 0;
 
-    /// What the user selected last in any program, as UTF-8; null when there is none. Default: the clipboard.
-    virtual plat::String getPrimaryText() { return getCutText(); }
-
-    /// The user has selected this text (UTF-8), for the middle button to paste. Default: nothing.
-    virtual void setPrimaryText(const char* /*text*/) {}
-
-    /// The pointer is over a widget of that shape. Default, once it has left it. The default does nothing.
-    virtual void showCursor(CursorShape) {}
-
     /// `originOut` (may be null) becomes the root position of what this parent's children count from. Null while no
     /// window is there.
     virtual WRoot* getRoot(rfb::Point* originOut) = 0;
@@ -63,6 +54,15 @@ public:
 
     /// `image` is borrowed for the call.
     virtual void startDrag(std::unique_ptr<hxutil::DragDropData> data, const rfb::PixelBuffer* image) = 0;
+
+    /// What the user selected last in any program, as UTF-8; null when there is none. Default: the clipboard.
+    virtual plat::String getPrimaryText() { return getCutText(); }
+
+    /// The user has selected this text (UTF-8), for the middle button to paste. Default: nothing.
+    virtual void setPrimaryText(const char* /*text*/) {}
+
+    /// The pointer is over a widget of that shape. Default, once it has left it. The default does nothing.
+    virtual void showCursor(CursorShape) {}
 
     /// The window shall watch where its input comes from, so that confirmInput can tell. Once asked, for good.
     virtual void guardInput() {}

@@ -62,7 +62,10 @@ public:
     }
 
     // tx::TXWindow
-    void moved() override { owner->moved(owner->getPosition()); }
+    void moved() override {
+        tx::TXDialog::moved();
+        owner->moved(owner->getPosition());
+    }
     void mapChanged() override {
         tx::TXDialog::mapChanged();
         if (isMapped())

@@ -52,6 +52,8 @@ bool MuCheckWvw::keyEvent(uint32_t keysym, bool down, wvw::Widget* origin) {
     MuCheck* next = getGroup()->neighbour(this, forward);
     if (next == this)
         return false;
+    if (!widget.confirmAct())
+        return true;
     next->setFocus();
     next->setChecked(/*on=*/true);
     next->notify(EventChanged);

@@ -112,7 +112,10 @@ void MuListWvw::getCellStyle(wvw::WTable*, int row, int column, wvw::WStyle& sty
         wvw::themeColour(getCellColour(row, column), MuList::isRowSelectable(row) ? style.text : style.disabled);
 }
 
-void MuListWvw::rowActivated(wvw::WTable*, int, int) { notify(EventRowActivated); }
+void MuListWvw::rowActivated(wvw::WTable*, int, int) {
+    if (confirmAct())
+        notify(EventRowActivated);
+}
 
 bool MuListWvw::activated(wvw::Widget* origin) {
     if (origin != &widget)

@@ -473,6 +473,7 @@ TEST_F(ClipboardTest, BellsAreHeardWhileThereIsAMonitor) {
     } listener;
     {
         const tx::BellMonitor monitor(&listener);
+        pump();
         XBell(other.display, 0);
         XBell(other.display, 100);
         pump();

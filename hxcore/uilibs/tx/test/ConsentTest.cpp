@@ -1,30 +1,18 @@
 // Input of every origin at a window that grants access.
+#include "TestInput.h"
 #include "XTest.h"
 #include "plat/Configuration.h"
-#include "plat/DynamicFn.h"
 #include "plat/test/CapturedLog.h"
 #include "tx/TXWRoot.h"
 #include "wvw/WBevelButton.h"
 
 #include <X11/XKBlib.h>
-#include <X11/extensions/XInput.h>
-#include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace txtest {
 namespace {
-
-constexpr const char* xtst = "Xtst[6]";
-const plat::DynamicFn<decltype(::XTestFakeKeyEvent)> fakeKey{xtst, "XTestFakeKeyEvent"};
-const plat::DynamicFn<decltype(::XTestFakeButtonEvent)> fakeButton{xtst, "XTestFakeButtonEvent"};
-const plat::DynamicFn<decltype(::XTestFakeMotionEvent)> fakeMotion{xtst, "XTestFakeMotionEvent"};
-const plat::DynamicFn<decltype(::XTestFakeDeviceKeyEvent)> fakeDeviceKey{xtst, "XTestFakeDeviceKeyEvent"};
-const plat::DynamicFn<decltype(::XListInputDevices)> listDevices{"Xi[6]", "XListInputDevices"};
-const plat::DynamicFn<decltype(::XFreeDeviceList)> freeDevices{"Xi[6]", "XFreeDeviceList"};
-const plat::DynamicFn<decltype(::XOpenDevice)> openDevice{"Xi[6]", "XOpenDevice"};
 
 struct ConsentTest : XTest, wvw::WInputHandler {
     ConsentTest() {
@@ -33,7 +21,7 @@ struct ConsentTest : XTest, wvw::WInputHandler {
         button.setDeliberate(true);
         parent.setSizeFromRoot();
         parent.setPosition(100, 100);
-        park();
+        input.moveTo(600, 500);
     }
     ~ConsentTest() override {
         key(XK_Return, false);
@@ -57,10 +45,8 @@ struct ConsentTest : XTest, wvw::WInputHandler {
         XSetInputFocus(other.display, window, RevertToPointerRoot, tx::currentTime);
         pump();
     }
-    /// The server itself waits before it makes the event.
     void key(KeySym keysym, bool down, unsigned long afterMs = 0) {
-        fakeKey(other.display, static_cast<unsigned>(XKeysymToKeycode(other.display, keysym)), down ? True : False,
-                afterMs);
+        input.key(keysym, down, afterMs);
         pump();
     }
     void press(KeySym keysym, unsigned long afterMs = 0) {
@@ -68,34 +54,14 @@ struct ConsentTest : XTest, wvw::WInputHandler {
         key(keysym, false);
     }
     void click(unsigned long afterMs = 0) {
-        fakeMotion(other.display, 0, 150, 130, 0UL);
-        fakeButton(other.display, 1U, True, afterMs);
-        fakeButton(other.display, 1U, False, 0UL);
-        pump();
-    }
-    void park() {
-        fakeMotion(other.display, 0, 600, 500, 0UL);
-        other.sync();
-    }
-    /// A key of the server's own keyboard.
-    void deviceKey(KeySym keysym) {
-        int count = 0;
-        XDeviceInfo* list = listDevices(other.display, &count);
-        XDevice* device = nullptr;
-        for (int i = 0; i < count; i++) {
-            if (list[i].use == IsXExtensionKeyboard && !std::strstr(list[i].name, "XTEST"))
-                device = openDevice(other.display, list[i].id);
-        }
-        freeDevices(list);
-        ASSERT_NE(device, nullptr);
-        const auto code = static_cast<unsigned>(XKeysymToKeycode(other.display, keysym));
-        int noAxes = 0;
-        for (const int down : {True, False})
-            fakeDeviceKey(other.display, device, code, down, &noAxes, 0, 5UL); // later than the last release
+        input.moveTo(150, 130);
+        input.button(true, afterMs);
+        input.button(false);
         pump();
     }
     int taken() { return std::exchange(activations, 0); }
 
+    TestInput input{other.display};
     wvw::WLabelButton button{nullptr, "Accept"};
     tx::TXWParent parent{&button, nullptr, /*unmanaged=*/true};
     int activations = 0;
@@ -139,7 +105,7 @@ TEST_F(ConsentTest, WhatIsHeldSinceBeforeNeverAnswers) {
 TEST_F(ConsentTest, WhatClientsSendDoesNotReachIt) {
     show();
     press(XK_F5, /*afterMs=*/1010);
-    const auto code = static_cast<unsigned>(XKeysymToKeycode(other.display, XK_Return));
+    const unsigned code = input.keycode(XK_Return);
     other.sendKey(parent.win(), KeyPress, code);
     other.sendKey(parent.win(), KeyRelease, code);
     other.sendPointer(parent.win(), ButtonPress, 50, 30, 1);
@@ -150,6 +116,46 @@ TEST_F(ConsentTest, WhatClientsSendDoesNotReachIt) {
     EXPECT_FALSE(button.isHovered() || button.isPressed());
     press(XK_Return);
     EXPECT_EQ(taken(), 1);
+}
+
+// Motions are taken together, and a forged one brings buttons in its state.
+TEST_F(ConsentTest, AForgedMotionIsNotTakenForTheServers) {
+    show();
+    press(XK_F5, /*afterMs=*/1010);
+    for (const unsigned state : {unsigned{Button1Mask}, 0U}) {
+        input.moveTo(state ? 150 : 151, 130);
+        other.sendPointer(parent.win(), MotionNotify, 50, 30, 0, state);
+        pump();
+    }
+    EXPECT_EQ(taken(), 0);
+    EXPECT_FALSE(button.isPressed());
+}
+
+// A press that counts for nothing begins nothing either: neither by moving on with it nor by losing the keyboard.
+TEST_F(ConsentTest, WhatFollowsAPressIsWorthAsMuchAsThePress) {
+    show();
+    input.moveTo(150, 130);
+    struct : wvw::WMouseInputHandler {
+        bool mouseMove(const rfb::Point&, wvw::Widget* widget) override {
+            confirmed = widget->confirmAct();
+            return false;
+        }
+        bool confirmed = false;
+    } mover;
+    button.setMouseHandler(&mover);
+    for (const bool early : {true, false}) {
+        input.button(true, early ? 0 : 510);
+        input.moveTo(early ? 151 : 152, 130);
+        pump();
+        EXPECT_EQ(mover.confirmed, !early);
+        input.button(false);
+        pump();
+        EXPECT_EQ(taken(), early ? 0 : 1);
+    }
+    input.moveTo(150, 130); // with nothing held
+    pump();
+    EXPECT_FALSE(mover.confirmed);
+    button.setMouseHandler(nullptr);
 }
 
 // Somebody is writing when a window manager hands the keyboard over.
@@ -203,7 +209,8 @@ TEST_F(ConsentTest, ByPolicyInjectedInputIsIgnoredAndSaidSo) {
     EXPECT_EQ(std::count_if(log.lines.begin(), log.lines.end(),
                             [](const std::string& line) { return line.find("input has no effect") != line.npos; }),
               1); // once, however much comes
-    deviceKey(XK_Return);
+    EXPECT_TRUE(input.deviceKey(XK_Return));
+    pump();
     EXPECT_EQ(taken(), 1);
     fire(6000);
     EXPECT_EQ(tx::TXWRoot::instance().popupCount(), popups);

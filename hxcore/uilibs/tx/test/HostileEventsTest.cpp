@@ -1,7 +1,10 @@
 // What another client can send us: events of any type with any contents, and pictures that are none.
 #include "XTest.h"
 #include "plat/builtInResource.h"
+#include "tx/InputSources.h"
+#include "tx/Randr.h"
 #include "tx/TXWindowIcon.h"
+#include "tx/dynXfixes.h"
 
 #include <array>
 #include <cstring>
@@ -45,11 +48,20 @@ struct HostileEventsTest : XTest {
         for (int type = KeyPress; type < 128; type++) // Xlib turns away types that it does not know
             XESetEventToWire(other.display, type, copyWire);
         oldHandler = XSetErrorHandler([](Display*, XErrorEvent*) { return 0; }); // the server refuses some as well
+        // The readers of all extensions that we use are in place.
+        tx::InputSources::instance().watch(true);
+        tx::randrAvailable(/*log=*/false);
+        int events = 0;
+        int errors = 0;
+        tx::dynXfixes::XFixesQueryExtension(tx::dpy, &events, &errors);
         window.show(true);
         pump();
         fire(20);
     }
-    ~HostileEventsTest() override { XSetErrorHandler(oldHandler); }
+    ~HostileEventsTest() override {
+        tx::InputSources::instance().watch(false);
+        XSetErrorHandler(oldHandler);
+    }
 
     void flood(Window to, unsigned seed, int count) {
         std::mt19937 random(seed);

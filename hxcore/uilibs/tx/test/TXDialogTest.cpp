@@ -68,6 +68,17 @@ TEST_F(TXDialogTest, ADialogMayDieInsideItsOwnLoop) {
     EXPECT_TRUE(isIdle());
 }
 
+TEST_F(TXDialogTest, ADialogMayEndBeforeItIsShown) {
+    struct Hasty : tx::TXDialog {
+        Hasty() : tx::TXDialog(nullptr, "hasty") { setSize({40, 40}); }
+        void initDialog() override { hide(true); }
+    } hasty;
+    EXPECT_TRUE(hasty.showModal());
+    pump();
+    EXPECT_FALSE(hasty.isMapped());
+    EXPECT_FALSE(hasty.isModal());
+}
+
 TEST_F(TXDialogTest, ModalDialogsNest) {
     ActingDialog inner;
     ActingDialog outer;

@@ -1,6 +1,9 @@
 #include "SelectionOwner.h"
 #include "XTest.h"
+#include "plat/test/CapturedLog.h"
 #include "tx/TXState.h"
+
+#include <algorithm>
 
 namespace txtest {
 namespace {
@@ -201,12 +204,38 @@ TEST_F(TXSelectionOwnerTest, OldRequestorsNameNoProperty) {
 }
 
 TEST_F(TXSelectionOwnerTest, ARequestorMayVanish) {
+    const plat::CapturedLog log;
     const Window mortal = other.makeWindow();
     XConvertSelection(other.display, other.atom("CLIPBOARD"), other.atom("UTF8_STRING"), property, mortal,
                       tx::currentTime);
     XDestroyWindow(other.display, mortal);
     pump();
     EXPECT_EQ(text(request("UTF8_STRING", property)), "caf\xc3\xa9 \xe2\x82\xac");
+    EXPECT_TRUE(std::ranges::none_of(log.lines, [](const std::string& line) { return line.starts_with("0 "); }));
+}
+
+// Too late, or forged: what we offer is neither replaced by it nor wiped.
+TEST_F(TXSelectionOwnerTest, AnAnswerThatWasNotAwaitedChangesNothing) {
+    XEvent forged{};
+    forged.xselection.type = SelectionNotify;
+    forged.xselection.requestor = window.win();
+    forged.xselection.selection = other.atom("CLIPBOARD");
+    forged.xselection.target = other.atom("UTF8_STRING");
+    for (const char* name : {"SELECTION_STRING", "None"}) {
+        other.setProperty(window.win(), "SELECTION_STRING", "UTF8_STRING", 8, "evil", 4);
+        forged.xselection.property = *name == 'N' ? tx::none : other.atom(name);
+        other.send(window.win(), forged);
+        EXPECT_EQ(text(request("UTF8_STRING", property)), "caf\xc3\xa9 \xe2\x82\xac") << name;
+    }
+}
+
+TEST_F(TXSelectionOwnerTest, OldNewsOfALossTakesNothingAway) {
+    XSetSelectionOwner(other.display, other.atom("CLIPBOARD"), requestorWindow, tx::currentTime);
+    other.sync();
+    offer("again"); // before we have looked
+    pump();
+    EXPECT_TRUE(window.ownsSelection(tx::clipboardAtom()));
+    EXPECT_EQ(text(request("UTF8_STRING", property)), "again");
 }
 
 TEST_F(TXSelectionOwnerTest, ForgedRequestsForWhatWeDontOwnGetNothing) {

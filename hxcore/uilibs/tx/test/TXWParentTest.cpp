@@ -214,6 +214,16 @@ TEST_F(TXWParentTest, OnlyTheLastOfManyMotionsCounts) {
     EXPECT_EQ(widget.mouse, (Strings{"20,5:0"}));
 }
 
+TEST_F(TXWParentTest, AMotionDoesNotOvertakeAPress) {
+    other.sendPointer(parent->win(), MotionNotify, 1, 5, 0);
+    other.sendPointer(parent->win(), MotionNotify, 2, 5, 0);
+    other.sendPointer(parent->win(), ButtonPress, 3, 5, 1);
+    other.sendPointer(parent->win(), MotionNotify, 8, 5, 0, Button1Mask);
+    other.sendPointer(parent->win(), MotionNotify, 9, 5, 0, Button1Mask);
+    pump();
+    EXPECT_EQ(widget.mouse, (Strings{"2,5:0", "3,5:1", "9,5:1"}));
+}
+
 TEST_F(TXWParentTest, BlockedInputReachesNobodyButReleasesDo) {
     press(keycode(XK_a));
     parent->setInputBlocked(true);

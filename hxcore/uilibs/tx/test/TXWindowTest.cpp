@@ -175,6 +175,7 @@ TEST_F(TXWindowTest, ZeroRemovesASizeHint) {
     window.setWMProperties("hints");
     window.setMinSize(20, 10);
     window.setMaxSize(500, 400);
+    window.map();
     const XSizeHints hints = serverHints(window);
     EXPECT_EQ(hints.flags & (PMinSize | PMaxSize), PMinSize | PMaxSize);
     EXPECT_EQ(hints.min_width, 20);
@@ -188,6 +189,7 @@ TEST_F(TXWindowTest, AFixedSizeFollowsAResize) {
     SizedWindow window(50, 40);
     window.setWMProperties("fixed");
     window.setFixedSize(true);
+    window.map();
     window.resize(120, 90);
     const XSizeHints hints = serverHints(window);
     EXPECT_EQ(hints.flags & (PMinSize | PMaxSize), PMinSize | PMaxSize);
@@ -273,11 +275,53 @@ TEST_F(TXWindowTest, ServerTimeAdvances) {
     const Time second = tx::getServerTime();
     EXPECT_NE(first, 0UL);
     EXPECT_LE(first, second);
+    // Whatever others do to the window that tells.
+    XDestroyWindow(other.display, tx::state().timeWindow);
+    other.sync();
+    EXPECT_LE(second, tx::getServerTime());
+    const long word = 1;
+    other.setProperty(tx::state().timeWindow, "TIMESTAMP", "INTEGER", 32, &word, 1);
+    EXPECT_LE(second, tx::getServerTime());
+}
+
+// A manager looks anew each time; a dialog tries many sizes before it shows itself.
+TEST_F(TXWindowTest, TheHintsAreWrittenOnceForEachChangeThatAManagerSees) {
+    SizedWindow window(50, 40);
+    other.sync();
+    XSync(tx::dpy, False);
+    XSelectInput(other.display, window.win(), PropertyChangeMask);
+    other.sync();
+    const auto written = [&] {
+        pump();
+        int count = 0;
+        for (XEvent event; XCheckTypedEvent(other.display, PropertyNotify, &event);)
+            count += event.xproperty.atom == XA_WM_NORMAL_HINTS ? 1 : 0;
+        return count;
+    };
+    window.setWMProperties("hints");
+    EXPECT_EQ(written(), 1);
+    window.setFixedSize(true);
+    for (int size = 100; size < 120; size++) {
+        window.resize(size, size);
+        window.setPosition(size, 0);
+    }
+    EXPECT_EQ(written(), 0);
+    window.map();
+    EXPECT_EQ(written(), 1);
+    EXPECT_EQ(serverHints(window).min_width, 119);
+    window.setFixedSize(true);
+    EXPECT_EQ(written(), 0);
+    window.unmap();
+    window.resize(60, 60);
+    EXPECT_EQ(written(), 0);
+    window.map();
+    EXPECT_EQ(serverHints(window).max_width, 60);
 }
 
 TEST_F(TXWindowTest, GeometryOfTheUserWinsOverTheDefault) {
     SizedWindow window(50, 40);
     window.setWMProperties("geometry");
+    window.map();
     window.setGeometry("300x200+11+12", {0, 0, 100, 100});
     EXPECT_EQ(window.size(), rfb::Point(300, 200));
     EXPECT_EQ(window.getRootPosition(), rfb::Point(11, 12));

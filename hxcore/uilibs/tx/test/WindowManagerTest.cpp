@@ -224,6 +224,15 @@ TEST_F(ErrorCatcherTest, AWindowTreeMayChangeDuringAScan) {
     };
     EXPECT_TRUE(tx::enumWindows(&changing, top, true));
     EXPECT_EQ(changing.seen, (std::vector<Window>{child, sibling})); // its own child is gone
+
+    Window deep = other.makeWindow();
+    const Window bottomless = deep;
+    for (int level = 0; level < 500; level++)
+        deep = XCreateSimpleWindow(other.display, deep, 0, 0, 5, 5, 0, 0, 0);
+    other.sync();
+    Collector levels;
+    EXPECT_TRUE(tx::enumWindows(&levels, bottomless, true));
+    EXPECT_EQ(levels.seen.size(), 64U);
 }
 
 TEST_F(ErrorCatcherTest, ExtensionsAreFoundOrMissedWithoutHarm) {

@@ -76,7 +76,7 @@ TEST_F(DialogTxTest, SizeHintsAreWrittenOnceForEachChange) {
     for (int i = 0; i < 10; ++i)
         MuStatic::create(column, "text", "A text that is long enough to need a second line in this dialog");
     ASSERT_TRUE(showAndWait(*dialog));
-    EXPECT_LE(written(), 3); // size, place
+    EXPECT_EQ(written(), 1); // as it is mapped, however many sizes were tried
     dialog->nativeLayout();
     EXPECT_EQ(written(), 0);
     XCloseDisplay(manager);
