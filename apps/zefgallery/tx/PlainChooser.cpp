@@ -19,7 +19,7 @@ public:
 private:
     // tx::TXDialog::Callback
     void dialogClosed(tx::TXDialog*, bool result) override {
-        callback->plainChosen(result ? dialog->getPath() : nullptr);
+        callback->plainChosen(result ? dialog->getPath().get() : nullptr);
     }
 
     PlainChooser::Callback* callback;

@@ -4,6 +4,7 @@
 #include "loc/Localize.h"
 #include "plat/Exception.h"
 #include "plat/path.h"
+#include "plat/visibleText.h"
 #include "rfb/keySymbols.h"
 #include "tx/TXMsgBox.h"
 #include "wvw/WCanvas.h"
@@ -67,7 +68,7 @@ WFileDialog::WFileDialog(tx::TXWindow* owner, const char* title, const char* pat
     if (!enterFolder(parent.c_str()))
         enterFolder("/");
     else
-        edit.setText(start.c_str());
+        showPath(start);
 }
 
 WFileDialog::~WFileDialog() {
@@ -98,9 +99,9 @@ bool WFileDialog::valueChanged(wvw::Widget* origin) {
         return false;
     const unsigned others = browser.getFlags() & ~static_cast<unsigned>(DirBrowser::ShowHidden);
     browser.setFlags(others | (hidden.getCheck().isOn() ? DirBrowser::ShowHidden : 0U));
-    const plat::String typed = edit.getText();
+    const plat::String path = enteredPath();
     enterFolder(folder.c_str());
-    edit.setText(typed.c_str());
+    showPath(path);
     return true;
 }
 
@@ -123,14 +124,14 @@ void WFileDialog::itemChosen(WFileList*, int index) {
     const TreeBrowser::Entry entry = browser.entries().at(static_cast<size_t>(index));
     if (entry.isBranch && enterFolder(canonical(entry.path.c_str()).c_str()))
         return;
-    edit.setText(entry.path.c_str());
+    showPath(entry.path);
 }
 
 int WFileDialog::itemCount() { return static_cast<int>(browser.entries().size()); }
 
 plat::String WFileDialog::itemText(int index) {
     const TreeBrowser::Entry& entry = browser.entries().at(static_cast<size_t>(index));
-    const plat::String name = plat::path::baseName(entry.path.c_str());
+    const plat::String name = plat::visibleText(plat::path::baseName(entry.path.c_str()).c_str());
     return entry.isBranch ? withSlash(name) : name;
 }
 
@@ -145,13 +146,25 @@ bool WFileDialog::enterFolder(const char* path) {
         return true; // it is a folder, but stays closed
     }
     folder = whole;
-    edit.setText(folder.c_str());
+    showPath(folder);
     list.refill();
     return true;
 }
 
-void WFileDialog::accept() {
+/// The field may hold less of it than there is.
+void WFileDialog::showPath(const plat::String& path) {
+    edit.setText(path.c_str());
+    shownPath = path;
+    shownText = edit.getText();
+}
+
+plat::String WFileDialog::enteredPath() const {
     const plat::String typed = edit.getText();
+    return typed == shownText ? shownPath : typed;
+}
+
+void WFileDialog::accept() {
+    const plat::String typed = enteredPath();
     if (typed.isEmpty()) {
         bell();
         return;
@@ -169,7 +182,7 @@ void WFileDialog::accept() {
         bell();
         return;
     }
-    edit.setText(path.c_str());
+    showPath(path);
     hide(true);
 }
 

@@ -29,7 +29,7 @@ public:
     WFileDialog(tx::TXWindow* owner, const char* title, const char* path = nullptr, unsigned flags = 0);
     ~WFileDialog() override;
 
-    const char* getPath() const { return edit.getText(); }
+    plat::String getPath() const { return enteredPath(); }
     bool isShowingError() const { return error != nullptr; }
 
     // tx::TXDialog
@@ -53,11 +53,15 @@ private:
 
     bool enterFolder(const char* path); // false if it is none
     void accept();
+    void showPath(const plat::String& path);
+    plat::String enteredPath() const;
     void showError(const char* text);
     void arrange();
 
     DirBrowser browser;
-    plat::String folder; // ends in "/"
+    plat::String folder;    // ends in "/"
+    plat::String shownPath; // what was put into the field
+    plat::String shownText; // what it held of that
     wvw::WLabel label;
     wvw::WEdit edit;
     wvw::WLabelCheckBoxHK hidden;

@@ -30,7 +30,7 @@ struct FileDialogTest : txtest::XTest {
         }
         pump();
     }
-    std::string path() { return dialog->getPath(); }
+    std::string path() { return dialog->getPath().c_str(); }
 
     plat::TempDir dir;
     std::unique_ptr<ui::WFileDialog> dialog;
@@ -87,6 +87,18 @@ TEST_F(FileDialogTest, FoldersAndHiddenNames) {
     EXPECT_EQ(path(), dir.root + "/.hidden");
     press({key::Escape});
     EXPECT_FALSE(dialog->isMapped());
+}
+
+// The field holds 255 bytes, but what is chosen is not cut to another name.
+TEST_F(FileDialogTest, ALongPathIsChosenWhole) {
+    const std::string deep = dir / std::string(200, 'd');
+    const std::string file = deep + "/" + std::string(255, 'f');
+    mkdir(deep.c_str(), 0700);
+    plat::writeTextFile(file, "x");
+    open(deep);
+    press({'f', key::Return, key::Tab, key::Return});
+    EXPECT_FALSE(dialog->isMapped());
+    EXPECT_EQ(path(), file);
 }
 
 TEST_F(FileDialogTest, WhatIsNoFolderOrGoesAwayIsNoTrouble) {
