@@ -4,6 +4,8 @@
 #include "hxutil/scripts.h"
 #include "hxutil/textChars.h"
 #include "plat/utf8.h"
+#include "rfb/PixelBuffer.h"
+#include "rfb/renderOps.h"
 
 #include <algorithm>
 #include <cstring>
@@ -178,6 +180,24 @@ void TextLine::draw(rfb::WritablePixelBuffer& buffer, rfb::Point position, uint3
     for (const Glyph& glyph : glyphs) {
         if (glyph.code != fill)
             font.drawGlyph(buffer, glyph.code, {position.x + clusters[glyph.cluster].x + glyph.dx, position.y}, pixel);
+    }
+}
+
+void TextLine::drawPart(rfb::FullFramePixelBuffer& buffer, rfb::Point position, uint32_t pixel, uint32_t background,
+                        size_t from, size_t to) const {
+    for (const Span& span : spans(from, to)) {
+        const rfb::Rect place = rfb::Rect::xywh(position.x + span.from, position.y, span.to - span.from, font.height);
+        rfb::fillRect(buffer, place, background);
+        if (plain) {
+            font.drawString(buffer, text + from, place.tl, pixel, text + to);
+            return;
+        }
+        // Half of a sign may be in it.
+        const rfb::Rect part = place.intersect(buffer.getRect());
+        if (part.isEmpty())
+            continue;
+        rfb::FullFramePixelBuffer view(buffer, part, part.tl);
+        draw(view, position, pixel);
     }
 }
 

@@ -10,8 +10,9 @@
 #include <vector>
 
 namespace rfb {
+class FullFramePixelBuffer;
 class WritablePixelBuffer;
-}
+} // namespace rfb
 
 namespace hxutil {
 
@@ -44,6 +45,9 @@ public:
     int width() const;
     bool isRightToLeft() const { return rightToLeft; } ///< its paragraph, by its first strong character
     void draw(rfb::WritablePixelBuffer& buffer, rfb::Point position, uint32_t pixel) const;
+    /// That part alone, where it stands in the line, on that background. `position` is that of the line.
+    void drawPart(rfb::FullFramePixelBuffer& buffer, rfb::Point position, uint32_t pixel, uint32_t background,
+                  size_t from, size_t to) const;
 
     size_t fitting(int px) const;                          ///< the end of the longest start of the text that fits
     size_t nearest(int px) const;                          ///< the caret's place nearest to `px`

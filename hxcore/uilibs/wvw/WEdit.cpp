@@ -4,7 +4,10 @@
 #include "wvw/WidgetWatch.h"
 
 #include "hxutil/Font.h"
+#include "hxutil/TextLine.h"
 #include "hxutil/drawText.h"
+#include "hxutil/scripts.h"
+#include "hxutil/textChars.h"
 #include "plat/LogSrc.h"
 #include "plat/numbers.h"
 #include "plat/utf8.h"
@@ -152,7 +155,16 @@ void WEdit::setFrame(bool on) {
     repaint();
 }
 
+hxutil::TextLine WEdit::line() const { return hxutil::TextLine(*getStyle().font, text.c_str()); }
+
 int WEdit::step(int position, bool forward) const {
+    if (password) // every character is a star
+        return stepChar(position, forward);
+    const auto from = static_cast<size_t>(position);
+    return static_cast<int>(forward ? line().nextPlace(from) : line().previousPlace(from));
+}
+
+int WEdit::stepChar(int position, bool forward) const {
     const char* start = text.c_str();
     const char* end = start + text.size();
     const char* p = start + position;
@@ -163,6 +175,16 @@ int WEdit::step(int position, bool forward) const {
         plat::utf8::stepBack(&p, start);
     }
     return static_cast<int>(p - start);
+}
+
+/// What BackSpace removes: a mark comes off alone, before its base.
+int WEdit::stepBackspace(int position) const {
+    const int last = stepChar(position, /*forward=*/false);
+    const char* p = text.c_str() + last;
+    int code = 0;
+    hxutil::nextChar(&p, nullptr, &code);
+    const bool mark = hxutil::isMark(code) && !hxutil::isHidden(code);
+    return mark ? last : step(position, /*forward=*/false);
 }
 
 int WEdit::stepWord(int position, bool forward) const {
@@ -188,6 +210,16 @@ void WEdit::place(int position, bool extend) {
         setSelection(position, position);
 }
 
+/// Characters go by as they stand on the screen, words in the direction of the text.
+int WEdit::stepByKey(int position, bool right) const {
+    // What a password is made of is not shown by the steps through it.
+    if (password)
+        return ctrlDown() ? (right ? lengthOf(text) : 0) : step(position, right);
+    if (ctrlDown())
+        return stepWord(position, right != line().isRightToLeft());
+    return static_cast<int>(line().placeBeside(static_cast<size_t>(position), right));
+}
+
 bool WEdit::moveByKey(uint32_t keysym) {
     int to = insertionPoint();
     switch (keysym) {
@@ -199,11 +231,7 @@ bool WEdit::moveByKey(uint32_t keysym) {
         break;
     case key::Left:
     case key::Right:
-        // What a password is made of is not shown by the steps through it.
-        if (ctrlDown())
-            to = password ? (keysym == key::Right ? lengthOf(text) : 0) : stepWord(to, keysym == key::Right);
-        else
-            to = step(to, keysym == key::Right);
+        to = stepByKey(to, keysym == key::Right);
         break;
     default:
         return false;
@@ -224,7 +252,9 @@ bool WEdit::eraseByKey(uint32_t keysym) {
         return false;
     if (selection == 0) {
         const bool forward = keysym == key::Delete;
-        const int other = ctrlDown() && !password ? stepWord(cursor, forward) : step(cursor, forward);
+        const int other = ctrlDown() && !password ? stepWord(cursor, forward)
+                          : forward               ? step(cursor, forward)
+                                                  : stepBackspace(cursor);
         if (other == cursor)
             return true;
         const int before = cursor;
@@ -268,7 +298,7 @@ bool WEdit::ownKey(uint32_t keysym) {
         return true;
     }
     if (contextMenu && (keysym == key::Menu || (keysym == key::F10 && shiftDown()))) {
-        showMenu({textOrigin().x + widthTo(insertionPoint()), getHeight()});
+        showMenu({textOrigin().x + caretX(insertionPoint()), getHeight()});
         return true;
     }
     return !ctrlDown() && !altDown() && typeKey(keysym);
@@ -453,13 +483,19 @@ std::string WEdit::shown() const {
     return std::string(static_cast<size_t>(plat::utf8::countChars(text.c_str())), '*');
 }
 
-int WEdit::widthTo(int position) const {
-    const hxutil::Font& font = *getStyle().font;
-    const char* start = text.c_str();
-    if (password)
-        return plat::utf8::countChars(start, start + position) * font.charWidth('*');
-    return font.stringWidth(start, start + position);
+size_t WEdit::shownIndex(int position) const {
+    return static_cast<size_t>(password ? plat::utf8::countChars(text.c_str(), text.c_str() + position) : position);
 }
+
+int WEdit::starsWidth(int position) const {
+    return plat::utf8::countChars(text.c_str(), text.c_str() + position) * getStyle().font->charWidth('*');
+}
+
+int WEdit::caretX(int position) const {
+    return password ? starsWidth(position) : line().caretX(static_cast<size_t>(position));
+}
+
+int WEdit::textWidth() const { return password ? starsWidth(lengthOf(text)) : line().width(); }
 
 int WEdit::positionAt(int x) const {
     const hxutil::Font& font = *getStyle().font;
@@ -480,16 +516,17 @@ Rect WEdit::textArea() const {
 
 Point WEdit::textOrigin() const {
     const Rect area = textArea();
-    const int free = area.width() - widthTo(lengthOf(text));
+    const int free = area.width() - textWidth();
+    const int align = !password && line().isRightToLeft() ? 2 - hAlign : hAlign;
     const int fontHeight = getStyle().font->height;
-    return {free > 0 ? area.tl.x + free * hAlign / 2 : area.tl.x - scroll,
+    return {free > 0 ? area.tl.x + free * align / 2 : area.tl.x - scroll,
             area.tl.y + (area.height() - fontHeight) * vAlign / 2};
 }
 
 void WEdit::keepCursorInside() {
     const int room = textArea().width();
-    const int whole = widthTo(lengthOf(text));
-    const int at = widthTo(insertionPoint());
+    const int whole = textWidth();
+    const int at = caretX(insertionPoint());
     scroll = std::clamp(scroll, at - room, at);
     scroll = std::clamp(scroll, 0, std::max(0, whole - room));
     tellCaret();
@@ -499,7 +536,7 @@ void WEdit::tellCaret() {
     if (!hasFocus())
         return;
     const Point origin = textOrigin();
-    parent->setTextCursor(this, Rect::xywh(origin.x + widthTo(insertionPoint()), origin.y, 1, getStyle().font->height),
+    parent->setTextCursor(this, Rect::xywh(origin.x + caretX(insertionPoint()), origin.y, 1, getStyle().font->height),
                           password);
 }
 
@@ -509,7 +546,7 @@ bool WEdit::sizeChanged(Widget* origin) {
     return Widget::sizeChanged(origin);
 }
 
-Point WEdit::getPreferredSize() { return {widthTo(lengthOf(text)) + 2 * padX, getStyle().font->height + 2 * padY}; }
+Point WEdit::getPreferredSize() { return {textWidth() + 2 * padX, getStyle().font->height + 2 * padY}; }
 
 void WEdit::paint(rfb::FullFramePixelBuffer& pb) {
     const WStyle& look = getStyle();
@@ -532,25 +569,19 @@ void WEdit::paintText(rfb::FullFramePixelBuffer& pb) {
     const hxutil::Font& font = *look.font;
     const Point origin = textOrigin();
     if (text.empty() && !placeholder.isEmpty()) {
-        hxutil::drawAligned(font, pb, placeholder.c_str(), textArea(), pixel(pb, look.disabled), hAlign, vAlign);
-    } else {
-        const std::string glyphs = shown();
-        font.drawString(pb, glyphs.c_str(), origin, pixel(pb, isEnabled() ? look.text : look.disabled));
+        const bool rightToLeft = hxutil::TextLine(font, placeholder.c_str()).isRightToLeft();
+        hxutil::drawAligned(font, pb, placeholder.c_str(), textArea(), pixel(pb, look.disabled),
+                            rightToLeft ? 2 - hAlign : hAlign, vAlign);
     }
-    const int from = origin.x + widthTo(std::min(cursor, insertionPoint()));
-    const int to = origin.x + widthTo(std::max(cursor, insertionPoint()));
-    if (from < to && isEnabled()) {
-        const Rect range = Rect::xywh(from, origin.y, to - from, font.height);
-        fill(pb, range, look.selectionBg);
-        const Rect part = range.intersect(pb.getRect());
-        if (part.isEmpty())
-            return;
-        rfb::FullFramePixelBuffer view(pb, part, part.tl);
-        const std::string glyphs = shown();
-        font.drawString(view, glyphs.c_str(), origin, pixel(pb, look.selectionText));
-    } else if (hasFocus()) {
-        fill(pb, Rect::xywh(from, origin.y, 1, font.height), look.text);
-    }
+    const std::string glyphs = shown();
+    const hxutil::TextLine shownLine(font, glyphs.c_str());
+    shownLine.draw(pb, origin, pixel(pb, isEnabled() ? look.text : look.disabled));
+    const int from = std::min(cursor, insertionPoint());
+    const int to = std::max(cursor, insertionPoint());
+    if (from < to && isEnabled())
+        drawSelected(pb, shownLine, origin, shownIndex(from), shownIndex(to));
+    else if (hasFocus())
+        fill(pb, Rect::xywh(origin.x + caretX(from), origin.y, 1, font.height), look.text);
 }
 
 bool WEditUnsignedNumberFilter::accept(WEdit*, const char* newText, uint32_t) {

@@ -16,7 +16,10 @@ namespace wvw {
 /// menu key. The middle button pastes what was selected last in any program; what the user selects here is that for
 /// others, unless it is a password.
 ///
-/// Positions are bytes, and always lie between characters. The text of a password field is wiped before it is freed.
+/// Text from right to left stands at the right; Left and Right move the caret to the left and right on the screen.
+///
+/// Positions are bytes, and always lie between characters, where marks belong to their base. The text of a password
+/// field is wiped before it is freed.
 class WEdit : public Widget, public WEditMenu::Callback {
 public:
     class Filter {
@@ -84,12 +87,19 @@ private:
     bool insertPasted(const plat::String& pasted);
     void showMenu(const rfb::Point& position);
     bool typeKey(uint32_t keysym);
+    hxutil::TextLine line() const; ///< of the text itself
     int step(int position, bool forward) const;
+    int stepChar(int position, bool forward) const; ///< one code point
+    int stepBackspace(int position) const;
+    int stepByKey(int position, bool right) const;
     int stepWord(int position, bool forward) const;
     void storeText(std::string newText);
     void changed();
     int positionAt(int x) const;
-    int widthTo(int position) const; ///< pixels from the start of the shown text
+    int caretX(int position) const; ///< pixels from the left of the shown text
+    int textWidth() const;
+    int starsWidth(int position) const;
+    size_t shownIndex(int position) const; ///< byte of the shown text
     std::string shown() const;
     void keepCursorInside();
     rfb::Rect textArea() const;

@@ -4,6 +4,7 @@
 #include "wvw/WidgetWatch.h"
 
 #include "hxutil/Font.h"
+#include "hxutil/TextLine.h"
 #include "hxutil/drawText.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/keySymbols.h"
@@ -17,7 +18,7 @@ using rfb::Point;
 using rfb::Rect;
 
 WLabel::WLabel(WLayout* layout, const char* text_, int hAlign_)
-    : Widget(layout), hAlign(hAlign_), text(text_ ? text_ : "") {
+    : Widget(layout), hAlign(hAlign_), text(text_ ? text_ : ""), simple(!hxutil::TextLine::isNeeded(text.c_str())) {
     lines = split(/*width=*/0);
 }
 
@@ -27,6 +28,7 @@ void WLabel::setText(const char* newText) {
     if (text == (newText ? newText : ""))
         return;
     text = newText ? newText : "";
+    simple = !hxutil::TextLine::isNeeded(text.c_str());
     anchor = caret = 0;
     layoutText();
 }
@@ -92,16 +94,36 @@ std::vector<WLabel::Line> WLabel::split(int width) const {
     hxutil::wrapText(font, text.c_str(), width, &parts, /*keepNewlines=*/true, /*breakAnywhere=*/true);
     std::vector<Line> result;
     size_t start = 0;
+    size_t paragraph = 0; // its first line
     for (const plat::String& part : parts) {
         const std::string_view whole = part.view();
         // The blanks at which a line broke hang over its end, and do not count when it is aligned.
         const bool last = start + whole.size() == text.size();
         const size_t shown = last ? whole.find_last_not_of("\r\n") : whole.find_last_not_of(" \t\r\n");
         const size_t lenBytes = shown == std::string_view::npos ? 0 : shown + 1;
-        result.push_back({start, lenBytes, font.stringWidth(part.c_str(), part.c_str() + lenBytes)});
+        result.push_back({start, lenBytes, 0, /*atEnd=*/false});
+        result.back().width = textLine(result.back()).width();
         start += whole.size();
+        if (!simple && (last || whole.find('\n') != std::string_view::npos)) {
+            alignParagraph(result, paragraph);
+            paragraph = result.size();
+        }
     }
     return result;
+}
+
+void WLabel::alignParagraph(std::vector<Line>& all, size_t first) const {
+    if (all.size() - first < 2 || !textLine(all[first]).isRightToLeft())
+        return;
+    for (size_t i = first; i < all.size(); ++i)
+        all[i].atEnd = true;
+}
+
+hxutil::TextLine WLabel::textLine(const Line& line) const {
+    const hxutil::Font& font = *getStyle().font;
+    const char* start = text.c_str() + line.start;
+    return simple ? hxutil::TextLine(font, start, start + line.lenBytes)
+                  : hxutil::TextLine(font, text, line.start, line.lenBytes);
 }
 
 Point WLabel::getPreferredSize() {
@@ -122,7 +144,8 @@ Point WLabel::lineOrigin(size_t line) const {
     // Text that is too high keeps its beginning.
     const int top = std::max(0, free) * vAlign / 2;
     const int room = getWidth() - 2 * margin - lines[line].width;
-    return {margin + room * hAlign / 2, top + static_cast<int>(line) * fontHeight};
+    const int align = lines[line].atEnd && hAlign == 0 ? 2 : hAlign;
+    return {margin + room * align / 2, top + static_cast<int>(line) * fontHeight};
 }
 
 size_t WLabel::indexAt(const Point& position) const {
@@ -132,9 +155,7 @@ size_t WLabel::indexAt(const Point& position) const {
     const int row = (position.y - lineOrigin(0).y) / font.height;
     const auto index = static_cast<size_t>(std::clamp(row, 0, static_cast<int>(lines.size()) - 1));
     const Line& line = lines[index];
-    const char* start = text.c_str() + line.start;
-    const char* found = font.nearestBoundary(position.x - lineOrigin(index).x, start, start + line.lenBytes);
-    return static_cast<size_t>(found - text.c_str());
+    return line.start + textLine(line).nearest(position.x - lineOrigin(index).x);
 }
 
 void WLabel::paintBackground(rfb::FullFramePixelBuffer& pb) {
@@ -162,29 +183,25 @@ void WLabel::paintLine(rfb::FullFramePixelBuffer& pb, size_t index) {
     const WStyle& look = getStyle();
     const Line& line = lines[index];
     const Point origin = lineOrigin(index);
-    const char* start = text.c_str() + line.start;
-    const char* end = start + line.lenBytes;
     const uint32_t ink = pixel(pb, isEnabled() ? look.text : look.disabled);
     const int room = getWidth() - 2 * margin;
     if (!wrap && !selectable && line.width > room) {
         int width = room;
-        const plat::String shown = hxutil::elide(*look.font, &width, start, end);
+        const char* start = text.c_str() + line.start;
+        const plat::String shown = hxutil::elide(*look.font, &width, start, start + line.lenBytes);
         look.font->drawString(pb, shown.c_str(), {margin, origin.y}, ink);
         return;
     }
-    look.font->drawString(pb, start, origin, ink, end);
+    const hxutil::TextLine shown = textLine(line);
+    shown.draw(pb, origin, ink);
     if (underline) {
         const int y = origin.y + look.font->height - 2;
         rfb::fillRect(pb, {origin.x, y, origin.x + line.width, y + 1}, ink);
     }
-    const char* from = text.c_str() + std::clamp(selectionStart(), line.start, line.start + line.lenBytes);
-    const char* to = text.c_str() + std::clamp(selectionEnd(), line.start, line.start + line.lenBytes);
-    if (from == to)
-        return;
-    const int left = origin.x + look.font->stringWidth(start, from);
-    const int width = look.font->stringWidth(from, to);
-    fill(pb, Rect::xywh(left, origin.y, width, look.font->height), look.selectionBg);
-    look.font->drawString(pb, from, {left, origin.y}, pixel(pb, look.selectionText), to);
+    const size_t from = std::clamp(selectionStart(), line.start, line.start + line.lenBytes) - line.start;
+    const size_t to = std::clamp(selectionEnd(), line.start, line.start + line.lenBytes) - line.start;
+    if (from < to)
+        drawSelected(pb, shown, origin, from, to);
 }
 
 bool WLabel::sizeChanged(Widget* origin) {

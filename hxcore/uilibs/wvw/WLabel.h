@@ -53,7 +53,8 @@ protected:
     struct Line {
         size_t start; // in text
         size_t lenBytes;
-        int width; // pixels
+        int width;  // pixels
+        bool atEnd; // of a paragraph from right to left that takes several lines: those begin at the right
     };
 
     // Widget
@@ -67,6 +68,7 @@ protected:
     virtual const std::string& shownText() const { return text; }
     void paintBackground(rfb::FullFramePixelBuffer& pb);
     rfb::Point lineOrigin(size_t line) const;
+    hxutil::TextLine textLine(const Line& line) const;
     const std::vector<Line>& getLines() const { return lines; }
     size_t selectionStart() const; ///< the lower end
     size_t selectionEnd() const;
@@ -83,11 +85,13 @@ private:
     template <class T>
     void change(T& field, T value);
     std::vector<Line> split(int width) const; ///< a width below 1 does not wrap
+    void alignParagraph(std::vector<Line>& paragraphs, size_t first) const;
     void paintLine(rfb::FullFramePixelBuffer& pb, size_t line);
     void showMenu(const rfb::Point& position);
     void offerSelection();
 
     std::string text;
+    bool simple = true; // no character of it needs a layout
     std::vector<Line> lines;
     size_t anchor = 0; // where the selection began
     size_t caret = 0;  // where it ends; equal means nothing is selected

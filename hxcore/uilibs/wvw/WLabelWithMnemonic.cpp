@@ -1,6 +1,7 @@
 #include "wvw/WLabelWithMnemonic.h"
 
 #include "hxutil/Font.h"
+#include "hxutil/TextLine.h"
 #include "plat/utf8.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/keySymbols.h"
@@ -65,19 +66,17 @@ void WLabelWithMnemonic::paint(rfb::FullFramePixelBuffer& pb) {
         if (index < line.start || index >= line.start + line.lenBytes)
             continue;
         const WStyle& look = getStyle();
-        const char* start = getText() + line.start;
-        const char* at = getText() + index;
-        const char* next = at;
-        uint32_t codepoint = 0;
-        plat::utf8::decode(&next, nullptr, &codepoint);
         rfb::Point origin = lineOrigin(i);
         const int room = getWidth() - 2 * margin;
         if (!wrap && line.width > room)
             origin.x = margin; // where a text that is cut short begins
         const int y = origin.y + look.font->height - 2;
-        const rfb::Rect under(origin.x + look.font->stringWidth(start, at), y,
-                              origin.x + look.font->stringWidth(start, next), y + 1);
-        fill(pb, under.intersect({margin, y, margin + room, y + 1}), isEnabled() ? look.text : look.disabled);
+        const size_t at = index - line.start;
+        const hxutil::TextLine shown = textLine(line);
+        for (const hxutil::TextLine::Span& span : shown.spans(at, shown.nextPlace(at))) {
+            const rfb::Rect under(origin.x + span.from, y, origin.x + span.to, y + 1);
+            fill(pb, under.intersect({margin, y, margin + room, y + 1}), isEnabled() ? look.text : look.disabled);
+        }
     }
 }
 

@@ -15,6 +15,7 @@
 namespace hxutil {
 class DragDropData;
 class MouseCallback;
+class TextLine;
 } // namespace hxutil
 namespace rfb {
 class FullFramePixelBuffer;
@@ -169,6 +170,9 @@ public:
 
     /// A one-pixel frame. Dotted: black and white dots in turn with gaps, so that it shows on everything.
     void drawFocus(rfb::FullFramePixelBuffer& pb, const rfb::Rect& rect, bool dotted) const;
+    /// Draws that part of a line anew, selected; `origin` is the line's upper left corner.
+    void drawSelected(rfb::FullFramePixelBuffer& pb, const hxutil::TextLine& line, const rfb::Point& origin,
+                      size_t from, size_t to) const;
     /// Two one-pixel frames, the outer one without its corner pixels; thin is the outer one alone.
     void drawBevel(rfb::FullFramePixelBuffer& pb, const rfb::Rect& rect, bool sunken, bool thin) const;
     /// The gradient of a button face.

@@ -1,6 +1,7 @@
 // The paint helpers that widgets share.
 #include "wvw/Widget.h"
 
+#include "hxutil/TextLine.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/renderOps.h"
 
@@ -43,6 +44,11 @@ uint32_t Widget::pixel(const rfb::PixelBuffer& pb, const rfb::Colour& colour) co
 
 void Widget::fill(rfb::FullFramePixelBuffer& pb, const Rect& rect, const rfb::Colour& colour) const {
     rfb::fillRect(pb, rect, pixel(pb, colour));
+}
+
+void Widget::drawSelected(rfb::FullFramePixelBuffer& pb, const hxutil::TextLine& line, const Point& origin, size_t from,
+                          size_t to) const {
+    line.drawPart(pb, origin, pixel(pb, getStyle().selectionText), pixel(pb, getStyle().selectionBg), from, to);
 }
 
 void Widget::drawFocus(rfb::FullFramePixelBuffer& pb, const Rect& rect, bool dotted) const {

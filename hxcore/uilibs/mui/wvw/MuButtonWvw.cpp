@@ -2,6 +2,7 @@
 
 #include "hxutil/BorderImage.h"
 #include "hxutil/Font.h"
+#include "hxutil/TextLine.h"
 #include "hxutil/metrics.h"
 #include "mui/Mui.h"
 #include "rfb/PixelBuffer.h"
@@ -263,18 +264,15 @@ void MuButtonWvw::paintContent(rfb::FullFramePixelBuffer& pb, const rfb::Point& 
 
 void MuButtonWvw::paintLabel(rfb::FullFramePixelBuffer& pb, const rfb::Point& position) {
     const hxutil::Font& font = *widget.getStyle().font;
-    const char* text = shownLabel.c_str();
+    const hxutil::TextLine text(font, shownLabel.c_str());
     const uint32_t ink = widget.pixel(pb, textColour());
-    font.drawString(pb, text, position, ink);
+    text.draw(pb, position, ink);
     if (mnemonicIndex < 0)
         return;
-    const char* key = text + mnemonicIndex;
-    const char* end = key + 1;
-    while ((*end & 0xc0) == 0x80) // the rest of a character in UTF-8
-        ++end;
+    const auto at = static_cast<size_t>(mnemonicIndex);
     const int y = position.y + font.height - 2;
-    rfb::fillRect(pb, {position.x + font.stringWidth(text, key), y, position.x + font.stringWidth(text, end), y + 1},
-                  ink);
+    for (const hxutil::TextLine::Span& span : text.spans(at, text.nextPlace(at)))
+        rfb::fillRect(pb, {position.x + span.from, y, position.x + span.to, y + 1}, ink);
 }
 
 void MuButtonWvw::paintImage(rfb::FullFramePixelBuffer& pb) {

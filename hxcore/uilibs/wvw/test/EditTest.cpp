@@ -346,6 +346,61 @@ TEST_F(EditTest, TheInputMethodIsToldWhereTheTextGoes) {
     EXPECT_TRUE(window.textCursor.isEmpty());
 }
 
+// Arrow keys follow the screen, Home and End the text, the pointer what it points at.
+TEST_F(EditTest, TextFromRightToLeftIsEditedWhereItStands) {
+    edit.setText("\u05d0\u05d1\u05d2"); // starts at the right
+    const int right = 112 - 6;
+    const auto caret = [&] { return window.textCursor.tl.x; };
+    EXPECT_EQ(caret(), right - font.stringWidth(edit.getText())) << "behind the last letter";
+    window.key(key::Right);
+    EXPECT_EQ(edit.getCursor(), 4);
+    window.key(key::Home);
+    EXPECT_EQ(caret(), right);
+    window.key(key::Right);
+    EXPECT_EQ(edit.getCursor(), 0) << "the edge";
+    window.click(right - font.charWidth(0x5d0) - 1, 10);
+    EXPECT_EQ(edit.getCursor(), 2);
+    withHeld(key::ControlL, {key::Left});
+    EXPECT_EQ(edit.getCursor(), 6) << "words lie to the left";
+    withHeld(key::ShiftL, {key::Right});
+    EXPECT_STREQ(edit.getSelectedText().c_str(), "\u05d2");
+    type("x");
+    EXPECT_STREQ(edit.getText(), "\u05d0\u05d1x");
+    EXPECT_EQ(caret(), right - font.stringWidth(edit.getText())) << "the paragraph's end";
+
+    // Latin first: the Hebrew word in the middle is passed from its left to its right.
+    edit.setText("a\u05d0\u05d1c");
+    window.key(key::Home);
+    int last = caret();
+    for (const int next : {1, 3, 5, 6}) {
+        window.key(key::Right);
+        EXPECT_EQ(edit.getCursor(), next);
+        EXPECT_GT(caret(), last);
+        last = caret();
+    }
+}
+
+TEST_F(EditTest, MarksGoWithTheirBase) {
+    edit.setText("aq\u0303\u0316b");
+    window.key(key::Left);
+    window.key(key::Left);
+    EXPECT_EQ(edit.getCursor(), 1);
+    window.key(key::Right);
+    window.key(key::BackSpace);
+    EXPECT_STREQ(edit.getText(), "aq\u0303b") << "a mark comes off alone";
+    window.key(key::Left);
+    EXPECT_EQ(edit.getCursor(), 1);
+    window.key(key::Delete);
+    EXPECT_STREQ(edit.getText(), "ab") << "a base takes its marks along";
+    edit.setText("\U0001f468\u200d\U0001f469");
+    window.key(key::BackSpace);
+    EXPECT_STREQ(edit.getText(), "") << "one picture";
+    edit.setPassword(true);
+    edit.setText("e\u0301\u05d0");
+    window.key(key::Left);
+    EXPECT_EQ(edit.getCursor(), 3) << "stars from left to right, one for each";
+}
+
 // One field in a window: a key costs the field, and no more.
 TEST_F(EditTest, TypingRepaintsTheFieldAlone) {
     window.paintAll();

@@ -200,6 +200,30 @@ TEST_F(LabelTest, AMnemonicIsUnderlined) {
     EXPECT_EQ(window.countPixels(line, 0), 0);
 }
 
+// A line alone keeps to the left edge that the form gives it; a paragraph of several lines begins at the right.
+TEST_F(LabelTest, ParagraphsFromRightToLeftBeginAtTheRight) {
+    const auto inkOf = [&](const char* text) {
+        label.setText(text);
+        root.setChildRect(&label, {0, 0, 100, 60});
+        window.paintAll();
+        return ink();
+    };
+    EXPECT_LT(inkOf("\u05e9\u05dc\u05d5\u05dd").tl.x, 8);
+    const char* long_ = "\u05e9\u05dc\u05d5\u05dd \u05e2\u05d5\u05dc\u05dd \u05e9\u05dc\u05d5\u05dd "
+                        "\u05e2\u05d5\u05dc\u05dd abc";
+    const Rect several = inkOf(long_);
+    EXPECT_GT(several.height(), font.height);
+    EXPECT_GT(several.br.x, 100 - 8);
+    label.setSelectable(true);
+    label.setSelection(0, 2);
+    window.paintAll();
+    EXPECT_GT(window.countPixels({100 - 4 - font.charWidth(0x5e9), 0, 96, 30}, 0x3838c8), 20) << "the first letter";
+    window.click(95, 25);
+    window.hold(key::ShiftL);
+    window.click(95, 25 + font.height);
+    EXPECT_EQ(label.getSelectedText().view().substr(0, 8), std::string_view(long_).substr(0, 8));
+}
+
 TEST_F(LabelTest, ATooltipStaysOnTheScreen) {
     WTooltip tip(100);
     tip.setText("a <b> & \"c\"");
