@@ -3,6 +3,7 @@
 
 #include "wvw/WStyle.h"
 
+#include "hxutil/TextLine.h"
 #include "plat/Markup.h"
 #include "plat/String.h"
 #include "rfb/Rect.h"
@@ -26,6 +27,7 @@ public:
         int line;
         int align; // of its line: 0 start, 1 centre, 2 end
         int lineWidth;
+        bool atEnd; // of a paragraph from right to left that takes several lines: those begin at the right
     };
 
     /// Lays `markup` out anew; below 1 the width does not wrap. Bad markup becomes the text of the error.
@@ -35,7 +37,9 @@ public:
     /// of a line which the markup leaves at the left is `hAlign`.
     void place(const rfb::Point& size, int margin, int hAlign, int vAlign);
 
+    /// In the order of the text; those of a line from right to left stand the other way round.
     const std::vector<Run>& getRuns() const { return runs; }
+    hxutil::TextLine textLine(const Run& run) const;    ///< borrows what this holds
     const std::string& getText() const { return text; } ///< without markup
     rfb::Point getSize() const { return size; }         ///< without margins
 
@@ -54,11 +58,14 @@ private:
     const hxutil::Font* fontFor(const plat::Markup::Style& style) const;
     rfb::Colour colourFor(const plat::Markup::Style& style) const;
     size_t findInText(const std::string& piece);
+    void arrangeLines();
+    void arrangeLine(size_t first, size_t end, std::vector<Run>& arranged) const;
 
     const WStyle* look = nullptr; // during layOut
     std::vector<Run> runs;
     std::vector<rfb::Rect> laidOut; // beside runs: before placing
     std::string text;
+    bool plain = true;  // no character of it needs a layout
     size_t textPos = 0; // behind the last run
     rfb::Point size;
 };

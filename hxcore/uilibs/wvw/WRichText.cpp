@@ -133,20 +133,16 @@ void WRichText::paintRun(rfb::FullFramePixelBuffer& pb, int index) {
     const WStyle& look = getStyle();
     const bool hot = runs->sameLink(index, hover) || runs->sameLink(index, focusRun);
     const uint32_t ink = pixel(pb, !isEnabled() ? look.disabled : hot ? look.linkHot() : run.colour);
-    const char* start = run.text.c_str();
-    run.font->drawString(pb, start, run.rect.tl, ink);
+    const hxutil::TextLine shown = runs->textLine(run);
+    shown.draw(pb, run.rect.tl, ink);
     if (run.underline || underline)
         rfb::fillRect(pb, {run.rect.tl.x, run.rect.br.y - 2, run.rect.br.x, run.rect.br.y - 1}, ink);
 
     const size_t len = static_cast<size_t>(run.text.len());
     const size_t from = std::clamp(selectionStart(), run.start, run.start + len) - run.start;
     const size_t to = std::clamp(selectionEnd(), run.start, run.start + len) - run.start;
-    if (from == to)
-        return;
-    const int left = run.rect.tl.x + run.font->stringWidth(start, start + from);
-    const int width = run.font->stringWidth(start + from, start + to);
-    fill(pb, Rect::xywh(left, run.rect.tl.y, width, run.rect.height()), look.selectionBg);
-    run.font->drawString(pb, start + from, {left, run.rect.tl.y}, pixel(pb, look.selectionText), start + to);
+    if (from < to)
+        drawSelected(pb, shown, run.rect.tl, from, to);
 }
 
 bool WRichText::acceptsFocus() {

@@ -211,5 +211,36 @@ TEST_F(RichTextTest, TheHandAppearsOverALinkAndOnlyTheLinkIsRepainted) {
     EXPECT_EQ(window.shape, CursorShape::Default);
 }
 
+// A line of runs is one line of text: directions are found across them, and a link reads on where it stands.
+TEST_F(RichTextTest, LinesFromRightToLeftStandAcrossRuns) {
+    const auto letters = [&](const char* hebrew) { return font.stringWidth(hebrew); };
+    text.setText("\u05d0\u05d1 <a href=\"one\">\u05d2\u05d3</a> ab");
+    window.paintAll();
+    // From the left: "ab", a blank, the link, a blank, the first word.
+    const int link = 4 + font.stringWidth("ab ");
+    const int linkEnd = link + letters("\u05d2\u05d3");
+    EXPECT_EQ(window.countPixels({0, 0, link, 20}, linkBlue), 0);
+    EXPECT_GT(window.countPixels({link, 0, linkEnd, 20}, linkBlue), 10);
+    EXPECT_EQ(window.countPixels({linkEnd, 0, 300, 20}, linkBlue), 0);
+    window.click(link + 2, 8);
+    EXPECT_EQ(links.clicked, std::vector<std::string>{"one"});
+
+    text.setSelectable(true);
+    window.press();
+    window.move(299, 8); // the start of the text
+    window.release();
+    EXPECT_EQ(text.getSelectedText().view().substr(0, 5), "\u05d0\u05d1 ");
+
+    // A value keeps to itself, and a paragraph of several lines begins at the right.
+    text.setText("a \u2068\u05d0\u2069 <b>1</b>.");
+    EXPECT_EQ(text.getPreferredSize().x, 8 + font.stringWidth("a \u05d0 1."));
+    text.setText("\u05d0\u05d1\u05d2 \u05d0\u05d1\u05d2 \u05d0\u05d1\u05d2");
+    root.setChildRect(&text, {0, 0, letters("\u05d0\u05d1\u05d2") + 20, 60});
+    window.paintAll();
+    const int right = text.getWidth() - 4;
+    EXPECT_GT(window.countPixels({right - 4, 1, right, 16}, 0), 0);
+    EXPECT_EQ(window.countPixels({1, 1, 14, 59}, 0), 0);
+}
+
 } // namespace
 } // namespace wvw
