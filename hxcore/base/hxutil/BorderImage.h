@@ -24,7 +24,7 @@ public:
 };
 
 /// Draws `source` over `rect`: corners as they are, edges stretched along their length, the middle both ways. Nothing
-/// is drawn if the source has no middle.
+/// is drawn outside `rect`, nor if the source has no middle or an inset is negative.
 void drawBorderImage(const BorderInsets& insets, const rfb::PixelBuffer& source, rfb::WritablePixelBuffer& target,
                      const rfb::Rect& rect, rfb::ComposeOp op);
 

@@ -6,6 +6,7 @@
 
 #include <png.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -16,11 +17,15 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-/// What a test image is made of; `samples` are rows of bytes as libpng takes them.
+constexpr size_t headerBytes = 8 + 25; // the signature and the chunk that tells the size
+
+/// What a test image is made of; `samples` are rows of bytes as libpng takes them, `transparency` is a tRNS chunk: the
+/// alpha of each colour of the palette, or the one colour of 16 bits a channel that is transparent.
 struct Spec {
     uint32_t width, height;
     int bitDepth, colourType, interlace;
     Bytes samples;
+    Bytes transparency = {};
 };
 
 Bytes encode(const Spec& spec) {
@@ -39,6 +44,13 @@ Bytes encode(const Spec& spec) {
     if (spec.colourType == PNG_COLOR_TYPE_PALETTE) {
         const png_color palette[] = {{255, 0, 0}, {0, 128, 255}};
         png_set_PLTE(png, info, palette, 2);
+    }
+    if (spec.colourType == PNG_COLOR_TYPE_PALETTE && !spec.transparency.empty())
+        png_set_tRNS(png, info, spec.transparency.data(), static_cast<int>(spec.transparency.size()), nullptr);
+    if (spec.colourType == PNG_COLOR_TYPE_RGB && !spec.transparency.empty()) {
+        png_color_16 colour{};
+        colour.red = spec.transparency[1], colour.green = spec.transparency[3], colour.blue = spec.transparency[5];
+        png_set_tRNS(png, info, nullptr, 0, &colour);
     }
     png_write_info(png, info);
     const size_t rowBytes = png_get_rowbytes(png, info);
@@ -64,7 +76,9 @@ std::vector<uint32_t> decode(const Bytes& bytes, bool premultiply = false) {
 
 std::string failureOf(const Bytes& bytes) {
     try {
-        decode(bytes);
+        PngFile png(bytes.data(), bytes.size(), /*premultiply=*/false, "test");
+        rfb::ManagedPixelBuffer pb(png.getPf(), png.getSize().x, png.getSize().y);
+        png.render(&pb, {});
     } catch (const hxutil::PngException& e) {
         return e.what();
     }
@@ -83,11 +97,30 @@ TEST(PngFile, GivesFormatsByAlpha) {
     EXPECT_TRUE(PngFile(alpha.data(), alpha.size(), true).getPf().equal(rfb::pfARGB8888()));
 }
 
-TEST(PngFile, ExpandsPalettesAndSixteenBits) {
-    EXPECT_EQ(decode(encode({3, 1, 1, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE, {0b01000000}})),
-              (std::vector<uint32_t>{0xff0000, 0x0080ff, 0xff0000}));
-    EXPECT_EQ(decode(encode({1, 1, 16, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, {0x12, 0xff, 0x34, 0, 0x56, 0}})),
-              (std::vector<uint32_t>{0x123456}));
+TEST(PngFile, ExpandsWhateverIsNoGrey) {
+    constexpr int none = PNG_INTERLACE_NONE;
+    const struct {
+        const char* what;
+        Spec spec;
+        std::vector<uint32_t> pixels;
+    } cases[] = {
+        {"palette, 1 bit", {3, 1, 1, PNG_COLOR_TYPE_PALETTE, none, {0b01000000}}, {0xff0000, 0x0080ff, 0xff0000}},
+        {"palette, 4 bits, the last index beyond it",
+         {3, 1, 4, PNG_COLOR_TYPE_PALETTE, none, {0x10, 0xf0}},
+         {0x0080ff, 0xff0000, 0}},
+        {"palette, 8 bits, one colour with alpha",
+         {2, 1, 8, PNG_COLOR_TYPE_PALETTE, none, {0, 1}, {0x40}},
+         {0x40ff0000, 0xff0080ff}},
+        {"one colour transparent",
+         {2, 1, 8, PNG_COLOR_TYPE_RGB, none, {1, 2, 3, 1, 2, 4}, {0, 1, 0, 2, 0, 3}},
+         {0x00010203, 0xff010204}},
+        {"16 bits", {1, 1, 16, PNG_COLOR_TYPE_RGB, none, {0x12, 0xff, 0x34, 0, 0x56, 0}}, {0x123456}},
+        {"16 bits with alpha",
+         {1, 1, 16, PNG_COLOR_TYPE_RGB_ALPHA, none, {0x12, 0, 0x34, 0, 0x56, 0, 0x78, 0xff}},
+         {0x78123456}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(decode(encode(c.spec)), c.pixels) << c.what;
 }
 
 TEST(PngFile, ReadsInterlacedImages) {
@@ -118,32 +151,36 @@ TEST(PngFile, RefusesGreyByNumberAndName) {
               "PNG color type 4 not supported: test");
 }
 
-TEST(PngFile, EveryTruncationIsAnError) {
-    const Bytes whole = encode(rgba);
-    EXPECT_EQ(failureOf(whole), "");
-    for (size_t length = 0; length < whole.size(); ++length)
-        EXPECT_EQ(failureOf(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length))),
-                  "test: Bad PNG data")
-            << length;
-}
-
-TEST(PngFile, CorruptionIsAnErrorOrAnImage) {
-    const Bytes whole = encode(rgba);
-    for (size_t at = 0; at < whole.size(); ++at) {
-        Bytes bad = whole;
-        bad[at] ^= 0x41;
-        failureOf(bad); // must not crash, nor hang
+TEST(PngFile, CutOrCorruptItIsAnErrorOrAnImage) {
+    for (const Spec& spec : {rgba, Spec{9, 11, 8, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_ADAM7, {}, {7, 9}},
+                             Spec{5, 3, 16, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_ADAM7, {}, {0, 1, 0, 2, 0, 3}}}) {
+        const Bytes whole = encode(spec);
+        EXPECT_EQ(failureOf(whole), "");
+        for (size_t at = 0; at < whole.size(); ++at) {
+            EXPECT_EQ(failureOf(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(at))),
+                      "test: Bad PNG data")
+                << at;
+            Bytes bad = whole;
+            bad[at] ^= 0x41;
+            failureOf(bad); // must not crash, nor hang
+        }
+        Bytes notPng = whole;
+        notPng[1] = 'X';
+        EXPECT_EQ(failureOf(notPng).substr(0, 6), "test: ");
     }
-    Bytes notPng = whole;
-    notPng[1] = 'X';
-    EXPECT_EQ(failureOf(notPng).substr(0, 6), "test: ");
 }
 
-TEST(PngFile, SizesAreLimited) {
-    Bytes big = encode({4096, 1, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, {}});
-    EXPECT_EQ(failureOf(big), "");
+TEST(PngFile, SizesAreLimitedAndBombsEnd) {
+    // Half a megapixel a byte: all of the largest image there is.
+    const Bytes largest = encode({4096, 4096, 1, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE, {}});
+    EXPECT_LT(largest.size(), 4096U);
+    EXPECT_EQ(failureOf(largest), "");
     EXPECT_NE(failureOf(encode({4097, 1, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, {}})), "");
     EXPECT_NE(failureOf(encode({1, 4097, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, {}})), "");
+    // More rows than the data has: those that are there don't make it an image.
+    Bytes tall = encode({4096, 1, 1, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE, {}});
+    std::copy_n(largest.begin(), headerBytes, tall.begin());
+    EXPECT_EQ(failureOf(tall).substr(0, 6), "test: ");
 }
 
 TEST(PngFileDeathTest, WantsABufferOfItsFormat) {

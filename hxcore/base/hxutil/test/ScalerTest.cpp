@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <limits>
 
 using hxutil::Scaler;
 using rfb::Rect;
@@ -222,11 +223,33 @@ TEST(BorderImage, KeepsCornersAndStretchesTheRest) {
     hxutil::drawBorderImage({1, 1, 1, 1}, source, target, target.getRect(), rfb::copyOp);
     EXPECT_EQ(pixelsOf(target, target.getRect()),
               (std::vector<uint32_t>{1, 2, 2, 2, 3, 4, 5, 5, 5, 6, 4, 5, 5, 5, 6, 7, 8, 8, 8, 9}));
-    rfb::fillRect(target, target.getRect(), 0);
-    hxutil::drawBorderImage({2, 1, 1, 1}, source, target, target.getRect(), rfb::copyOp);
-    EXPECT_EQ(pixelsOf(target, Rect(0, 0, 1, 1)), std::vector<uint32_t>{0}) << "no middle, nothing drawn";
     hxutil::drawBorderImage({1, 1, 1, 1}, source, target, Rect(-100000, 2, 100000, 6), rfb::copyOp);
     EXPECT_EQ(pixelsOf(target, Rect(2, 2, 3, 4)), (std::vector<uint32_t>{2, 5})) << "far beyond the buffer";
+}
+
+TEST(BorderImage, NonsenseDrawsNothingAndNothingDrawsOutside) {
+    const Source source(rfb::pfRGB888(), 3, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9});
+    rfb::ManagedPixelBuffer target(rfb::pfRGB888(), 5, 4);
+    const std::vector<uint32_t> untouched(5 * 4, 0);
+    const int huge = std::numeric_limits<int>::max();
+    for (const hxutil::BorderInsets& insets : {hxutil::BorderInsets{2, 1, 1, 1},
+                                               {1, 1, 1, 2},
+                                               {-1, 0, 0, 0},
+                                               {0, 0, 0, -1},
+                                               {huge, 0, 1, 0},
+                                               {huge, huge, huge, huge},
+                                               {0, -huge, 0, huge}}) {
+        hxutil::drawBorderImage(insets, source, target, target.getRect(), rfb::copyOp);
+        EXPECT_EQ(pixelsOf(target, target.getRect()), untouched) << insets.left << " " << insets.bottom;
+    }
+    const rfb::ManagedPixelBuffer empty(rfb::pfRGB888(), 0, 0);
+    hxutil::drawBorderImage({}, empty, target, target.getRect(), rfb::copyOp);
+    hxutil::drawBorderImage({1, 1, 1, 1}, source, target, Rect(3, 3, 1, 1), rfb::copyOp);
+    EXPECT_EQ(pixelsOf(target, target.getRect()), untouched);
+    hxutil::drawBorderImage({1, 1, 1, 1}, source, target, Rect(2, 1, 3, 2), rfb::copyOp); // smaller than a corner each
+    std::vector<uint32_t> one = untouched;
+    one[7] = 9; // the last of the four
+    EXPECT_EQ(pixelsOf(target, target.getRect()), one);
 }
 
 } // namespace

@@ -70,14 +70,14 @@ inline std::unique_ptr<FontZefBm> plainFont() {
 
 /// The pixels of a buffer as text: '#' for what is not 0.
 inline std::vector<std::string> shown(const rfb::PixelBuffer& pb) {
+    const auto width = static_cast<size_t>(pb.width());
+    std::vector<uint32_t> pixels(width * static_cast<size_t>(pb.height()));
+    pb.getImage(pixels.data(), pb.getRect()); // of 32 bits
     std::vector<std::string> lines;
-    for (int y = pb.getRect().tl.y; y < pb.getRect().br.y; ++y) {
-        lines.emplace_back();
-        for (int x = pb.getRect().tl.x; x < pb.getRect().br.x; ++x) {
-            uint32_t pixel = 0;
-            pb.getImage(&pixel, rfb::Rect::xywh(x, y, 1, 1));
-            lines.back() += pixel ? '#' : '.';
-        }
+    for (size_t i = 0; i < pixels.size(); ++i) {
+        if (i % width == 0)
+            lines.emplace_back();
+        lines.back() += pixels[i] ? '#' : '.';
     }
     return lines;
 }

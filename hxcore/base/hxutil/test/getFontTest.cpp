@@ -3,6 +3,8 @@
 #include "fakes.h"
 #include "hxutil/metrics.h"
 #include "plat/Exception.h"
+#include "plat/builtInResource.h"
+#include "rdr/ZlibInStream.h"
 #include "registerBuiltInResources.h"
 
 #include <gtest/gtest.h>
@@ -108,6 +110,30 @@ TEST_F(GetFont, IdeographsStayInTheirLine) {
 TEST_F(GetFont, MissingFontsAreAFailureByName) {
     EXPECT_THROW(loadFont("helvB21"), plat::Exception);
     EXPECT_THROW(loadFont("no such font"), plat::Exception);
+}
+
+TEST_F(GetFont, APackedFontCutOrDamagedIsAFailureOrAFont) {
+    const plat::BuiltInResource whole = plat::findBuiltInResource("helv15.gz");
+    ASSERT_GT(whole.size, 1000U);
+    const auto unpacks = [](const std::vector<uint8_t>& bytes) {
+        rdr::MemInStream packed(bytes.data(), bytes.size());
+        rdr::ZlibInStream unpacked(-1, rdr::ZlibInStream::Format::Gzip);
+        unpacked.setUnderlying(&packed);
+        try {
+            const hxutil::FontZefBm font(unpacked);
+            return font.height == 15;
+        } catch (const plat::Exception&) {
+            return false;
+        }
+    };
+    const std::vector<uint8_t> good(whole.data, whole.data + whole.size);
+    EXPECT_TRUE(unpacks(good));
+    for (size_t at = 0; at < good.size() - 200; at += at < 64 ? 1 : 211) {
+        EXPECT_FALSE(unpacks({good.begin(), good.begin() + static_cast<std::ptrdiff_t>(at)})) << at;
+        std::vector<uint8_t> bad = good;
+        bad[at] ^= 0x5a;
+        unpacks(bad); // whatever comes of it
+    }
 }
 
 TEST(Scaled, RoundsToNearestBothWays) {
