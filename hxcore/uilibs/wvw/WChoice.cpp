@@ -196,6 +196,8 @@ bool WChoice::keyEvent(uint32_t keysym, bool down, Widget* origin) {
 }
 
 bool WChoice::ownKey(uint32_t keysym) {
+    if (isDropped())
+        return menu->handleKey(keysym, /*down=*/true); // typed before the list had the keyboard
     if (!isEnabled() || items.empty())
         return false;
     const bool step = keysym == key::Up || keysym == key::Down;

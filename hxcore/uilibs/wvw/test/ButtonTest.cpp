@@ -79,36 +79,6 @@ TEST_F(ButtonTest, DisablingOrHidingLetsGo) {
     EXPECT_EQ(presses(), 0u);
 }
 
-TEST_F(ButtonTest, TheFaceTellsTheState) {
-    const auto face = [this] { return window.pixelAt(60, 13); };
-    window.key(key::Tab);
-    window.paint();
-    const uint32_t normal = face();
-    window.move(15, 25);
-    window.paint();
-    const uint32_t hover = face();
-    window.press();
-    window.paint();
-    const uint32_t pressed = face();
-    window.leave();
-    window.release();
-    first.setEnabled(false);
-    window.paint();
-    EXPECT_GT(hover, normal);
-    EXPECT_GT(normal, pressed);
-    EXPECT_NE(face(), normal);
-    EXPECT_EQ(window.countPixels({12, 12, 78, 32}, 0), 0); // no black text on a disabled button
-    EXPECT_GT(window.countPixels({12, 12, 78, 32}, 0x808080), 20);
-}
-
-TEST_F(ButtonTest, TheFocusShowsInsideTheBevel) {
-    window.key(key::Tab);
-    window.paint();
-    EXPECT_GT(window.countPixels({93, 13, 157, 14}, 0), 10); // along the top of the second
-    EXPECT_EQ(window.countPixels({13, 13, 77, 14}, 0), 0);   // and not of the first
-    EXPECT_GT(window.countPixels({93, 13, 157, 14}, 0xffffff), 10);
-}
-
 /// Deletes a widget when it is pressed, or its mouse is seen.
 class Killer : public WInputHandler, public hxutil::MouseCallback {
 public:
@@ -180,7 +150,6 @@ struct CheckTest : testing::Test {
         root.setChildRect(&radio, {10, 40, 110, 58});
         window.paint();
     }
-    static uint32_t accent() { return 0x1976d2; }
 };
 
 TEST_F(CheckTest, BoxAndLabelBothTurnItOnAndOff) {
@@ -213,29 +182,12 @@ TEST_F(CheckTest, MixedBecomesOnAndSettingTheSameSaysNothing) {
     EXPECT_EQ(check.getCheck().getState(), WCheckBox::State::On);
 }
 
-TEST_F(CheckTest, ItLooksAsItIs) {
-    const Rect box(10, 11, 26, 27);
-    EXPECT_EQ(window.countPixels(box, accent()), 0);
-    EXPECT_GT(window.countPixels(box, 0xffffff), 100); // the well
+TEST_F(CheckTest, ADisabledOneStaysAsItIs) {
     window.click(15, 18);
-    window.leave();
-    window.paint();
-    EXPECT_GT(window.countPixels(box, accent()), 100);
-    EXPECT_GT(window.countPixels(box, 0xffffff), 5); // the mark
     check.setEnabled(false);
-    window.paint();
-    EXPECT_EQ(window.countPixels(box, accent()), 0);
-    EXPECT_GT(window.countPixels(box, 0x808080), 100);
     window.click(15, 18);
     window.click(40, 18);
     EXPECT_TRUE(check.getCheck().isOn());
-}
-
-TEST_F(CheckTest, TheFocusIsRoundTheLabel) {
-    radio.getCheck().takeFocus();
-    window.paint();
-    EXPECT_GT(window.countPixels({27, 40, 110, 58}, 0xffffff), 20);
-    EXPECT_EQ(window.countPixels({27, 10, 110, 28}, 0xffffff), 0);
 }
 
 TEST_F(CheckTest, AltAndTheMarkedLetterPressIt) {

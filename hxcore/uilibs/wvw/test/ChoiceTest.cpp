@@ -82,6 +82,11 @@ TEST_F(ChoiceTest, KeysStepFindAndDrop) {
     list().key(key::Escape);
     EXPECT_FALSE(choice.isDropped());
     EXPECT_EQ(choice.getSelected(), 30);
+    window.key(key::F4);
+    window.key(key::Home); // before the list has the keyboard
+    window.key(key::Return);
+    EXPECT_EQ(choice.getSelected(), 10);
+    EXPECT_FALSE(choice.isDropped());
     window.key(key::Tab);
     EXPECT_TRUE(other.hasFocus());
 }

@@ -23,16 +23,6 @@ struct LabelTest : testing::Test {
     const hxutil::Font& font = *defaultStyle().font;
 
     int widthOf(const char* text) const { return font.stringWidth(text); }
-    Rect ink(uint32_t rgb = 0) const {
-        Rect all;
-        for (int y = 0; y < 100; ++y) {
-            for (int x = 0; x < 200; ++x) {
-                if (window.pixelAt(x, y) == rgb)
-                    all = all.unionBoundary(Rect::xywh(x, y, 1, 1));
-            }
-        }
-        return all;
-    }
 };
 
 TEST_F(LabelTest, PreferredSizeIsTheWidestLineAndTheMargins) {
@@ -52,35 +42,6 @@ TEST_F(LabelTest, ItWrapsAtBlanksAndBreaksOnlyWhatIsTooLong) {
     EXPECT_EQ(label.getPreferredHeight(widthOf("wwwww") + 8), 2 * font.height);
     label.setWrap(false);
     EXPECT_EQ(label.getPreferredHeight(1), font.height);
-}
-
-TEST_F(LabelTest, TextStandsWhereItsAlignmentSays) {
-    label.setText("H");
-    root.setChildRect(&label, {0, 0, 200, 100});
-    window.paintAll();
-    const Rect left = ink();
-    EXPECT_GE(left.tl.x, 4);
-    EXPECT_LE(left.br.x, 4 + widthOf("H"));
-    label.setHAlign(2);
-    label.setVAlign(2);
-    window.paint();
-    const Rect right = ink();
-    EXPECT_EQ(right.tl.x - left.tl.x, 200 - 8 - widthOf("H"));
-    EXPECT_EQ(right.tl.y - left.tl.y, (100 - font.height) - (100 - font.height) / 2);
-}
-
-TEST_F(LabelTest, DisabledTextIsGreyAndUnderlinesFollowTheLines) {
-    label.setText("H\nH");
-    root.setChildRect(&label, {0, 0, 200, 100});
-    label.setUnderline(true);
-    label.setVAlign(0);
-    window.paintAll();
-    for (int line : {0, 1})
-        EXPECT_EQ(window.countPixels(Rect::xywh(4, line * font.height + font.height - 2, 200, 1), 0), widthOf("H"));
-    label.setEnabled(false);
-    window.paint();
-    EXPECT_TRUE(ink().isEmpty());
-    EXPECT_FALSE(ink(0x808080).isEmpty());
 }
 
 TEST_F(LabelTest, ATransparentLabelLeavesTheGroundAlone) {

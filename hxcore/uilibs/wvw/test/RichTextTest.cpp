@@ -141,14 +141,6 @@ TEST_F(RichTextTest, WhatFollowsALinkMayReplaceTheTextOrTheWidget) {
     EXPECT_EQ(links.clicked, (std::vector<std::string>{"one", "three", "four"}));
 }
 
-TEST_F(RichTextTest, DarkLinksLightUpInTheTextColour) {
-    WStyle dark = defaultStyle();
-    dark.dark = true;
-    const rfb::Colour hot = dark.linkHot();
-    EXPECT_EQ(hot, themeColour("contentText"));
-    EXPECT_EQ(defaultStyle().linkHot(), rfb::Colour(200, 0, 0));
-}
-
 TEST_F(RichTextTest, MarkupNamesColoursAndSizes) {
     text.setText("<span style=\"color:#66a7e8\">a</span><span style=\"color:statusGreen\">b</span>"
                  "<a href=\"x\" style=\"color:#123456\">c</a>");

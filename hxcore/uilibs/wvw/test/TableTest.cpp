@@ -142,19 +142,6 @@ TEST_F(TableTest, TwoClicksOnOneCellOpenItAndOnTwoDoNot) {
     EXPECT_FALSE(clock.timersLeft());
 }
 
-TEST_F(TableTest, TheSelectedRowIsBlueAndDottedOnlyWithTheFocus) {
-    Box other(&root, "other", true);
-    other.takeFocus();
-    table.select(1);
-    window.paintAll();
-    const rfb::Rect row = rfb::Rect::xywh(2, 2 + 2 * rowHeight, 180, rowHeight);
-    EXPECT_GT(window.countPixels(row, 0x3838c8), 180 * rowHeight / 2);
-    EXPECT_EQ(window.countPixels(row, 0), 0);
-    table.takeFocus();
-    window.paint();
-    EXPECT_GT(window.countPixels(row, 0), 20);
-}
-
 TEST_F(TableTest, PagesEndsAndLettersJump) {
     rows.refused = {0, 9};
     table.takeFocus();
