@@ -4,7 +4,6 @@
 #include "rdr/OutStream.h"
 
 #include <cstdio>
-#include <utility>
 
 namespace democore {
 namespace {
@@ -40,23 +39,13 @@ void CutText::send(io::MsgIpc& link, const std::string& text) {
 }
 
 bool CutText::readMsg(const char*, rdr::InStream& in, io::MsgIpc*) {
-    if (!gathering) {
-        expected = in.readU32();
-        in.checkpoint();
-        partial.clear();
-        gathering = true;
-    }
-    while (partial.size() < expected) {
-        size_t len = expected - partial.size();
-        const uint8_t* bytes = in.check(1, &len, /*wait=*/false);
-        if (!bytes)
-            return false;
-        partial.append(reinterpret_cast<const char*>(bytes), len);
-        in.consume(len);
-        in.checkpoint();
-    }
-    gathering = false;
-    text = std::exchange(partial, std::string());
+    if (!body.isActive())
+        body.init(in, in.readU32());
+    const rdr::ByteReader::Bytes bytes = body.read(/*wait=*/false);
+    if (!bytes)
+        return false;
+    text.assign(reinterpret_cast<const char*>(bytes.data), bytes.len);
+    body.reset();
     printf("ui: serverCutText %zu \"%s\"\n", text.size(), printable(text).c_str());
     fflush(stdout);
     return true;

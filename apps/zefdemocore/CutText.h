@@ -3,6 +3,7 @@
 
 #include "io/MsgIpc.h"
 #include "plat/NonCopyable.h"
+#include "rdr/ByteReader.h"
 
 #include <string>
 
@@ -23,9 +24,7 @@ private:
     bool readMsg(const char* name, rdr::InStream& in, io::MsgIpc*) override;
 
     std::string text;
-    std::string partial;
-    size_t expected = 0;
-    bool gathering = false;
+    rdr::ByteReader body; // of a message, as it comes
 };
 
 } // namespace democore

@@ -52,34 +52,22 @@ bool SUiClipboard::readMsg(const char* name, rdr::InStream& in, io::MsgIpc*) {
     return true;
 }
 
-void SUiClipboard::ipcStateChanged(io::MsgIpc*) {
-    gathering = false;
-    partial.clear();
-}
+void SUiClipboard::ipcStateChanged(io::MsgIpc*) { cutText.reset(); }
 
 /// False while bytes are missing: they go on where these ended.
 bool SUiClipboard::readCutText(rdr::InStream& in) {
-    if (!gathering) {
+    if (!cutText.isActive()) {
         const int32_t len = in.readS32();
         ASSERT(len >= 0);
         if (static_cast<size_t>(len) > maxTextBytes)
             throw plat::ExceptionFmt("Clipboard text of %d bytes is too long", len);
-        in.checkpoint(); // the length is not read again
-        gathering = true;
-        expected = static_cast<size_t>(len);
-        partial.clear();
+        cutText.init(in, static_cast<size_t>(len)); // the length is not read again
     }
-    while (partial.size() < expected) {
-        size_t len = expected - partial.size();
-        const uint8_t* bytes = in.check(1, &len, /*wait=*/false);
-        if (!bytes)
-            return false;
-        partial.append(reinterpret_cast<const char*>(bytes), len);
-        in.consume(len);
-        in.checkpoint();
-    }
-    gathering = false;
-    const std::string text = std::exchange(partial, std::string());
+    const rdr::ByteReader::Bytes bytes = cutText.read(/*wait=*/false);
+    if (!bytes)
+        return false;
+    const std::string text(reinterpret_cast<const char*>(bytes.data), bytes.len);
+    cutText.reset();
     if (running)
         clipboard.setCutText(text);
     return true;

@@ -3,6 +3,7 @@
 
 #include "io/MsgIpc.h"
 #include "plat/NonCopyable.h"
+#include "rdr/ByteReader.h"
 #include "svr/tx/SClipboardX11.h"
 
 #include <string>
@@ -30,10 +31,8 @@ private:
 
     bool enabled = false; // by the core
     bool desktopUp = false;
-    bool running = false;   // what the X side was told last
-    bool gathering = false; // a message is open
-    size_t expected = 0;    // bytes of it
-    std::string partial;    // those that came
+    bool running = false;    // what the X side was told last
+    rdr::ByteReader cutText; // of a viewer, as it comes
     svr::SClipboardX11 clipboard{this};
 };
 

@@ -24,7 +24,6 @@ ServerUiUnix::ServerUiUnix(io::MsgIpc* link) : ui(link, this), fallbackTimer(thi
     mui::Mui::instance()->addMenu("tray", icon->menu());
     openItem = icon->menu()->addItem(LOC_TEXT("sui_serverui_mi_open"), nullptr, nullptr,
                                      static_cast<ui::Menu::ActionCallback*>(this));
-    desktop = std::make_unique<ui::DesktopEnvironment>(static_cast<ui::DesktopEnvironment::Callback*>(this));
     ui.menuItems()->attach(icon->menu());
     updateHideItem();
     fallbackTimer.start(fallbackMs);
@@ -124,7 +123,7 @@ bool ServerUiUnix::timerExpired(plat::Timer*) {
 }
 
 void ServerUiUnix::desktopChanged() {
-    dbusAddress = desktop->dbusAddress();
+    dbusAddress = icon->desktop().dbusAddress();
     const char* ours = getenv(busVariable);
     if (!dbusAddress.isEmpty() && (!ours || strcmp(ours, dbusAddress.c_str()) != 0))
         setenv(busVariable, dbusAddress.c_str(), /*replace=*/1);

@@ -5,7 +5,6 @@
 #include "sui/ServerUi.h"
 #include "sui/ServerUiCallback.h"
 #include "sui/unix/displayInfo.h"
-#include "ui/unix/DesktopEnvironment.h"
 #include "ui/unix/StatusIconGtk.h"
 
 #include <memory>
@@ -19,8 +18,7 @@ namespace sui {
 class ServerUiUnix : private ServerUiCallback,
                      private ui::Menu::ActionCallback,
                      private ui::StatusIconGtk::Callback,
-                     private plat::Timer::Callback,
-                     private ui::DesktopEnvironment::Callback {
+                     private plat::Timer::Callback {
 public:
     explicit ServerUiUnix(io::MsgIpc* link); ///< borrowed
     ~ServerUiUnix() override;
@@ -32,7 +30,7 @@ private:
     void refreshIcon() override;
     void refreshAll() override;
     void dialogOpened() override { dialogWanted = true; }
-    const char* desktopName() override { return desktop ? desktop->name() : ""; }
+    const char* desktopName() override { return icon ? icon->desktop().name() : ""; }
     bool mayHideDialog() override;
     DisplayInfo displayInfo() override { return readDisplayInfo(); }
     // ui::Menu::ActionCallback
@@ -41,10 +39,9 @@ private:
     void iconEmbedded(bool shown) override;
     void iconActivated() override { ui.activate(); }
     bool canUseIndicator() override;
+    void desktopChanged() override;
     // plat::Timer::Callback
     bool timerExpired(plat::Timer* timer) override;
-    // ui::DesktopEnvironment::Callback
-    void desktopChanged() override;
 
     void updateHideItem();
     bool mustHide() const; ///< something else leads back to the dialog, or nothing shall
@@ -59,7 +56,6 @@ private:
     ui::Menu::Item* hideSeparator = nullptr; // of the dialog's menu, null while it offers no hiding
     ui::Menu::Item* hideItem = nullptr;
     plat::Timer fallbackTimer; // no icon came up in its time
-    std::unique_ptr<ui::DesktopEnvironment> desktop;
     plat::String dbusAddress;
 };
 

@@ -74,6 +74,10 @@ TEST(IoDefaults, AreSilent) {
          {io.getPeerEndpoint(), io.getPeerEndpointUri(), io.getLocalEndpoint(), io.getLocalEndpointUri()})
         EXPECT_STREQ(text.get(), "");
     EXPECT_FALSE(io.isConnecting());
+    IoHandler deaf;
+    deaf.ioReadable(&io);
+    deaf.ioWritable(&io);
+    deaf.ioClosed(&io);
     FdHandler idle; // outlives the manager, which tells its handlers that it goes
     FdSelectManager mgr;
     mgr.addHandler(&idle, /*add=*/true);

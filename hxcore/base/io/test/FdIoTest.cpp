@@ -123,18 +123,6 @@ protected:
     std::string got;
 };
 
-TEST_F(FdIoTest, GivesReadableUntilTheEnd) {
-    io->setHandler(&handler);
-    EXPECT_EQ(write(peer, "hello", 5), 5);
-    rounds();
-    EXPECT_EQ(got, "hello");
-    EXPECT_EQ(handler.readable, 1);
-    closePeer();
-    rounds();
-    EXPECT_EQ(handler.closed, 1);
-    EXPECT_EQ(alive, 0);
-}
-
 TEST_F(FdIoTest, BytesLeftInTheBufferReachTheNextHandler) {
     handler.onRead = [this](Io* from) { got += static_cast<char>(from->inStream()->readU8()); };
     io->setHandler(&handler);

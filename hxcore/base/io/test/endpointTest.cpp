@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <string>
+#include <vector>
 
 namespace {
 using io::EndpointInvalid;
@@ -94,50 +95,33 @@ TEST_F(Endpoint, NamesReadAndPrintBack) {
 
 TEST_F(Endpoint, BadNamesAreRefusedAndChangeNothing) {
     const struct {
-        const char* text;
         Numbers numbers;
         const std::string& failure;
+        std::vector<const char*> texts;
     } cases[] = {
-        {nullptr, bare, empty},
-        {"", bare, empty},
-        {"[]", rfb, empty},
-        {"[]:1", rfb, empty},
-        {"[", rfb, bracket},
-        {"[::1", rfb, bracket},
-        {"[[", rfb, bracket},
-        {"[::1]x", rfb, general},
-        {"[a[b]", rfb, general},
-        {"[a]]", rfb, general},
-        {"a[b", rfb, general},
-        {"a]:1", rfb, general},
-        {"a]:x", rfb, badPort}, // the port is looked at first
-        {"host", bare, badPort},
-        {"host:0", bare, badPort},
-        {"host::0", rfb, badPort},
-        {"host:", rfb, badPort},
-        {"host::", rfb, badPort},
-        {"host:::1", rfb, badPort},
-        {"host:abc", rfb, badPort},
-        {"host:1 ", rfb, badPort},
-        {"host: 1", rfb, badPort},
-        {"host:+1", rfb, badPort},
-        {"host:-1", rfb, badPort},
-        {"host:0x10", rfb, badPort},
-        {"host:65536", rfb, badPort},
-        {"host:4294967297", rfb, badPort},
-        {"host:99999999999999999999", rfb, badPort},
-        {"host:50", {65500, 100}, badPort},
-        {"fe80::1:2", rfb, badPort}, // an address needs its brackets
+        {bare, empty, {nullptr, ""}},
+        {rfb, empty, {"[]", "[]:1"}},
+        {rfb, bracket, {"[", "[::1", "[["}},
+        {rfb, general, {"[::1]x", "[a[b]", "[a]]", "a[b", "a]:1"}},
+        {bare, badPort, {"host", "host:0"}},
+        {{65500, 100}, badPort, {"host:50"}},
+        // A port is looked at before the brackets, and an address needs them.
+        {rfb,
+         badPort,
+         {"a]:x", "fe80::1:2", "host::0", "host:", "host::", "host:::1", "host:abc", "host:1 ", "host: 1", "host:+1",
+          "host:-1", "host:0x10", "host:65536", "host:4294967297", "host:99999999999999999999"}},
     };
     for (const auto& each : cases) {
-        SCOPED_TRACE(each.text ? each.text : "null");
-        plat::String host = "before";
-        int port = -7;
-        const auto [defaultPort, displayLimit] = each.numbers;
-        EXPECT_EQ(failureOf([&] { io::endpoint::parse(each.text, host, &port, defaultPort, displayLimit); }),
-                  each.failure);
-        EXPECT_STREQ(host.c_str(), "before");
-        EXPECT_EQ(port, -7);
+        for (const char* text : each.texts) {
+            SCOPED_TRACE(text ? text : "null");
+            plat::String host = "before";
+            int port = -7;
+            const auto [defaultPort, displayLimit] = each.numbers;
+            EXPECT_EQ(failureOf([&] { io::endpoint::parse(text, host, &port, defaultPort, displayLimit); }),
+                      each.failure);
+            EXPECT_STREQ(host.c_str(), "before");
+            EXPECT_EQ(port, -7);
+        }
     }
 }
 
@@ -218,35 +202,22 @@ TEST_F(Endpoint, UrisReadAndPrintBack) {
 
 TEST_F(Endpoint, BadUrisAreRefused) {
     const struct {
-        const char* text;
         const std::string& failure;
+        std::vector<const char*> texts;
     } cases[] = {
-        {nullptr, empty},
-        {"", empty},
-        {"http://", empty},
-        {"http:///path", empty},
-        {"http://[]", empty},
-        {"http://[::1", bracket},
-        {"http://[::1/]", bracket}, // the host ends at the slash
-        {"http:/h", badPort},       // no scheme without both slashes
-        {"1http://h", badPort},
-        {"http://h:port", badPort},
-        {"http://h:70000/", badPort},
-        {"http://a:b:c@h", general},
-        {"http://[::1]@h", general},
-        {"http://h[/", general},
-        {"http://h%/", badEscape},
-        {"http://h/%4", badEscape},
-        {"http://h/%4g", badEscape},
-        {"http://h/%00", badEscape}, // the rest would be hidden
-        {"http://u%zz@h", badEscape},
-        {"http://u:%@h", badEscape},
-        {"http://h?a%=b", badEscape},
-        {"http://h?a=b%1", badEscape},
+        {empty, {nullptr, "", "http://", "http:///path", "http://[]"}},
+        {bracket, {"http://[::1", "http://[::1/]"}}, // the host ends at the slash
+        // Without both slashes there is no scheme.
+        {badPort, {"http:/h", "1http://h", "http://h:port", "http://h:70000/"}},
+        {general, {"http://a:b:c@h", "http://[::1]@h", "http://h[/"}},
+        // %00 would hide the rest.
+        {badEscape,
+         {"http://h%/", "http://h/%4", "http://h/%4g", "http://h/%00", "http://u%zz@h", "http://u:%@h", "http://h?a%=b",
+          "http://h?a=b%1"}},
     };
     for (const auto& each : cases)
-        EXPECT_EQ(failureOf([&] { io::endpoint::parseUri(each.text); }), each.failure)
-            << (each.text ? each.text : "null");
+        for (const char* text : each.texts)
+            EXPECT_EQ(failureOf([&] { io::endpoint::parseUri(text); }), each.failure) << (text ? text : "null");
 }
 
 TEST_F(Endpoint, FailedConnectionsHaveTexts) {

@@ -163,13 +163,6 @@ TEST_F(ElevateTest, TheParameterComesBeforeAll) {
     params.get("ElevateCmd").unset(plat::PriorityPreference);
 }
 
-TEST_F(ElevateTest, OneArgumentIsQuotedForAShell) {
-    const ElevateProg su{{"su", "-c"}, /*singleArg=*/true};
-    EXPECT_EQ(text({elevatedCommand(su, {"/bin/x", "it's", "", "$a `b`"}), true}),
-              "[su][-c]['/bin/x' 'it'\\''s' '' '$a `b`'] one");
-    EXPECT_STREQ(shellQuote({}).c_str(), "");
-}
-
 // What a shell makes of ten thousand words is what was quoted.
 TEST_F(ElevateTest, AShellTakesTheWordsApartAgain) {
     std::mt19937 random(4711);

@@ -149,22 +149,6 @@ protected:
     std::unique_ptr<PersistentStoreFile> store;
 };
 
-TEST_F(StoreFaultTest, ABlobSurvivesASaveThatFailsAtAnyStep) {
-    for (const char* function : {"mkdir", "open"}) {
-        const plat::FailingCalls failing(function, ENOSPC);
-        EXPECT_EQ(plat::errorOf([this] { save("first"); }), ENOSPC) << function;
-        EXPECT_EQ(load(), "<none>");
-    }
-    save("old");
-    for (const char* function : {"open", "fdopen", "fflush", "fsync", "fclose", "rename"}) {
-        const plat::FailingCalls failing(function, ENOSPC);
-        EXPECT_EQ(plat::errorOf([this] { save("new"); }), ENOSPC) << function;
-        EXPECT_EQ(load(), "old") << function;
-    }
-    save("new");
-    EXPECT_EQ(load(), "new");
-}
-
 TEST_F(StoreFaultTest, AReadThatFailsIsNotTakenForAnEmptyBlob) {
     save("text");
     const plat::ShortCounts one(1);

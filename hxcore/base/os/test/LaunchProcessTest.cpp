@@ -407,6 +407,10 @@ TEST(LaunchProcess, AnOrdinaryUserElevatesThroughTheChosenProgram) {
             params.get("ElevateCmd").setParam(bad);
             EXPECT_THROW(launchProcess(cfg), plat::Exception) << bad;
         }
+        setenv("PATH", scene.dir.root.c_str(), 1);
+        params.get("ElevateCmdSingleArg").setParam("0");
+        params.get("ElevateCmd").setParam("one");
+        EXPECT_EQ(scene.factsOf(cfg).at("env ELEVATED"), "one") << "found in PATH";
     });
 }
 

@@ -152,6 +152,19 @@ TEST(DString, AppendCharsEncodes) {
     EXPECT_THROW(text.appendChars(0x110000, 1), Exception);
 }
 
+TEST(DString, MovesAndTakesLeaveItUsable) {
+    DString text("abc");
+    DString moved(std::move(text));
+    DString copy;
+    copy = moved;
+    EXPECT_EQ(moved.take(), "abc");
+    EXPECT_FALSE(moved.take().isNull());
+    moved.append("again");
+    EXPECT_STREQ(moved.c_str(), "again");
+    copy.truncate(2);
+    EXPECT_STREQ(copy.c_str(), "ab");
+}
+
 TEST(DString, WordWrap) {
     const struct {
         const char* text;
@@ -212,6 +225,8 @@ TEST(Secure, AStringTakesTextThatLiesInsideItself) {
     secret.set(secret.c_str() + 2);
     EXPECT_STREQ(secret.get(), "ss");
     EXPECT_STREQ(copy.get(), "pass");
+    copy = secret;
+    EXPECT_STREQ(copy.c_str(), "ss");
     copy = std::move(secret);
     EXPECT_TRUE(secret.isNull()); // NOLINT(bugprone-use-after-move)
     EXPECT_EQ(copy.len(), 2);

@@ -235,6 +235,17 @@ TEST(FramedOutStream, ALongBodyIsSplitToFitTheBufferBelow) {
     EXPECT_TRUE(back.atEnd());
 }
 
+TEST(FramedOutStream, WritesToNobodyVanish) {
+    rdr::NullOutStream nobody;
+    rdr::OutStreamV4 out(&nobody);
+    out.startMsg();
+    const std::string body(1000000, 'x');
+    out.writeBytes(body.data(), body.size());
+    EXPECT_GT(out.spaceAvailable(), 0U);
+    out.endMsg();
+    EXPECT_EQ(out.length(), 1000000U);
+}
+
 TEST(FramedOutStream, CallsOutOfOrderAreToldApart) {
     rdr::MemOutStream below;
     rdr::OutStreamV4 out(&below);

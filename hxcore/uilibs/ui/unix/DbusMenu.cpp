@@ -11,7 +11,6 @@ namespace ui {
 namespace {
 plat::LogSrc log("DbusMenu");
 
-constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr const char* introspection =
     "<!DOCTYPE node PUBLIC \"-//freedesktop//DTD D-BUS Object Introspection 1.0//EN\" "
     "\"http://www.freedesktop.org/standards/dbus/1.0/introspect.dtd\"><node><interface name=\"com.canonical.dbusmenu\">"
@@ -123,8 +122,6 @@ std::vector<DbusMenu::Property> DbusMenu::propertiesOf(const StatusIconMenu::Ite
 }
 
 bool DbusMenu::methodCalled(const char* calledInterface, const char* member, sd_bus_message* call) {
-    if (strcmp(calledInterface, propertiesInterface) == 0)
-        return propertiesCalled(member, call);
     if (strcmp(calledInterface, "org.freedesktop.DBus.Introspectable") == 0) {
         sdbus::Message answer(SessionBus::makeAnswer(call));
         answer.append("s", introspection);
@@ -156,29 +153,22 @@ bool DbusMenu::menuCalled(const char* member, sd_bus_message* call) {
     return false;
 }
 
-bool DbusMenu::propertiesCalled(const char* member, sd_bus_message* call) {
-    const bool all = strcmp(member, "GetAll") == 0;
-    if (!all && strcmp(member, "Get") != 0)
+std::span<const char* const> DbusMenu::propertyNames() const {
+    static constexpr const char* names[] = {"Version", "TextDirection", "Status", "IconThemePath"};
+    return names;
+}
+
+bool DbusMenu::appendProperty(sdbus::Message& message, const char* name) const {
+    if (strcmp(name, "Version") == 0)
+        message.append("v", "u", 3);
+    else if (strcmp(name, "TextDirection") == 0)
+        message.append("v", "s", "ltr");
+    else if (strcmp(name, "Status") == 0)
+        message.append("v", "s", "normal");
+    else if (strcmp(name, "IconThemePath") == 0)
+        message.append("v", "as", 0);
+    else
         return false;
-    const char* ofInterface = nullptr;
-    const char* wanted = nullptr;
-    sdbus::check(all ? sdbus::read(call, "s", &ofInterface) : sdbus::read(call, "ss", &ofInterface, &wanted));
-    sdbus::Message answer(SessionBus::makeAnswer(call));
-    if (all) {
-        answer.append("a{sv}", 4, "Version", "u", 3, "TextDirection", "s", "ltr", "Status", "s", "normal",
-                      "IconThemePath", "as", 0);
-    } else if (strcmp(wanted, "Version") == 0) {
-        answer.append("v", "u", 3);
-    } else if (strcmp(wanted, "TextDirection") == 0) {
-        answer.append("v", "s", "ltr");
-    } else if (strcmp(wanted, "Status") == 0) {
-        answer.append("v", "s", "normal");
-    } else if (strcmp(wanted, "IconThemePath") == 0) {
-        answer.append("v", "as", 0);
-    } else {
-        throw plat::ExceptionFmt("no property %s", wanted);
-    }
-    bus->send(answer);
     return true;
 }
 

@@ -40,6 +40,8 @@ public:
 private:
     // SessionBus::Object
     bool methodCalled(const char* interface, const char* member, sd_bus_message* call) override;
+    std::span<const char* const> propertyNames() const override;
+    bool appendProperty(sdbus::Message& message, const char* name) const override;
     // StatusIconMenu::Observer
     void itemAdded(const StatusIconMenu::Item& item) override;
     void itemToBeRemoved(const StatusIconMenu::Item& item) override;
@@ -48,7 +50,6 @@ private:
     bool timerExpired(plat::Timer*) override;
 
     bool menuCalled(const char* member, sd_bus_message* call);
-    bool propertiesCalled(const char* member, sd_bus_message* call);
     void getLayout(sd_bus_message* call);
     void getGroupProperties(sd_bus_message* call);
     void getProperty(sd_bus_message* call);

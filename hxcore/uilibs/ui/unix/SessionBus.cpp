@@ -215,12 +215,38 @@ void SessionBus::answerCall(const Slot& slot, sd_bus_message* call) {
         error.message = text;
         sdbus::replyMethodError(call, static_cast<const sd_bus_error*>(&error)); // copies both
     };
+    interface = interface ? interface : "";
+    member = member ? member : "";
+    const bool isProperty = strcmp(interface, propertiesInterface) == 0;
     try {
-        if (!slot.object->methodCalled(interface ? interface : "", member ? member : "", call))
+        if (!(isProperty ? slot.bus->answerProperties(*slot.object, member, call)
+                         : slot.object->methodCalled(interface, member, call)))
             refuse("org.freedesktop.DBus.Error.UnknownMethod", "no such method");
     } catch (const plat::Exception& failure) {
         refuse("org.freedesktop.DBus.Error.InvalidArgs", failure.what());
     }
+}
+
+bool SessionBus::answerProperties(const Object& object, const char* member, sd_bus_message* call) {
+    const bool all = strcmp(member, "GetAll") == 0;
+    if (!all && strcmp(member, "Get") != 0)
+        return false;
+    const char* ofInterface = nullptr;
+    const char* wanted = nullptr;
+    sdbus::check(all ? sdbus::read(call, "s", &ofInterface) : sdbus::read(call, "ss", &ofInterface, &wanted));
+    sdbus::Message answer(makeAnswer(call));
+    if (all) {
+        const sdbus::Container map(answer, 'a', "{sv}");
+        for (const char* name : object.propertyNames()) {
+            const sdbus::Container entry(answer, 'e', "sv");
+            answer.append("s", name);
+            object.appendProperty(answer, name);
+        }
+    } else if (!object.appendProperty(answer, wanted)) {
+        throw plat::ExceptionFmt("no property %s", wanted);
+    }
+    send(answer);
+    return true;
 }
 
 void SessionBus::process() {

@@ -8,6 +8,7 @@
 #include "ui/unix/sdbus.h"
 
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace ui {
@@ -23,14 +24,21 @@ public:
         virtual void busLost() = 0; ///< the connection could not be made, or has ended
     };
 
-    /// Answers the calls on one object path.
+    /// Answers the calls on one object path. What it throws becomes an error to the caller.
     class Object {
     public:
         virtual ~Object() = default;
 
-        /// False: there is no such method. What it throws becomes an error to the caller.
+        /// False: there is no such method. Those of org.freedesktop.DBus.Properties don't come here.
         virtual bool methodCalled(const char* interface, const char* member, sd_bus_message* call) = 0;
+
+        virtual std::span<const char* const> propertyNames() const = 0; ///< in the order of GetAll
+
+        /// Adds the value of a property as a variant; false if there is none of that name.
+        virtual bool appendProperty(sdbus::Message& message, const char* name) const = 0;
     };
+
+    static constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 
     /// Takes the answer to a call of ours, or a signal.
     using Handler = void (*)(void* self, sd_bus_message* message);
@@ -78,6 +86,7 @@ private:
 
     static int messageCame(sd_bus_message* message, void* slot, sd_bus_error*); // called by the library
     static void answerCall(const Slot& slot, sd_bus_message* call);
+    bool answerProperties(const Object& object, const char* member, sd_bus_message* call);
     Slot* addSlot(Object* object, Handler handler, void* self);
     void process();
     void updateInterest();

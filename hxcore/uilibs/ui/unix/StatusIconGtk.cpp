@@ -94,7 +94,7 @@ Menu::Item* StatusIconGtk::RootMenu::itemAt(int index) const {
 StatusIconGtk::StatusIconGtk(Callback* target, const char* program_)
     : callback(target), program(program_ ? plat::String(program_) : os::runningExecutable()),
       link(static_cast<io::MsgIpc::Callback*>(this), linkName), root(this), embedTimer(this), restartTimer(this),
-      desktop(static_cast<DesktopEnvironment::Callback*>(this)) {
+      environment(static_cast<DesktopEnvironment::Callback*>(this)) {
     ipc = &link;
     for (const char* name : {"iconEmbedded", "menuAction", "iconActivate"})
         link.addHandler(name, static_cast<io::MsgIpc::Reader*>(this));
@@ -122,6 +122,7 @@ void StatusIconGtk::setTooltip(const char* text) {
 void StatusIconGtk::desktopChanged() {
     isDesktopKnown = true;
     beginEmbedding();
+    callback->desktopChanged();
 }
 
 void StatusIconGtk::ipcClosed(io::MsgIpc*) { helperLost(); }
@@ -214,7 +215,7 @@ void StatusIconGtk::endHelper(int signal) {
 
 void StatusIconGtk::beginEmbedding() {
     using Kind = DesktopEnvironment::Kind;
-    const Kind kind = desktop.kind();
+    const Kind kind = environment.kind();
     iconType = IconType::GtkStatusIcon;
     uint32_t waitMs = embedMs;
     if (isGnome(kind))
@@ -228,7 +229,7 @@ void StatusIconGtk::beginEmbedding() {
     embedTimer.start(waitMs);
     // Where the desktop tells no address the helper keeps the one that it inherited from us.
     const char* ours = std::getenv(busVariable);
-    const plat::String address = desktop.dbusAddress().isEmpty() ? plat::String(ours) : desktop.dbusAddress();
+    const plat::String address = environment.dbusAddress().isEmpty() ? plat::String(ours) : environment.dbusAddress();
     send("setEnv", [&address](rdr::OutStream& out) {
         out.writeString8(busVariable);
         out.writeString8(address.get());
@@ -251,7 +252,7 @@ void StatusIconGtk::embedTimeout() {
         callback->iconEmbedded(false);
         return;
     }
-    const bool isSlow = isGnome(desktop.kind());
+    const bool isSlow = isGnome(environment.kind());
     if (isSlow && iconType != IconType::AppIndicator && callback->canUseIndicator()) {
         iconType = IconType::AppIndicator;
         log.info("Swapping icon type");

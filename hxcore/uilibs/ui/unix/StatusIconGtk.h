@@ -31,6 +31,7 @@ public:
         virtual void iconEmbedded(bool shown) = 0; ///< it has appeared in a tray, has gone, or will not appear
         virtual void iconActivated() = 0;          ///< the user clicked it
         virtual bool canUseIndicator() = 0;        ///< the icon theme holds our icons
+        virtual void desktopChanged() {}           ///< as desktop() tells; it may delete the icon
     };
 
     enum class IconType : uint32_t { GtkStatusIcon, AppIndicator };
@@ -67,6 +68,7 @@ public:
     void setImage(const char* imageName, const char* overlay);
     void setTooltip(const char* text);
 
+    const DesktopEnvironment& desktop() const { return environment; } ///< which the icon follows
     bool isEmbedded() const { return embedded; }
     pid_t helperPid() const { return helper; } ///< 0 while there is none
 
@@ -132,7 +134,7 @@ private:
     int restarts = 0;
     int64_t startedAt = 0;       // monotonic ticks
     bool isDesktopKnown = false; // the helper was asked for an icon
-    DesktopEnvironment desktop;
+    DesktopEnvironment environment;
 };
 
 } // namespace ui

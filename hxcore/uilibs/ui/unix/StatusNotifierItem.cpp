@@ -13,7 +13,6 @@ plat::LogSrc log("StatusNotifierItem");
 constexpr unsigned retryMs = 30000;
 constexpr const char* busService = "org.freedesktop.DBus";
 constexpr const char* busPath = "/org/freedesktop/DBus";
-constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr const char* watcherService = "org.kde.StatusNotifierWatcher";
 constexpr const char* watcherPath = "/StatusNotifierWatcher";
 constexpr const char* itemPath = "/StatusNotifierItem";
@@ -21,7 +20,7 @@ constexpr const char* itemInterface = "org.kde.StatusNotifierItem";
 constexpr const char* itemId = "zefserverui";
 
 // In the order of GetAll.
-constexpr const char* propertyNames[] = {"Category",
+constexpr const char* allProperties[] = {"Category",
                                          "Id",
                                          "Title",
                                          "Status",
@@ -131,7 +130,7 @@ void StatusNotifierItem::watcherIs(const char* owner) {
 }
 
 void StatusNotifierItem::askForHost() {
-    bus->call(watcherService, watcherPath, propertiesInterface, "Get", &hostAnswered, this, watcherService,
+    bus->call(watcherService, watcherPath, SessionBus::propertiesInterface, "Get", &hostAnswered, this, watcherService,
               "IsStatusNotifierHostRegistered");
 }
 
@@ -222,8 +221,6 @@ void StatusNotifierItem::emitSignal(const char* member, const char* argument) {
 }
 
 bool StatusNotifierItem::methodCalled(const char* interface, const char* member, sd_bus_message* call) {
-    if (strcmp(interface, propertiesInterface) == 0)
-        return propertiesCalled(member, call);
     if (*interface && strcmp(interface, itemInterface) != 0)
         return false;
     const bool isScroll = strcmp(member, "Scroll") == 0;
@@ -239,28 +236,6 @@ bool StatusNotifierItem::methodCalled(const char* interface, const char* member,
     return true;
 }
 
-bool StatusNotifierItem::propertiesCalled(const char* member, sd_bus_message* call) {
-    const bool all = strcmp(member, "GetAll") == 0;
-    if (!all && strcmp(member, "Get") != 0)
-        return false;
-    const char* ofInterface = nullptr;
-    const char* wanted = nullptr;
-    sdbus::check(all ? sdbus::read(call, "s", &ofInterface) : sdbus::read(call, "ss", &ofInterface, &wanted));
-    sdbus::Message answer(SessionBus::makeAnswer(call));
-    if (all) {
-        const sdbus::Container map(answer, 'a', "{sv}");
-        for (const char* name : propertyNames) {
-            const sdbus::Container entry(answer, 'e', "sv");
-            answer.append("s", name);
-            appendProperty(answer, name);
-        }
-    } else if (!appendProperty(answer, wanted)) {
-        throw plat::ExceptionFmt("no property %s", wanted);
-    }
-    bus->send(answer);
-    return true;
-}
-
 void StatusNotifierItem::appendPixmaps(sdbus::Message& message) const {
     const sdbus::Container list(message, 'a', "(iiay)");
     for (const StatusIconImage& image : images) {
@@ -270,6 +245,8 @@ void StatusNotifierItem::appendPixmaps(sdbus::Message& message) const {
         sdbus::check(sdbus::appendArray(message.get(), 'y', static_cast<const void*>(argb.data()), argb.size()));
     }
 }
+
+std::span<const char* const> StatusNotifierItem::propertyNames() const { return allProperties; }
 
 bool StatusNotifierItem::appendProperty(sdbus::Message& message, const char* name) const {
     const auto is = [name](const char* other) { return strcmp(name, other) == 0; };

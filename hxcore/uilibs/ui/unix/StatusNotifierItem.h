@@ -55,6 +55,8 @@ private:
     void busLost() override;
     // SessionBus::Object
     bool methodCalled(const char* interface, const char* member, sd_bus_message* call) override;
+    std::span<const char* const> propertyNames() const override;
+    bool appendProperty(sdbus::Message& message, const char* name) const override;
     // DbusMenu::Callback
     void menuItemChosen(uint32_t id) override { callback->itemMenuChosen(id); }
     // plat::Timer::Callback
@@ -69,8 +71,6 @@ private:
     void hostIs(bool there);
     void askForHost();
     void emitSignal(const char* member, const char* argument = nullptr);
-    bool propertiesCalled(const char* member, sd_bus_message* call);
-    bool appendProperty(sdbus::Message& message, const char* name) const; // as a variant; false if there is none
     void appendPixmaps(sdbus::Message& message) const;
 
     // SessionBus::Handler
