@@ -3,7 +3,7 @@ import ctypes
 import os
 import subprocess
 
-from harness import BIN, UiTest, main, until
+from harness import BIN, UiTest, main, until, xdotool
 
 DIALOG = "addclients"
 EDIT = DIALOG + ".hlay.vlay.viewerlyt.viewer"
@@ -33,7 +33,7 @@ class Clients(UiTest):
         self.assertEqual(core.ask(f"menu serverui invoke {CONNECT}"), "1")
         core.until_state(DIALOG, "shown", "1")
         window = until(lambda: self.window("^Connect to Listening"), "the dialog's window")
-        subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+        xdotool("windowfocus", "--sync", window)
         return core
 
     def test_connecting_out_by_keys(self):
@@ -41,7 +41,7 @@ class Clients(UiTest):
         self.assertEqual(core.state(BUTTON)["enabled"], "0")
         self.assertEqual(core.state(ERRORS)["shown"], "0")
         self.assertEqual(core.state(SPINNER)["shown"], "0")
-        subprocess.run(["xdotool", "type", "--delay", "5", " viewer:5500 "], check=True)
+        xdotool("type", "--delay", "5", " viewer:5500 ")
         core.until_state(EDIT, "value", " viewer:5500 ")
         core.until_state(BUTTON, "enabled", "1")
         self.keys("Return")
@@ -130,13 +130,8 @@ class Clipboard(UiTest):
         self.home.env.update(env or {})
         core = self.start(args=args)
         core.say("clipboard 1", "desktop 1")
-        self.settle(core)
+        core.settle()
         return core
-
-    def settle(self, core):
-        """The UI has handled what was said before: it answers what comes behind it."""
-        core.say("showstatus", "wait uiActivated 20000")
-        core.expect("ui: uiActivated", 20)
 
     def copy(self, text, selection="clipboard", tool=("xclip", "-quiet", "-i", "-selection")):
         data = text if isinstance(text, bytes) else text.encode()
@@ -175,14 +170,14 @@ class Clipboard(UiTest):
         core = self.sharing()
         for off, on in (("clipboard 0", "clipboard 1"), ("desktop 0", "desktop 1")):
             core.say(off)
-            self.settle(core)
+            core.settle()
             self.copy("unheard")
             self.until_pasted(b"unheard")
             core.say("cuttext unseen")
-            self.settle(core)
+            core.settle()
             self.assertEqual(self.paste(), b"unheard")
             core.say(on)
-            self.settle(core)
+            core.settle()
             self.copy("heard after " + on)
             self.assertIn("heard after " + on, core.expect("ui: serverCutText"))
 
@@ -230,19 +225,19 @@ class Clipboard(UiTest):
             xlib.XBell(display, 0)
             xlib.XSync(display, 0)
         core.say("desktop 1")
-        self.settle(core)
+        core.settle()
         ring()
         core.expect("ui: bell")
         ring()
         core.expect("ui: bell")
         core.say("desktop 0")
-        self.settle(core)
+        core.settle()
         ring()
-        self.settle(core)
+        core.settle()
         core.read()
         self.assertNotIn("ui: bell", core.lines)
         core.say("desktop 1")
-        self.settle(core)
+        core.settle()
         ring()
         core.expect("ui: bell")
         xlib.XCloseDisplay(display)

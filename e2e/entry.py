@@ -4,7 +4,6 @@ import os
 import re
 import socket
 import subprocess
-import unittest
 
 from harness import CORE, UI, UiTest, main, until
 

@@ -6,7 +6,7 @@ import time
 import unittest
 
 import harness
-from harness import until
+from harness import until, xdotool
 
 PAGES = ["Buttons", "Choices", "Fields", "Texts", "Scripts", "Lists", "Frames", "Containers", "Infoframes", "Images",
          "Windows", "Forms", "States"]
@@ -43,14 +43,14 @@ class GalleryTest(unittest.TestCase):
         self.gallery = Gallery(self.home, *args)
         self.gallery.until_state("gallery", "shown", "1")
         self.window = until(lambda: self.find("^Gallery$"), "the window")
-        subprocess.run(["xdotool", "windowfocus", "--sync", self.window], check=True)
+        xdotool("windowfocus", "--sync", self.window)
 
     def find(self, name):
         return subprocess.run(["xdotool", "search", "--onlyvisible", "--name", name],
                               capture_output=True, text=True, check=False).stdout.strip()
 
     def keys(self, *names):
-        subprocess.run(["xdotool", "key", *names], check=True)
+        xdotool("key", *names)
 
     def picture(self):
         """What the screen shows once it rests."""
@@ -166,7 +166,7 @@ class GalleryTest(unittest.TestCase):
                 self.gallery.until_state(name, "shown", "1")
                 window = until(lambda: self.find(f"^{name}$"), "its window")
                 if name != "Transient":
-                    subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+                    xdotool("windowfocus", "--sync", window)
                 self.keys("alt+f", "End", "x")
                 self.gallery.until_state(f"{name}.field", "value", "and something to type inx")
                 self.keys("Escape")
@@ -182,8 +182,8 @@ class GalleryTest(unittest.TestCase):
         self.gallery.ask("click " + self.gallery.page(10, ".open"))
         self.gallery.until_state("saveDlg", "shown", "1")
         window = until(lambda: self.find("^Open$"), "its window")
-        subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
-        subprocess.run(["xdotool", "type", "--delay", "30", folder + "/p"], check=True)
+        xdotool("windowfocus", "--sync", window)
+        xdotool("type", "--delay", "30", folder + "/p")
         self.gallery.until_state("saveDlg.mainLyt.name", "value", folder + "/picture.png")
         self.keys("Return")
         self.gallery.until_state(self.gallery.page(10, ".chosen"), "value", folder + "/picture.png")
@@ -201,9 +201,9 @@ class GalleryTest(unittest.TestCase):
         def choose(*keys):
             self.gallery.ask("click " + self.gallery.page(10, ".plain"))
             window = until(lambda: self.find("^Choose plainly$"), "its window")
-            subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+            xdotool("windowfocus", "--sync", window)
             self.keys("Tab", "ctrl+a")
-            subprocess.run(["xdotool", "type", "--delay", "10", folder + "/"], check=True)
+            xdotool("type", "--delay", "10", folder + "/")
             self.keys("Return", "shift+Tab", *keys)
             return window
         choose("s", "Return", "d", "Return", "Tab", "Return")
@@ -212,7 +212,7 @@ class GalleryTest(unittest.TestCase):
         self.gallery.until_state(chosen, "value", "cancelled")
         window = choose("p")
         self.picture()  # it rests
-        subprocess.run(["xdotool", "mousemove", "--window", window, "20", "38", "click", "1"], check=True)
+        xdotool("mousemove", "--window", window, "20", "38", "click", "1")
         self.keys("Tab", "Return")
         self.gallery.until_state(chosen, "value", folder + "/picture.png")
 

@@ -7,6 +7,7 @@ import re
 import shutil
 import signal
 import socket
+import struct
 import subprocess
 import tempfile
 import time
@@ -37,9 +38,19 @@ def keep_sockets_apart():
 keep_sockets_apart()
 
 
+def is_sanitized():
+    with open(UI, "rb") as program:
+        return b"__asan_init" in program.read()
+
+
+SANITIZED = is_sanitized()
+# What is waited for costs nothing when it comes: the sanitizers and a busy machine get their time.
+PATIENCE = SLOW * (4 if SANITIZED else 2)
+
+
 def until(condition, what, seconds=10.0):
     """Waits for a condition that is not an event of ours; gives its value."""
-    end = time.monotonic() + seconds * SLOW
+    end = time.monotonic() + seconds * PATIENCE
     while True:
         value = condition()
         if value:
@@ -47,6 +58,23 @@ def until(condition, what, seconds=10.0):
         if time.monotonic() > end:
             raise AssertionError(f"waited in vain for {what}")
         time.sleep(0.02)
+
+
+def xdotool(*words):
+    """Plays a person: keys and pointer, in the order of the words."""
+    subprocess.run(["xdotool", *map(str, words)], check=True)
+
+
+def string8(text):
+    """A short text as it travels on every link: its length in a byte, its bytes."""
+    data = text if isinstance(text, bytes) else text.encode()
+    return bytes([len(data)]) + data
+
+
+def message(name, body=b""):
+    """A message in one frame."""
+    payload = string8(name) + body
+    return struct.pack(">H", 0x8000 | len(payload)) + payload
 
 
 class Home:
@@ -144,7 +172,7 @@ class Inspected:
                 return paths[0] if paths else None
             self.inspect = until(find, "the inspection socket")
         with socket.socket(socket.AF_UNIX) as link:
-            link.settimeout(10 * SLOW)
+            link.settimeout(10 * PATIENCE)
 
             def connected():
                 try:
@@ -188,6 +216,16 @@ class Core(Inspected):
             self.process.stdin.write(command.encode() + b"\n")
         self.process.stdin.flush()
 
+    def settle(self):
+        """The UI has handled what was said before: it answers what comes behind it."""
+        self.say("showstatus", "wait uiActivated 20000")
+        self.expect("ui: uiActivated", 20)
+
+    def forget(self):
+        """Drops the lines that came so far."""
+        self.read()
+        self.lines.clear()
+
     def read(self):
         try:
             data = os.read(self.process.stdout.fileno(), 65536)
@@ -226,7 +264,7 @@ class Core(Inspected):
             self.process.stdin.close()
         if self.process.poll() is None:
             try:
-                self.process.wait(10 * SLOW)
+                self.process.wait(10 * PATIENCE)
             except subprocess.TimeoutExpired:
                 self.process.kill()
                 self.process.wait()
@@ -256,6 +294,39 @@ def listens(path, pid):
     return any(f"socket:[{inode}]" in held for inode in inodes)
 
 
+def waking_calls(pids, seconds):
+    """The system calls that each process came back from in that time, as strace sees them."""
+    traces = []
+    for pid in pids:
+        with tempfile.NamedTemporaryFile("r", delete=False) as out:
+            traces.append((out.name, subprocess.Popen(["timeout", str(seconds), "strace", "-f", "-o", out.name, "-p",
+                                                       str(pid)], stderr=subprocess.DEVNULL)))
+    found = []
+    for path, trace in traces:
+        trace.wait()
+        with open(path, encoding="utf-8", errors="replace") as text:
+            calls = text.read().splitlines()
+        os.unlink(path)
+        if not calls:
+            raise AssertionError("strace saw nothing")
+        # A call that was under way at first is listed, and is not over at the end.
+        found.append([call for call in calls if re.search(r"\) += ", call)])
+    return found
+
+
+def until_asleep(*pids, seconds=10, calls=r""):
+    """Waits for so many seconds in which none of the processes wakes; what a start puts off may take a busy machine some.
+    `calls` tells the system calls that count, of which one may come back."""
+    def woken():
+        return [[call for call in each if re.search(calls, call)] for each in waking_calls(pids, seconds)]
+    most = 1 if calls else 0
+    for _ in range(3):
+        found = woken()
+        if all(len(each) <= most for each in found):
+            return
+    raise AssertionError(f"they wake: {found}")
+
+
 class UiTest(unittest.TestCase):
     """A test with a home of its own; start() gives a core with a UI."""
 
@@ -274,8 +345,7 @@ class UiTest(unittest.TestCase):
         return core
 
     def open_dialog(self, core):
-        core.say("showstatus", "wait uiActivated 20000")
-        core.expect("ui: uiActivated", 20)
+        core.settle()
         core.until_state("statusdialog", "shown", "1")
         return until(lambda: self.window(), "the window")
 
@@ -311,11 +381,14 @@ class UiTest(unittest.TestCase):
         return found[0] if found else None
 
     def keys(self, *names):
-        subprocess.run(["xdotool", "key", *names], check=True)
+        xdotool("key", *names)
+
+    def click_at(self, x, y):
+        xdotool("mousemove", x, y, "click", 1)
 
     def run_ui(self, *args, env=None, **kwargs):
         """The bare program: its exit status, stdout and stderr."""
-        done = subprocess.run([UI, *args], capture_output=True, env=env or self.home.env, timeout=30 * SLOW,
+        done = subprocess.run([UI, *args], capture_output=True, env=env or self.home.env, timeout=30 * PATIENCE,
                               check=False, **kwargs)
         return done.returncode, done.stdout.decode(errors="replace"), done.stderr.decode(errors="replace")
 

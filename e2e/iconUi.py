@@ -7,8 +7,8 @@ import subprocess
 import time
 import unittest
 
-from harness import SLOW, UiTest, main, until
-from trays import GTKS, Trays, waking_calls
+from harness import SLOW, UiTest, main, until, until_asleep, xdotool
+from trays import GTKS, Trays
 
 
 class IconUi(Trays, UiTest):
@@ -59,7 +59,7 @@ class IconUi(Trays, UiTest):
         until(self.window, "the dialog")
         self.click(window, 3)
         menu = until(self.menu_windows, "the menu")
-        subprocess.run(["xdotool", "key", "Down", "Down", "Return"], check=True)
+        xdotool("key", "Down", "Down", "Return")
         until(lambda: "infocenter" in core.ask("dialogs").lower(), "the information center")
         until(lambda: not self.menu_windows(), "the end of the menu")
         self.assertTrue(menu)
@@ -127,9 +127,7 @@ class IconUi(Trays, UiTest):
         core = self.ui("-_MuiComms=0")  # other tests knock at every inspection socket
         self.until_shown(core)
         time.sleep(6 * SLOW)  # what follows a start: five scans of the desktop, the wait for an icon
-        for calls in waking_calls([core.ui_pid(), self.helper_pid(core)], seconds=10):
-            waits = [call for call in calls if re.search(r"(select|poll)\w*\(", call)]
-            self.assertLessEqual(len(waits), 1, calls)
+        until_asleep(core.ui_pid(), self.helper_pid(core), calls=r"(select|poll)\w*\(")
 
 
 if __name__ == "__main__":

@@ -6,7 +6,7 @@ import subprocess
 import threading
 import time
 
-from harness import SLOW, UiTest, main, until
+from harness import SLOW, UiTest, main, until, xdotool
 
 TABS = "infocenterdlg.main.tabs"
 STATUS = TABS + ".status."
@@ -54,7 +54,7 @@ class InfoCenter(UiTest):
 
     def focused(self):
         window = until(lambda: self.window("Information Center"), "the information center")
-        subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+        xdotool("windowfocus", "--sync", window)
 
     # Messages
 

@@ -100,8 +100,7 @@ class Languages(UiTest):
                          "14 Bad UTF-8 () for 'de_QA' locale"):
                 self.assertIn(f"{path}:{line}", told)
             core = self.start("user", ["-Locale=de_QA"])
-            core.say("showstatus", "wait uiActivated 20000")
-            core.expect("ui: uiActivated", 20)
+            core.settle()
             until(lambda: self.window("^Unser Server$"), "the window of that name")
             self.assertEqual(core.state(TITLE)["label"], "Identitätsprüfung")
         with self.texts("qb", b"\x00\xff" * 200000) as path:

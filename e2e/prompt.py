@@ -8,18 +8,13 @@ import subprocess
 import time
 import unittest
 
-from harness import SLOW, UI, Inspected, UiTest, main, until
+from harness import PATIENCE, SLOW, UI, Inspected, UiTest, main, string8, until, xdotool
 from xclient import XClient
 
 BODY = "Query.dlglay."
 TEXTS = BODY + "iconlay.vlay."
 BUTTONS = BODY + "btnLyt."
 RETURN, SPACE, F5 = 0xff0d, 0x20, 0xffc2
-
-
-def string8(text):
-    data = text if isinstance(text, bytes) else text.encode()
-    return bytes([len(data)]) + data
 
 
 def frames(name, body=b"", size=32767):
@@ -39,7 +34,7 @@ class Prompt(Inspected):
 
     def __init__(self, home, args=(), dummy=False):
         self.link, child = socket.socketpair()
-        self.link.settimeout(10 * SLOW)
+        self.link.settimeout(10 * PATIENCE)
         self.errors = os.path.join(home.path, "prompt-stderr")
         words = ["-dummy"] if dummy else [str(child.fileno())]
         with open(self.errors, "wb") as errors:
@@ -76,7 +71,7 @@ class Prompt(Inspected):
         until(self.is_shown, "the prompt")
         return self.window()
 
-    def read_result(self, seconds=10.0):
+    def read_result(self, seconds=10.0 * PATIENCE):
         """(sequence, letters, by the user) of the next answer; None if none comes."""
         end = time.monotonic() + seconds * SLOW
         while True:
@@ -116,7 +111,7 @@ class Prompt(Inspected):
 
     def end(self):
         self.link.close()
-        return self.process.wait(10 * SLOW)
+        return self.process.wait(10 * PATIENCE)
 
 
 class PromptTest(UiTest):
@@ -124,7 +119,7 @@ class PromptTest(UiTest):
         super().setUp()
         self.prompts = []
         self.x = XClient()
-        subprocess.run(["xdotool", "mousemove", "5", "5"], check=True)
+        xdotool("mousemove", "5", "5")
 
     def tearDown(self):
         for prompt in self.prompts:
@@ -141,7 +136,7 @@ class PromptTest(UiTest):
         return prompt
 
     def click(self, place):
-        subprocess.run(["xdotool", "mousemove", str(place[0]), str(place[1]), "click", "1"], check=True)
+        self.click_at(*place)
 
     def nothing_answers(self, prompt, seconds=0.3):
         self.assertIsNone(prompt.read_result(seconds))
@@ -223,7 +218,7 @@ class Messages(PromptTest):
         for data in (start(message="x" * 4097), start(rights="F"), long_name, b"\x80\x02\x01\x01", b"\x80\x00"):
             prompt = self.prompt()
             prompt.send(data)
-            self.assertEqual(prompt.process.wait(10 * SLOW), 0, data[:40])
+            self.assertEqual(prompt.process.wait(10 * PATIENCE), 0, data[:40])
             self.assertIsNone(prompt.read_result(1))
         prompt = self.prompt()
         prompt.ask_for(message="x" * 4096)  # this much is allowed
@@ -246,7 +241,7 @@ class Messages(PromptTest):
         self.assertEqual(prompt.state(BUTTONS + "view")["shown"], "1")
         prompt.press("view")
         self.assertEqual(prompt.read_result(), (0, "v", 1))
-        self.assertEqual(prompt.process.wait(10 * SLOW), 0)
+        self.assertEqual(prompt.process.wait(10 * PATIENCE), 0)
 
     def test_bad_calls_are_told(self):
         direct = "This program is not intended to be run directly."
@@ -322,7 +317,7 @@ class Texts(PromptTest):
         for size in ("800x600", "640x480"):
             run = subprocess.run(["tools/with-xvfb", "-s", f"-screen 0 {size}x24 -nolisten tcp", "python3", __file__,
                                   "OnSmallScreen"], cwd=os.path.join(os.path.dirname(os.path.abspath(__file__)), ".."),
-                                 capture_output=True, text=True, timeout=240 * SLOW, check=False,
+                                 capture_output=True, text=True, timeout=240 * PATIENCE, check=False,
                                  env={**os.environ, "ZEF_SCREEN": size})
             self.assertEqual(run.returncode, 0, run.stderr[-3000:])
 
@@ -436,27 +431,27 @@ class Acts(PromptTest):
         prompt = self.prompt()
         for key in ("Return", "space"):
             self.x.repeat_keys(100, 50)
-            subprocess.run(["xdotool", "keydown", key], check=True)
+            xdotool("keydown", key)
             window = prompt.ask_for()
             self.late()
             self.x.focus(window)
             self.late()
             self.nothing_answers(prompt)
-            subprocess.run(["xdotool", "keyup", key], check=True)
+            xdotool("keyup", key)
             self.nothing_answers(prompt)
             self.cancel(prompt)
         prompt.ask_for()
         self.late()
         # A button held down somewhere else and let go over Accept.
-        subprocess.run(["xdotool", "mousemove", "5", "5", "mousedown", "1"], check=True)
+        xdotool("mousemove", "5", "5", "mousedown", "1")
         place = prompt.place(BUTTONS + "accept")
-        subprocess.run(["xdotool", "mousemove", str(place[0]), str(place[1]), "mouseup", "1"], check=True)
+        xdotool("mousemove", *place, "mouseup", "1")
         self.nothing_answers(prompt)
         # And one that pressed Accept of a prompt which another has replaced since.
-        subprocess.run(["xdotool", "mousemove", str(place[0]), str(place[1]), "mousedown", "1"], check=True)
+        xdotool("mousemove", *place, "mousedown", "1")
         prompt.ask_for(name="ben")
         time.sleep(0.7)
-        subprocess.run(["xdotool", "mouseup", "1"], check=True)
+        xdotool("mouseup", "1")
         self.nothing_answers(prompt)
 
     def test_the_keyboard_stays_where_it_is(self):

@@ -7,7 +7,7 @@ import subprocess
 import time
 import unittest
 
-from harness import CORE, SLOW, UiTest, main, until
+from harness import CORE, PATIENCE, SLOW, UiTest, main, until, xdotool
 
 TEXT = "frame.vertLayout.layout.textFrame.text"
 
@@ -38,6 +38,14 @@ class Shell(UiTest):
         state = core.state(str(serial))
         return [int(v) for v in state["pos"].split(",") + state["size"].split(",")]
 
+    def a_popup(self, core):
+        """The serial number of the newest popup, once there is one."""
+        return until(lambda: self.popups(core) and max(self.popups(core)), "a popup")
+
+    def click_popup(self, core, serial):
+        x, y, w, h = self.corner(core, serial)
+        self.click_at(x + w // 2, y + h // 2)
+
     def items(self, core, menu):
         return core.ask(f"menu {menu} listitems").split("\n")
 
@@ -45,11 +53,8 @@ class Shell(UiTest):
         """Whether the window of the status dialog is mapped."""
         return self.window() is not None
 
-    def click_at(self, x, y):
-        subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=True)
-
     def wait_end(self, core):
-        return core.process.wait(20 * SLOW)
+        return core.process.wait(20 * PATIENCE)
 
 
 class Popups(Shell):
@@ -103,8 +108,7 @@ class Popups(Shell):
         core.say("corestatus 1 0 0 0 900 1", "connect a 1.1.1.1 System", "connect b 1.1.1.2 System")
         self.until_popups(core, ['User "b" has connected. Number of connected users: 2'])
         serial = max(self.popups(core))
-        x, y, w, h = self.corner(core, serial)
-        self.click_at(x + w // 2, y + h // 2)
+        self.click_popup(core, serial)
         core.expect("ui: uiActivated")
         time.sleep(1.2 * SLOW)  # beyond its time, had it one
         self.assertEqual(list(self.popups(core)), [serial])
@@ -118,7 +122,7 @@ class Popups(Shell):
         core = self.start()
         until(lambda: self.items(core, "tray"), "the start")
         core.say("corestatus 1 0 0 0 60000 0", "connect a 1.1.1.1 System")
-        serial = until(lambda: self.popups(core) and max(self.popups(core)), "a popup")
+        serial = self.a_popup(core)
         x, y, w, h = self.corner(core, serial)
         for dx, dy in ((10, 10), (w // 2, h // 2)):  # on the picture, then on the text of the next
             core.ask("close statusdialog")
@@ -136,10 +140,9 @@ class Popups(Shell):
         core.ask("menu tray invoke Stop Velthar Server")
         until(lambda: "messagebox" in core.ask("dialogs"), "the question")
         core.say("corestatus 1 0 0 0 60000 0", "connect a 1.1.1.1 System")
-        serial = until(lambda: self.popups(core) and max(self.popups(core)), "a popup")
+        serial = self.a_popup(core)
         x, y, w, h = self.corner(core, serial)
-        core.read()
-        core.lines.clear()
+        core.forget()
         self.click_at(x + w // 2, y + h // 2)
         core.expect("ui: uiActivated")
 
@@ -149,12 +152,12 @@ class Popups(Shell):
             if shutil.which("xmessage") else None
         try:
             window = self.open_dialog(core)
-            subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+            xdotool("windowfocus", "--sync", window)
             focus = subprocess.check_output(["xdotool", "getwindowfocus"])
             core.say("corestatus 1 0 0 0 60000 0", "connect a 1.1.1.1 System")
-            serial = until(lambda: self.popups(core) and max(self.popups(core)), "a popup")
+            serial = self.a_popup(core)
             x, y, w, h = self.corner(core, serial)
-            subprocess.run(["xdotool", "mousemove", str(x + w // 2), str(y + h // 2)], check=True)
+            xdotool("mousemove", x + w // 2, y + h // 2)
             time.sleep(0.3 * SLOW)
             self.assertEqual(subprocess.check_output(["xdotool", "getwindowfocus"]), focus)
         finally:
@@ -181,7 +184,7 @@ class Popups(Shell):
     def undock(self, panel):
         if panel.poll() is None:
             panel.stdin.close()
-            panel.wait(10 * SLOW)
+            panel.wait(10 * PATIENCE)
 
     def test_popups_stand_beside_panels_and_follow_them(self):
         core = self.start()
@@ -202,7 +205,7 @@ class Popups(Shell):
         for corner, x, y in ((1, 0, 0), (2, None, 0), (3, 0, None), (4, None, None)):
             core = self.start(args=[f"-NotificationPos={corner}"])
             core.say("corestatus 1 0 0 0 600000 0", "connect a 1.1.1.1 System")
-            serial = until(lambda: self.popups(core) and max(self.popups(core)), "a popup")
+            serial = self.a_popup(core)
             px, py, w, h = self.corner(core, serial)
             self.assertEqual((px, py), (1920 - w if x is None else x, 1200 - h if y is None else y), corner)
             core.end()
@@ -234,8 +237,7 @@ class Popups(Shell):
         text = "3 files <b>moved</b>"
         core.say("message fopsNotification " + bytes([len(text)]).hex() + text.encode().hex())
         self.until_popups(core, [text])
-        x, y, w, h = self.corner(core, max(self.popups(core)))
-        self.click_at(x + w // 2, y + h // 2)
+        self.click_popup(core, max(self.popups(core)))
         core.expect("ui: uiActivated")
         until(lambda: not self.popups(core), "its end")
 
@@ -302,7 +304,7 @@ class Menus(Shell):
     def test_keys_and_pointer_choose(self):
         core = self.start()
         window = self.open_dialog(core)
-        subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+        xdotool("windowfocus", "--sync", window)
         core.ask("click statusdialog.header.setting")
         time.sleep(0.2 * SLOW)
         index = self.items(core, "moreMenu").index("About...") + 1

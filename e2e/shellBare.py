@@ -31,9 +31,7 @@ class Bare(Shell):
     def test_popups_lead_to_it(self):
         core = self.start()
         core.say("corestatus 2 0 0 0 60000 0", "connect a 1.1.1.1 System")
-        serial = until(lambda: self.popups(core) and max(self.popups(core)), "a popup")
-        x, y, w, h = self.corner(core, serial)
-        self.click_at(x + w // 2, y + h // 2)
+        self.click_popup(core, self.a_popup(core))
         until(lambda: self.visible(core), "the dialog")
 
 

@@ -3,9 +3,8 @@ import os
 import re
 import subprocess
 import time
-import unittest
 
-from harness import CORE, SLOW, UiTest, main, until
+from harness import CORE, SLOW, UiTest, main, until, until_asleep, xdotool
 
 HEADER = "statusdialog.header."
 CONN = "statusdialog.main.connectivity."
@@ -27,7 +26,7 @@ class StatusDialog(UiTest):
         core.until_state(CONN + "connText", "label", "192.168.4.17")
 
     def focus(self, window):
-        subprocess.run(["xdotool", "windowfocus", "--sync", window], check=True)
+        xdotool("windowfocus", "--sync", window)
 
     def test_every_node_shows_at_once(self):
         core, _ = self.opened()
@@ -115,23 +114,15 @@ class StatusDialog(UiTest):
     def test_it_sleeps_when_nothing_happens(self):
         core, _ = self.opened()
         self.fill(core)
-        pid = core.ui_pid()
         time.sleep(5 * SLOW)  # the fallback timer of the start is over
-        calls = os.path.join(self.home.path, "calls")
-        subprocess.run(["timeout", "10", "strace", "-qq", "-f", "-p", str(pid), "-o", calls], check=False)
-        with open(calls, encoding="utf-8") as text:
-            lines = text.read().splitlines()
-        # The wait that was under way, and nothing else.
-        self.assertEqual(len(lines), 1, lines)
-        self.assertIn("select", lines[0])
+        until_asleep(core.ui_pid())
 
     def test_keys_alone_reach_every_button_and_link(self):
         core, window = self.opened()
         self.fill(core)
         self.focus(window)
         seen = set()
-        core.read()
-        core.lines.clear()
+        core.forget()
         for _ in range(14):
             self.keys("Tab")
             self.keys("Return")
@@ -174,12 +165,11 @@ class StatusDialog(UiTest):
         # The buttons stand in a row at the right end of the header: alert is the third from the right.
         x = left + width - 9 - 3 * size[0] - 2 * 8 + size[0] // 2
         y = top + 5 + size[1] // 2
-        core.read()
-        core.lines.clear()
+        core.forget()
         before = self.window_count()
-        subprocess.run(["xdotool", "mousemove", str(x), str(y)], check=True)
+        xdotool("mousemove", x, y)
         until(lambda: self.window_count() > before, "a tooltip")
-        subprocess.run(["xdotool", "click", "1"], check=True)
+        xdotool("click", "1")
         core.expect("ui: updateStatus")
 
     def window_count(self):

@@ -6,20 +6,14 @@ import select
 import socket
 import struct
 import subprocess
-import tempfile
 import unittest
 
 import harness
-from harness import SLOW, UI, until
+from harness import PATIENCE, UI, message, string8, until, xdotool
 
 ROOT = 0xFFFFFFFF
 WATCHER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "trayWatcher.py")
 GTKS = ("libgtk-x11-2.0.so.0", "libgtk-3.so.0")
-
-
-def string8(text):
-    data = text.encode() if isinstance(text, str) else text
-    return bytes([len(data)]) + data
 
 
 def u32(value):
@@ -40,8 +34,7 @@ class Helper:
         self.came = []
 
     def send(self, name, *fields):
-        body = string8(name) + b"".join(fields)
-        self.raw(struct.pack(">H", 0x8000 | len(body)) + body)
+        self.raw(message(name, b"".join(fields)))
 
     def raw(self, data):
         self.link.sendall(data)
@@ -61,16 +54,16 @@ class Helper:
             rest = body[1 + body[0]:]
             self.came.append((name, *([int.from_bytes(rest, "big")] if rest else [])))
 
-    def expect(self, *message, seconds=10.0):
+    def expect(self, *expected, seconds=10.0):
         """Waits for a message, taken with all before it."""
         def look():
             self.read()
-            if message not in self.came:
+            if expected not in self.came:
                 return False
-            del self.came[:self.came.index(message) + 1]
+            del self.came[:self.came.index(expected) + 1]
             return True
         try:
-            until(look, str(message), seconds)
+            until(look, str(expected), seconds)
         except AssertionError as failure:
             raise AssertionError(f"{failure}; came: {self.came}; stderr: {self.log()}") from None
 
@@ -96,7 +89,7 @@ class Helper:
         self.send("create", u32(kind))
 
     def status(self, seconds=10.0):
-        return self.process.wait(seconds * SLOW)
+        return self.process.wait(seconds * PATIENCE)
 
     def end(self):
         """Closes the link; the status."""
@@ -130,27 +123,7 @@ class Watcher:
     def end(self):
         self.process.stdin.close()
         self.process.stdout.close()
-        self.process.wait(10 * SLOW)
-
-
-def waking_calls(pids, seconds):
-    """The system calls that each process came back from in that time, as strace sees them."""
-    traces = []
-    for pid in pids:
-        with tempfile.NamedTemporaryFile("r", delete=False) as out:
-            traces.append((out.name, subprocess.Popen(["timeout", str(seconds), "strace", "-f", "-o", out.name, "-p",
-                                                       str(pid)], stderr=subprocess.DEVNULL)))
-    found = []
-    for path, trace in traces:
-        trace.wait()
-        with open(path, encoding="utf-8", errors="replace") as text:
-            calls = text.read().splitlines()
-        os.unlink(path)
-        if not calls:
-            raise AssertionError("strace saw nothing")
-        # A call that was under way at first is listed, and is not over at the end.
-        found.append([call for call in calls if re.search(r"\) += ", call)])
-    return found
+        self.process.wait(10 * PATIENCE)
 
 
 class Trays:
@@ -250,8 +223,7 @@ class Trays:
 
     def click(self, window, button):
         x, y, width, height = self.place(window)
-        subprocess.run(["xdotool", "mousemove", str(x + width // 2), str(y + height // 2), "click", str(button)],
-                       check=True)
+        xdotool("mousemove", x + width // 2, y + height // 2, "click", button)
 
     def menu_windows(self):
         tree = self.window_tree()
