@@ -3,17 +3,16 @@
 #include "os/test/TestChild.h"
 #include "os/test/ordinaryUser.h"
 #include "plat/Exception.h"
+#include "plat/test/CapturedLog.h"
+#include "plat/test/FailingCalls.h"
 #include "plat/test/TempDir.h"
-#include "plat/test/thrown.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <csignal>
 #include <fstream>
 #include <memory>
 #include <string>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -59,16 +58,23 @@ TEST(LockFile, RemovesOnlyItsOwn) {
     }
 }
 
-TEST(LockFile, LeavesNothingWhenItCantBeWritten) {
+TEST(LockFile, LeavesNothingWhenItCantBeWrittenAndBearsInterruptions) {
     const plat::TempDir dir;
-    plat::inChild([&dir] {
-        signal(SIGXFSZ, SIG_IGN);
-        const rlimit none{0, 0};
-        setrlimit(RLIMIT_FSIZE, &none);
-        EXPECT_EQ(plat::whatOf([&] { LockFile lock((dir / "lock").c_str()); }),
-                  "Failed to write lockfile contents: File too large");
-        EXPECT_NE(access((dir / "lock").c_str(), F_OK), 0);
-    });
+    const std::string path = dir / "lock";
+    for (const char* function : {"write", "close"}) {
+        const plat::FailingCalls failing(function, ENOSPC);
+        EXPECT_EQ(plat::whatOf([&path] { LockFile lock(path.c_str()); }),
+                  "Failed to write lockfile contents: No space left on device");
+        EXPECT_NE(access(path.c_str(), F_OK), 0) << function;
+    }
+    const plat::FailingCalls interrupted("write", EINTR, 2);
+    const plat::ShortCounts one(1);
+    auto lock = std::make_unique<LockFile>(path.c_str());
+    EXPECT_EQ(readText(path), std::to_string(getpid()) + "\n");
+    plat::CapturedLog log;
+    const plat::FailingCalls kept("unlink", EACCES);
+    lock.reset();
+    EXPECT_TRUE(log.has("0 LockFile: unlink(" + path + "): Permission denied"));
 }
 
 } // namespace
