@@ -130,6 +130,7 @@ class Trays:
     """What a test with icons has at hand: `home`, and `env` for what is started under it."""
 
     def set_up_trays(self):
+        xdotool("mousemove", 5, 5)  # where a test before left it, a tooltip would cover the icon
         self.started = []
         self.env = self.home.env
         for name in ("DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"):
