@@ -284,7 +284,7 @@ size_t TextLine::placeBeside(size_t pos, bool right) const {
     size_t edge = edgeOf[boundaryAt(pos)];
     if (right ? edge == clusters.size() : edge == 0)
         return pos;
-    edge += right ? 1 : -1;
+    edge = right ? edge + 1 : edge - 1;
     return placeOf(boundaryOf[edge]);
 }
 
