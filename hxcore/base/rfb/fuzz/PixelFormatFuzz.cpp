@@ -1,12 +1,14 @@
 // Pixel formats as text and from the wire: whatever is valid prints, and a text form that parses again is the same.
 #include "rdr/MemInStream.h"
 #include "rfb/Colour.h"
+#include "rfb/ColourMap.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/TransPixelBuffer.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 namespace {
@@ -39,8 +41,12 @@ void checkWire(const uint8_t* data, size_t size) {
         return;
     uint8_t pixels[16] = {1, 2, 3, 4, 0xff, 0xff, 0xff, 0xff};
     const rfb::FullFramePixelBuffer source(pf, rfb::Rect(0, 0, 2, 2), pixels, 2);
+    const rfb::ColorCubeOrth cube(3);
+    const rfb::PixelFormat* const targets[] = {&rfb::pfARGB8888(), &rfb::pfRGB888(), &rfb::pfRGB565(), &rfb::pfRGB222(),
+                                               &rfb::pfIndexed8()};
     rfb::TransPixelBuffer out(/*channelTables16=*/true);
-    out.setPF(rfb::pfARGB8888());
+    out.setColourMap(&cube);
+    out.setPF(*targets[size > 16 ? data[16] % std::size(targets) : 0]);
     out.setSource(&source);
     uint32_t result[4];
     out.getImage(result, out.getRect());
