@@ -23,6 +23,16 @@ struct LabelTest : testing::Test {
     const hxutil::Font& font = *defaultStyle().font;
 
     int widthOf(const char* text) const { return font.stringWidth(text); }
+    Rect ink() const {
+        Rect all;
+        for (int y = 0; y < 100; ++y) {
+            for (int x = 0; x < 200; ++x) {
+                if (window.pixelAt(x, y) == 0)
+                    all = all.unionBoundary(Rect::xywh(x, y, 1, 1));
+            }
+        }
+        return all;
+    }
 };
 
 TEST_F(LabelTest, PreferredSizeIsTheWidestLineAndTheMargins) {
