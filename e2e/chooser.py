@@ -25,6 +25,7 @@ class ChooserTest(gallery.GalleryTest):
 
     def tearDown(self):
         os.chdir("/")
+        gallery.Gallery.through = ()
         super().tearDown()
 
     def write(self, name):
@@ -145,6 +146,29 @@ class ChooserTest(gallery.GalleryTest):
         self.keys("Tab", "Tab", "Home", "Return")
         until(lambda: self.gallery.state(self.chosen).get("value", "").startswith("access: No such file"), "the reason")
         self.gallery.until_state("saveDlg", "shown", "0")
+
+
+    def test_a_folder_without_access_is_seen_and_not_entered(self):
+        if os.geteuid() == 0:  # who may read everything
+            gallery.Gallery.through = ("setpriv", "--bounding-set", "-dac_override,-dac_read_search")
+        os.chmod("alpha", 0)
+        self.open()
+        self.until_rows("alpha", "beta", "one.txt", "two.txt")
+        listed = self.gallery.ask(f"listitems {BROWSE}files").split("\n")
+        self.assertEqual([line.split('"')[1] for line in listed[:2]], ["filedlg_folder_noaccess", "filedlg_folder"])
+        self.assertEqual(self.gallery.ask(f"select {BROWSE}files 0"), "0")
+        self.click("files", 0, "--repeat", "2", "--delay", "50")
+        self.click("files", 2)
+        self.until_name("one.txt")
+        self.assertEqual(self.gallery.state(FOLDER)["value"], self.folder)
+        # Neither a file in a folder that can't be written to, nor a folder, is to be saved over.
+        os.chmod("beta", 0o500)
+        self.click("files", 1, "--repeat", "2", "--delay", "50")
+        self.gallery.until_state(FOLDER, "value", self.folder + "/beta")
+        self.gallery.ask(f"settext {NAME} new.txt")
+        self.gallery.until_state("saveDlg.buttons.save", "enabled", "0")
+        os.chmod("alpha", 0o700)
+        os.chmod("beta", 0o700)
 
 
 def load_tests(_loader, _tests, _pattern):

@@ -13,8 +13,11 @@ PAGES = ["Buttons", "Choices", "Fields", "Texts", "Scripts", "Lists", "Frames", 
 
 
 class Gallery(harness.Inspected):
+    through = ()  # a command that runs it
+
     def __init__(self, home, *args):
-        self.process = subprocess.Popen([os.path.join(harness.BIN, "zefgallery"), "-_MuiComms", *args], env=home.env)
+        self.process = subprocess.Popen([*self.through, os.path.join(harness.BIN, "zefgallery"), "-_MuiComms", *args],
+                                        env=home.env)
 
     def ui_pid(self):
         return self.process.pid

@@ -1,7 +1,8 @@
 """Somebody without sense at the gallery: keys, clicks, drags, resizes, and a window manager that comes and goes.
 
 The program must answer throughout, lose no descriptor, and end well. ZEF_MONKEY_SEED repeats a run (but for its timing),
-ZEF_MONKEY_SECONDS makes it longer, ZEF_MONKEY_ARGS gives the gallery parameters."""
+ZEF_MONKEY_SECONDS makes it longer, ZEF_MONKEY_ARGS gives the gallery parameters, ZEF_MONKEY_THROUGH is a command that
+runs it, such as "valgrind -q --error-exitcode=9"."""
 import contextlib
 import os
 import random
@@ -14,6 +15,7 @@ from harness import SLOW, until
 
 SEED = int(os.environ.get("ZEF_MONKEY_SEED", "20"))
 SECONDS = float(os.environ.get("ZEF_MONKEY_SECONDS", "20"))
+THROUGH = os.environ.get("ZEF_MONKEY_THROUGH", "").split()
 ARGS = os.environ.get("ZEF_MONKEY_ARGS", "").split()
 PAGES = 13
 WIDTH, HEIGHT = 1280, 1024
@@ -166,7 +168,7 @@ class MonkeyTest(unittest.TestCase):
         self.xdotool(*["key Escape"] * 10)
         self.check()
         with open(f"/proc/{self.gallery.ui_pid()}/status", encoding="utf-8") as text:
-            print("".join(line for line in text if line.startswith("VmRSS")), end="")
+            print("".join(line for line in text if line.startswith("VmRSS")), end="", flush=True)
         # The last first: a dialog that blocks holds up the end.
         for line in reversed(self.gallery.ask("dialogs").split("\n")):
             self.gallery.tell("close " + line.split(" ")[0])
@@ -175,8 +177,8 @@ class MonkeyTest(unittest.TestCase):
 
 class Inspectable(harness.Inspected):
     def __init__(self, home):
-        self.process = subprocess.Popen([os.path.join(harness.BIN, "zefgallery"), "-_MuiComms", *ARGS], env=home.env,
-                                        cwd=home.path)
+        self.process = subprocess.Popen([*THROUGH, os.path.join(harness.BIN, "zefgallery"), "-_MuiComms", *ARGS],
+                                        env=home.env, cwd=home.path)
 
     def ui_pid(self):
         return self.process.pid

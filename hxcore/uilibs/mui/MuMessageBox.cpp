@@ -6,13 +6,17 @@
 #include "mui/MuFrame.h"
 #include "mui/MuImage.h"
 #include "mui/MuLayout.h"
+#include "mui/MuScroll.h"
 #include "mui/MuText.h"
 #include "os/AppInfo.h"
 #include "plat/DString.h"
 
+#include <algorithm>
+
 namespace mui {
 namespace {
 constexpr int widthUnits = 800;
+constexpr int widestUnits = 1200;
 constexpr int iconUnits = 64;
 
 const char* imageOf(MuMessageBox::Icon icon) {
@@ -53,14 +57,35 @@ MuMessageBox::MuMessageBox(MuDialog* parent, const char* title, Icon icon, std::
     const int iconSize = hxutil::scaled(iconUnits);
     MuImage* image = MuImage::create(split, "icon", imageOf(icon), {iconSize, iconSize});
     split->setChildLayout(image, MuLayout::Natural | MuLayout::Start);
-    text = MuText::create(split, icon == Icon::Info ? "info" : "msg", joined(messages).c_str());
-    split->setChildLayout(text, MuLayout::Stretch | MuLayout::Centre);
+    makeText(split, icon == Icon::Info ? "info" : "msg", joined(messages).c_str(), iconSize);
     buttonBar = std::make_unique<MuButtonBar>(dialog.get(), buttons);
     // Escape presses the only button there is.
     if (!dialog->getActionButton(MuDialog::ActionCancel) && (buttons & (buttons - 1)) == 0)
         dialog->setActionButton(MuDialog::ActionCancel, dialog->getActionButton(MuDialog::ActionDefault));
     dialog->setDefaultFocus(dialog->getActionButton(MuDialog::ActionDefault));
     dialog->addObserver(this, /*add=*/true);
+}
+
+/// A long text makes the box wider, one that is longer still scrolls: the buttons stay in view.
+void MuMessageBox::makeText(MuLayout* split, const char* name, const char* markup, int iconSize) {
+    text = MuText::create(split, name, markup);
+    split->setChildLayout(text, MuLayout::Stretch | MuLayout::Centre);
+    const int beside = 2 * Mui::instance()->metric(MetricDialogMargin) + iconSize + split->getSpacing();
+    const int tallest = dialog->getScreenArea().height() / 2;
+    int width = hxutil::scaled(widthUnits);
+    if (text->getMinHeight(width - beside) <= width / 2)
+        return;
+    width = std::clamp(dialog->getScreenArea().width(), width, hxutil::scaled(widestUnits));
+    dialog->setSize({width, dialog->getSize().y});
+    if (text->getMinHeight(width - beside) <= tallest)
+        return;
+    split->remove(text);
+    // Without names: the text is found where it always is.
+    MuLayout* column = MuLayout::create(split, "", Orientation::Vertical);
+    split->setChildLayout(column, MuLayout::Stretch);
+    MuScroll* scroll = MuScroll::create(column, "");
+    column->setChildLayout(scroll, MuLayout::Fixed, tallest);
+    text = MuText::create(scroll, name, markup);
 }
 
 MuMessageBox::~MuMessageBox() { dialog->addObserver(this, /*add=*/false); }

@@ -11,6 +11,7 @@
 namespace mui {
 
 class MuButtonBar;
+class MuLayout;
 class MuText;
 
 /// The dialog "messagebox": tells or asks something and says how it ended.
@@ -41,6 +42,8 @@ public:
                         unsigned buttons);
 
 private:
+    void makeText(MuLayout* split, const char* name, const char* markup, int iconSize);
+
     // MuObserver
     void muActivated(MuElement* element) override;
     void muClosed(MuDialog*) override;

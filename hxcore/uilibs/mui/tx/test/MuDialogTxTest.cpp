@@ -5,6 +5,7 @@
 #include "mui/MuLayout.h"
 #include "mui/MuMessageBox.h"
 #include "mui/MuStatic.h"
+#include "mui/MuText.h"
 #include "registerBuiltInResources.h"
 #include "rfb/keySymbols.h"
 #include "tx/atoms.h"
@@ -186,6 +187,26 @@ TEST_F(DialogTxTest, ABlockingQuestionReturnsOnceItIsClosed) {
     box.show();
     EXPECT_NE(heard.find("messagebox/3 "), std::string::npos);
     EXPECT_EQ(box.getResult(), 0U);
+}
+
+TEST_F(DialogTxTest, AMessageOfAnyLengthLeavesTheButtonsInView) {
+    std::string words;
+    for (int i = 0; i < 2000; ++i)
+        words += "word ";
+    for (const std::string& message : {std::string("Short."), words.substr(0, 2500), words, std::string(8000, 'x')}) {
+        MuMessageBox box(nullptr, "Title", MuMessageBox::Icon::Info, {message.c_str()}, MuButtonBar::Ok);
+        box.show();
+        ASSERT_TRUE(waitFor([&] { return windowOf(*box.getDialog())->isMapped(); }));
+        MuDialog& dialog = *box.getDialog();
+        const rfb::Rect area = dialog.getScreenArea();
+        EXPECT_LE(dialog.getSize().y, area.height());
+        EXPECT_LE(dialog.getSize().x, area.width());
+        MuElement* const ok = dialog.findElement("buttons.ok");
+        EXPECT_LE(ok->getRootPosition().y + ok->getSize().y, dialog.getRootPosition().y + dialog.getSize().y);
+        MuElement* const text = dialog.findElement("main.frame.split.info");
+        ASSERT_EQ(text, static_cast<MuElement*>(box.getText()));
+        EXPECT_LE(text->getMinHeight(text->getSize().x), text->getSize().y) << "all of it can be scrolled to";
+    }
 }
 
 TEST_F(DialogTxTest, ABorderLiesRoundTheContent) {
