@@ -3,6 +3,7 @@
 #include "XTest.h"
 #include "plat/Configuration.h"
 #include "plat/test/CapturedLog.h"
+#include "tx/InputSources.h"
 #include "tx/TXWRoot.h"
 #include "wvw/WBevelButton.h"
 
@@ -214,6 +215,28 @@ TEST_F(ConsentTest, ByPolicyInjectedInputIsIgnoredAndSaidSo) {
     EXPECT_EQ(taken(), 1);
     fire(6000);
     EXPECT_EQ(tx::TXWRoot::instance().popupCount(), popups);
+}
+
+// Without the extension nobody can tell, so that the policy turns all of it down; and says so.
+TEST_F(ConsentTest, WhereSourcesAreUnknownThePolicyForbidsAll) {
+    if (tx::InputSources::instance().watch(true)) {
+        tx::InputSources::instance().watch(false);
+        GTEST_SKIP() << "this server tells them";
+    }
+    show();
+    press(XK_Return, /*afterMs=*/1010);
+    EXPECT_EQ(taken(), 1);
+    parent.show(false);
+    localOnly();
+    const plat::CapturedLog log;
+    const size_t popups = tx::TXWRoot::instance().popupCount();
+    show();
+    EXPECT_TRUE(log.has("0 ConsentGuard: this X server can't tell local input from injected input: only a time-out "
+                        "can decide"));
+    press(XK_Return, /*afterMs=*/1010);
+    click();
+    EXPECT_EQ(taken(), 0);
+    EXPECT_EQ(tx::TXWRoot::instance().popupCount(), popups + 1); // the hint
 }
 
 // A program that isn't driven by events, such as inspection, is no person either.

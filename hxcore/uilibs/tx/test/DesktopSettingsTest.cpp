@@ -1,5 +1,6 @@
 // A desktop that states its look, well or badly.
 #include "tx/DesktopSettings.h"
+#include "SettingsManager.h"
 #include "XTest.h"
 #include "hxutil/metrics.h"
 #include "plat/Configuration.h"
@@ -28,27 +29,13 @@ struct DesktopSettingsTest : XTest, tx::DesktopSettings::Callback {
     void setResources(const std::string& text, const char* type = "STRING") {
         other.setProperty(other.root(), "RESOURCE_MANAGER", type, 8, text.data(), static_cast<int>(text.size()));
     }
-    /// A manager of settings, which takes the place of an older one and says so.
     Window startManager(const char* theme) {
-        const Window window = other.makeWindow();
-        setTheme(window, theme);
-        XSetSelectionOwner(other.display, other.atom("_XSETTINGS_S0"), window, tx::currentTime);
-        XEvent event{};
-        event.xclient.type = ClientMessage;
-        event.xclient.window = other.root();
-        event.xclient.message_type = other.atom("MANAGER");
-        event.xclient.format = 32;
-        event.xclient.data.l[1] = static_cast<long>(other.atom("_XSETTINGS_S0"));
-        XSendEvent(other.display, other.root(), False, StructureNotifyMask, &event);
+        const Window window = startSettingsManager(other, theme);
         pump();
         return window;
     }
-    void setTheme(Window manager, const std::string& theme) {
-        std::string bytes("\0\0\0\0\1\0\0\0\1\0\0\0\1\0\15\0Net/ThemeName\0\0\0\1\0\0\0", 36);
-        bytes += static_cast<char>(theme.size());
-        bytes += std::string(3, '\0') + theme + std::string((4 - theme.size() % 4) % 4, '\0');
-        other.setProperty(manager, "_XSETTINGS_SETTINGS", "_XSETTINGS_SETTINGS", 8, bytes.data(),
-                          static_cast<int>(bytes.size()));
+    void setTheme(Window manager, const char* theme) {
+        writeTheme(other, manager, theme);
         pump();
     }
 

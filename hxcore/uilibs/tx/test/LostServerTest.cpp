@@ -3,6 +3,7 @@
 #include "XServer.h"
 #include "XTest.h"
 #include "plat/Exception.h"
+#include "plat/test/TempDir.h"
 #include "tx/TXDialog.h"
 #include "tx/TXMsgBox.h"
 #include "wvw/WCanvas.h"
@@ -83,6 +84,22 @@ TEST(NoServerDeathTest, IsAnExceptionThatNamesTheDisplay) {
         _exit(2);
     };
     EXPECT_EXIT(openNothing(), testing::ExitedWithCode(0), "");
+}
+
+void failToFindAFont() {
+    const plat::TempDir dir;
+    plat::writeTextFile(dir / "fonts.dir", "0\n");
+    XServer server;
+    tx::TXInit(server.display());
+    std::string fontDir = dir.root;
+    char* path[] = {fontDir.data()};
+    XSetFontPath(tx::dpy, path, 1);
+    tx::getDefaultFont();
+}
+
+TEST(NoFontDeathTest, EndsTheProcessThatNeedsOne) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(failToFindAFont(), testing::ExitedWithCode(1), "^Failed to load any font\n$");
 }
 
 /// A dialog with buttons from nothing to a picture that rests, through the relay.
