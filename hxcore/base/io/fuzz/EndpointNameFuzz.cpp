@@ -1,17 +1,9 @@
 // Names with the default port and the display limit that the first byte chooses: what is read prints and reads back.
 #include "io/endpointName.h"
-#include "loc/Localize.h"
-#include "plat/LogSrc.h"
+#include "io/fuzz/quietEnglish.h"
 
 #include <cstdlib>
 #include <string>
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    plat::logSetSpec("");
-    plat::logActivate();
-    loc::Localize::instance().init();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0)

@@ -1,7 +1,6 @@
 // URIs: what is read prints, and reads back as the same record.
 #include "io/endpointUri.h"
-#include "loc/Localize.h"
-#include "plat/LogSrc.h"
+#include "io/fuzz/quietEnglish.h"
 
 #include <cstdlib>
 #include <string>
@@ -20,13 +19,6 @@ bool same(const io::endpoint::Uri& a, const io::endpoint::Uri& b) {
     return true;
 }
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    plat::logSetSpec("");
-    plat::logActivate();
-    loc::Localize::instance().init();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);

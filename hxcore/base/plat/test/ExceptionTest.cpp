@@ -2,6 +2,7 @@
 
 #include "plat/Assert.h"
 #include "plat/test/CapturedLog.h"
+#include "plat/test/inChild.h"
 
 #include <gtest/gtest.h>
 
@@ -92,6 +93,7 @@ public:
 };
 
 void failWithLog() {
+    LogRegistryTest::startOver(); // whatever the tests before have logged
     StderrLog log;
     setAssertFlushHook([] { std::fputs("flushed\n", stderr); });
     ASSERT_TEXT(2 < 1, "for %s", "show");

@@ -26,8 +26,8 @@ constexpr uint32_t slowEmbedMs = 5000; // what a GNOME desktop takes, or one whe
 constexpr uint32_t firstRestartMs = 1000;
 constexpr uint32_t restartFactor = 5;
 constexpr int restartLimit = 5;
-constexpr int64_t soundLifeMs = 10 * 60 * 1000;
-constexpr size_t unsentLimitBytes = 256 * 1024; // a helper that takes nothing is as good as dead
+constexpr int64_t soundLifeMs = int64_t{10} * 60 * 1000;
+constexpr size_t unsentLimitBytes = size_t{256} * 1024; // a helper that takes nothing is as good as dead
 
 bool isGnome(DesktopEnvironment::Kind kind) {
     return kind == DesktopEnvironment::Kind::GnomeClassic || kind == DesktopEnvironment::Kind::GnomeShell;
@@ -218,11 +218,9 @@ void StatusIconGtk::beginEmbedding() {
     const Kind kind = environment.kind();
     iconType = IconType::GtkStatusIcon;
     uint32_t waitMs = embedMs;
-    if (isGnome(kind))
-        waitMs = slowEmbedMs;
-    else if (isUnity(kind) && callback->canUseIndicator())
+    if (isUnity(kind) && callback->canUseIndicator())
         iconType = IconType::AppIndicator;
-    else if (isUnity(kind))
+    else if (isGnome(kind) || isUnity(kind))
         waitMs = slowEmbedMs;
     embedded = false;
     exhausted = false;
