@@ -175,22 +175,6 @@ class GalleryTest(unittest.TestCase):
                 self.keys("Escape")
                 self.gallery.until_state(name, "shown", "0")
 
-    def test_a_file_is_chosen_by_keys(self):
-        folder = os.path.join(self.home.path, "chosen")
-        os.mkdir(folder)
-        with open(os.path.join(folder, "picture.png"), "w", encoding="ascii") as out:
-            out.write("x")
-        self.start()
-        self.go_to(10)
-        self.gallery.ask("click " + self.gallery.page(10, ".open"))
-        self.gallery.until_state("saveDlg", "shown", "1")
-        window = until(lambda: self.find("^Open$"), "its window")
-        xdotool("windowfocus", "--sync", window)
-        xdotool("type", "--delay", "30", folder + "/p")
-        self.gallery.until_state("saveDlg.mainLyt.name", "value", folder + "/picture.png")
-        self.keys("Return")
-        self.gallery.until_state(self.gallery.page(10, ".chosen"), "value", folder + "/picture.png")
-
     def test_the_plain_chooser_takes_keys_and_the_pointer(self):
         folder = os.path.join(self.home.path, "plain")
         os.makedirs(os.path.join(folder, "sub"))

@@ -173,6 +173,8 @@ MuElement* MuiCommands::findDialog(std::string_view name) {
     for (const auto& [number, dialog] : mui->getDialogs())
         if (isSerial ? number == serial : !name.empty() && name == dialog->getName())
             return dialog;
+    if (isSerial)
+        throw plat::Exception("map::at"); // what drivers look for in the log
     return nullptr;
 }
 

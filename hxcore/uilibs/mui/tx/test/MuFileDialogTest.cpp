@@ -101,8 +101,10 @@ TEST_F(FileDialogTest, AFileIsChosenFromTheList) {
 }
 
 TEST_F(FileDialogTest, FiltersHideAndFoldersAreEntered) {
-    ASSERT_TRUE(open("PNG", "Pictures"));
-    EXPECT_EQ(rows(), "folder one.png ");
+    for (const char* patterns : {"PNG", ".png", "gif,,.pNg"}) {
+        ASSERT_TRUE(open(patterns, "Pictures"));
+        EXPECT_EQ(rows(), "folder one.png ") << patterns;
+    }
     auto* filter = element<MuChoice>("mainLyt.filterLyt.filter");
     filter->setSelected(0);
     filter->notify(EventChanged);
@@ -142,6 +144,9 @@ TEST_F(FileDialogTest, SavingKeepsTheExtensionAndFoldersCanBeChosen) {
     EXPECT_EQ(start, 0);
     button("save")->notify(EventActivated);
     EXPECT_EQ(answer(), "chosen report.tar.gz");
+    chooser->showSave("Save", (dir / "report").c_str(), nullptr, nullptr, true);
+    name()->getSelection(&start, &end);
+    EXPECT_EQ(end, 6) << "all of a name without an extension";
     chooser->showOpen("Choose", (dir / "missing/deep").c_str(), nullptr, nullptr, false);
     ASSERT_TRUE(found());
     EXPECT_STREQ(element<MuSuperbox>("mainLyt.folderLyt.folder")->getText(), "/") << "its folder doesn't exist";
