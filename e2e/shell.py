@@ -70,7 +70,7 @@ class Popups(Shell):
                  ("%3Cb%3Ex%3C/b%3E%26amp;", "System", 'User "<b>x</b>&amp;" has'),
                  ("a%07%0A%E2%80%AEb", "System", 'User "a b" has'),
                  ("%EF%BF%BF%EF%BF%BE%EF%B7%90", "System", None),
-                 ("%D9%85%E5%BC%A0", "System", 'User "م张" has'),
+                 ("%D9%85%E5%BC%A0", "System", 'User "\u2068م张\u2069" has'),
                  ("x", "System", 'User "x" has'), ("y" * 255, "System", f'User "{"y" * 255}" has')]
         for user, kind, sentence in cases:
             before = set(self.popups(core))

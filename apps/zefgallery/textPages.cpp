@@ -65,6 +65,32 @@ public:
               "中文: 视野无限广，窗外有蓝天", "한국어: 키스의 고유조건은 입술끼리",
               "Signs: ← ↑ → ↓ ✓ ✗ € £ ¥ © ® ™ … – — • ◦ ■ □ ½ ∞ ≠ ≤"})
             mui::MuText::create(scripts, "script", text);
+        mui::MuLayout* order = group(page, "From right to left: sentences, values in them, paragraphs, fields, lists");
+        order->setSpacing(hxutil::scaled(8));
+        for (const char* text :
+             {"The word \u05e9\u05dc\u05d5\u05dd (2) means peace; \u0627\u0644\u0633\u0644\u0627\u0645 (3) as well.",
+              "User \"\u2068\u0645\u062d\u0645\u062f 7\u2069\" has 2 files; a <a href=\"app://one\">link "
+              "\u05e7\u05d9\u05e9\u05d5\u05e8 to follow</a>.",
+              "Marks: Vi\u0065\u0323\u0302t q\u0303, \u05e9\u05b8\u05c1\u05dc\u05d5\u05b9\u05dd, "
+              "\u0645\u064f\u062d\u064e\u0645\u0651\u064e\u062f, \u0e01\u0e34\u0e48\u0e01\u0e38, "
+              "\u1112\u1161\u11ab, \u0301. Pictures: \U0001f600 \U0001f468\u200d\U0001f469\u200d\U0001f467 "
+              "\U0001f1e9\U0001f1ea."})
+            mui::MuText::create(order, "order", text);
+        std::string hebrew = "\u05d3\u05d2 <b>\u05e1\u05e7\u05e8\u05df</b> \u05e9\u05d8 \u05d1\u05d9\u05dd "
+                             "\u05de\u05d0\u05d5\u05db\u05d6\u05d1 (RFB 3.8) "
+                             "<a href=\"app://two\">\u05d5\u05dc\u05e4\u05ea\u05e2</a> "
+                             "\u05de\u05e6\u05d0 \u05d7\u05d1\u05e8\u05d4, 42. ";
+        mui::MuText::create(order, "hebrew", (hebrew + hebrew + hebrew + hebrew + hebrew).c_str());
+        for (const char* text : {"\u05e9\u05dc\u05d5\u05dd abc 12", "abc \u0645\u062d\u0645\u062f def"})
+            mui::MuEdit::create(order, "field", "&Name:")->setText(text);
+        mui::MuButton::create(row(order), "button", "\u05d0\u05d9\u05e9\u05d5\u05e8 (OK)");
+        auto* names = mui::MuList::create(order, "names", mui::MuList::Heading);
+        names->addColumn(mui::MuList::ColumnType::Text, "\u0627\u0644\u0627\u0633\u0645");
+        names->addColumn(mui::MuList::ColumnType::Text, "Address");
+        names->addRow(
+            {plat::String("\u0645\u062d\u0645\u062f \u0628\u0646 \u0639\u0628\u062f \u0627\u0644\u0644\u0647"),
+             plat::String("10.0.0.7:5900")});
+        names->setVisibleRows(2);
     }
 };
 

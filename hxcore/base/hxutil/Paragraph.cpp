@@ -4,6 +4,7 @@
 #include "hxutil/scripts.h"
 #include "hxutil/textChars.h"
 #include "plat/LogSrc.h"
+#include "plat/direction.h"
 #include "plat/visibleText.h"
 
 #include <algorithm>
@@ -22,7 +23,7 @@ bool isIsolate(int code) { return code >= 0x2066 && code <= 0x2069; }
 
 /// Controls of direction that are not obeyed, but shown: marks, embeddings, overrides.
 bool isShownControl(int code) {
-    return code == 0x200e || code == 0x200f || code == 0x61c || (code >= 0x202a && code <= 0x202e);
+    return code >= 0 && plat::isDirectionControl(static_cast<uint32_t>(code)) && !isIsolate(code);
 }
 
 bool isSkinTone(int code) { return code >= 0x1f3fb && code <= 0x1f3ff; }
@@ -91,12 +92,15 @@ void arrange(Paragraph& paragraph) {
     for (size_t i = 0; i < count; ++i) {
         if (isShownControl(units[i].code))
             types[i] = FRIBIDI_TYPE_ON;
+        else if (types[i] == FRIBIDI_TYPE_BS) // all of it is drawn in one line
+            types[i] = FRIBIDI_TYPE_WS;
     }
     FriBidiParType direction = FRIBIDI_PAR_ON;
     std::vector<FriBidiLevel> levels(count);
     if (dynFribidi::get_par_embedding_levels_ex(types.data(), brackets.data(), len, &direction, levels.data()) == 0)
         return; // no memory for it
     paragraph.rightToLeft = FRIBIDI_IS_RTL(direction);
+    const int lowest = paragraph.rightToLeft ? 1 : 0;
 
     std::vector<FriBidiArabicProp> joining(count);
     dynFribidi::get_joining_types(codes.data(), len, joining.data());
@@ -107,7 +111,7 @@ void arrange(Paragraph& paragraph) {
     for (size_t i = 0; i < count; ++i) {
         Unit& unit = units[i];
         // What belongs to a character goes where it goes.
-        unit.level = unit.extends ? units[i - 1].level : static_cast<uint8_t>(std::max<int>(levels[i], 0));
+        unit.level = unit.extends ? units[i - 1].level : static_cast<uint8_t>(std::max<int>(levels[i], lowest));
         if (codes[i] == before[i])
             continue;
         unit.code = static_cast<int>(codes[i]);
@@ -125,8 +129,9 @@ std::shared_ptr<const Paragraph> Paragraph::of(std::string_view text) {
     auto paragraph = std::make_shared<Paragraph>();
     decode(text, paragraph->units);
     paragraph->lenBytes = text.size();
-    const bool mixed = std::any_of(paragraph->units.begin(), paragraph->units.end(),
-                                   [](const Unit& unit) { return isRightToLeft(unit.code); });
+    const bool mixed = std::any_of(paragraph->units.begin(), paragraph->units.end(), [](const Unit& unit) {
+        return unit.code >= 0 && plat::isRightToLeft(static_cast<uint32_t>(unit.code));
+    });
     if (mixed && text.size() <= maxBytes && haveFribidi())
         arrange(*paragraph);
     last = paragraph;

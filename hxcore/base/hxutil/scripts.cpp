@@ -1,6 +1,7 @@
 #include "hxutil/scripts.h"
 
 #include "hxutil/unicodeTables.h"
+#include "plat/direction.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -38,12 +39,6 @@ bool isHidden(int codepoint) {
             codepoint == 0xfeff || isIn(codepoint, 0xe0000, 0xe0fff));
 }
 
-bool isRightToLeft(int codepoint) {
-    return codepoint >= 0x590 &&
-           (codepoint < 0x900 || isIn(codepoint, 0xfb1d, 0xfdff) || isIn(codepoint, 0xfe70, 0xfefc) ||
-            isIn(codepoint, 0x10800, 0x10fff) || isIn(codepoint, 0x1e800, 0x1efff));
-}
-
 int composed(int base, int mark) {
     using namespace hangul;
     if (isIn(base, lead, lead + leads - 1) && isIn(mark, vowel, vowel + vowels - 1))
@@ -60,8 +55,8 @@ int composed(int base, int mark) {
 }
 
 bool needsLayoutBeyond(int codepoint) {
-    return isMark(codepoint) || isRightToLeft(codepoint) || isHidden(codepoint) || hangul::isJamo(codepoint) ||
-           codepoint > 0x1f000;
+    return isMark(codepoint) || plat::isRightToLeft(static_cast<uint32_t>(codepoint)) || isHidden(codepoint) ||
+           hangul::isJamo(codepoint) || codepoint > 0x1f000;
 }
 
 } // namespace hxutil

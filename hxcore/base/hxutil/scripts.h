@@ -10,9 +10,6 @@ bool isMark(int codepoint);
 /// among them: text that brings such a thing shows it.
 bool isHidden(int codepoint);
 
-/// One of a script that is written from right to left.
-bool isRightToLeft(int codepoint);
-
 /// The character that the two are together (UAX #15, Hangul included), 0 if there is none.
 int composed(int base, int mark);
 

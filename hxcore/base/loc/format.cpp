@@ -3,6 +3,7 @@
 #include "loc/Directive.h"
 #include "loc/Localize.h"
 #include "plat/LogSrc.h"
+#include "plat/direction.h"
 #include "plat/utf8.h"
 
 #include <cstdlib>
@@ -24,7 +25,7 @@ const Arg* findArg(const Directive& directive, std::initializer_list<Arg> args) 
 
 void writeString(plat::DString& out, const char* text, int limit) {
     const int len = plat::strLen(text);
-    out.append(text, limit > 0 && limit < len ? plat::utf8::cutPartial(text, limit) : len);
+    out.append(plat::isolated(text, limit > 0 && limit < len ? plat::utf8::cutPartial(text, limit) : len));
 }
 
 // False, with nothing written, if the argument doesn't fit the directive.

@@ -30,6 +30,8 @@ struct Arg {
 /// and a letter: S string, D decimal, X hexadecimal. The position may be left out if there is exactly one argument.
 /// "%%" is a percent sign. A directive that doesn't fit the arguments writes "%%" and the rest of it as it stands, and
 /// is logged as an error; the result is then false.
+///
+/// A string from right to left is put in as plat::isolated gives it, so that the sentence keeps its order.
 bool format(plat::DString& out, const char* raw, std::initializer_list<Arg> args);
 
 /// The same as a new string.

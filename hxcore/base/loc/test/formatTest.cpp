@@ -21,6 +21,23 @@ TEST(format, DirectivesTakeTheirPartsInAnyOrder) {
     EXPECT_EQ(run("%.9S", {"short"}), "short");
 }
 
+TEST(format, ValuesFromRightToLeftKeepToThemselves) {
+    struct {
+        const char *value, *shown;
+    } const cases[] = {
+        {"caf\u00e9", "caf\u00e9"},
+        {"\u05d0 1", "\u2068\u05d0 1\u2069"},
+        {"a\u0627", "\u2068a\u0627\u2069"},
+        {"exe\u202egnp\u200f.\u061c", "exegnp."},         // controls go, and then nothing is left to isolate
+        {"\u05d0\u2069 b\u2068", "\u2068\u05d0 b\u2069"}, // no way out
+        {"\u2068\u05d0\u2069 b", "\u2068\u2068\u05d0\u2069 b\u2069"}, // a sentence in a sentence
+        {"\u05d0\xff", "\u2068\u05d0\xff\u2069"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(run("<%S>", {c.value}), "<" + std::string(c.shown) + ">");
+    EXPECT_EQ(run("%.3S", {"\u05d0\u05d1"}), "\u2068\u05d0\u2069") << "the limit is the value's";
+}
+
 // The rest of a directive that is wrong stands as text, and the log tells.
 TEST(format, WhatDoesntFitTheArgumentsStaysAsText) {
     const struct {

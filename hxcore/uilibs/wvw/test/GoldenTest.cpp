@@ -56,6 +56,26 @@ std::unique_ptr<Widget> makeCheck(const char* image, WCheckBox::State state, con
     return check;
 }
 
+TEST_P(GoldenTest, Scripts) {
+    for (const char* text : {"\u05e9\u05b8\u05c1\u05dc\u05d5\u05b9\u05dd (2) abc",
+                             "a \u0627\u0644\u0633\u0644\u0627\u0645, \u0645\u062d\u0645\u062f.",
+                             "\u0e01\u0e34\u0e48\u0e19\u0e38 Vie\u0323\u0302t q\u0303 \u0301"}) {
+        WLabel label(nullptr, text);
+        label.setSelectable(true);
+        label.setSelection(0, 4);
+        WEdit edit;
+        edit.setText(text);
+        alone(label, label.getPreferredSize());
+        alone(edit, {scaled(200), label.getPreferredSize().y + 8}, Look::Focused);
+        picture.endRow();
+    }
+    WRichText rich(nullptr,
+                   "\u05d0\u05d1 <b>\u05d2\u05d3</b> (RFB 3) <a href=\"x\">\u05d4\u05d5</a> \u05d6\u05d7 \u05d8 12.");
+    alone(rich, {scaled(180), rich.getPreferredHeight(scaled(180))});
+    picture.endRow();
+    picture.expectGolden("scripts");
+}
+
 TEST_P(GoldenTest, Buttons) {
     row([] { return std::make_unique<WLabelButton>(nullptr, "   Apply   "); });
     row([] { return std::make_unique<WIconButton>(nullptr, "sdOkay", Point(scaled(32), scaled(32))); });
