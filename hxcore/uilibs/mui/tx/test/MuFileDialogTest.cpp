@@ -71,7 +71,8 @@ protected:
     void type(KeySym key) {
         sendKey(*dialog, key);
         XSync(tx::dpy, False);
-        tx::processEvents();
+        while (tx::processEvents()) {
+        }
     }
     std::string answer() {
         EXPECT_TRUE(waitFor([&] { return !told.empty(); }));
