@@ -30,7 +30,7 @@ std::string takeWord(std::string& text) {
         return "";
     }
     const size_t end = text.find(' ', start);
-    const std::string word = text.substr(start, end == std::string::npos ? end : end - start);
+    std::string word = text.substr(start, end == std::string::npos ? end : end - start);
     const size_t next = end == std::string::npos ? end : text.find_first_not_of(' ', end);
     text = next == std::string::npos ? "" : text.substr(next);
     return word;

@@ -55,14 +55,14 @@ ConfigHelper::ConfigHelper(io::Io* parent, const std::string& file_, const std::
         plat::FileConfig::load(config, file.c_str(), plat::PriorityPreference);
     if (misbehaves("slow"))
         delayMs = static_cast<unsigned>(strtoul(how.substr(how.find(' ')).c_str(), nullptr, 10));
-    link.setReplyBadMsg(true);
+    link.setReplyBadMsg(/*on=*/true);
     ipc = &link;
     if (!misbehaves("badmsg")) {
         for (const char* name : {"dumpXML", "setXML", "saveSetting"})
             link.addHandler(name, this);
     }
     if (misbehaves("deaf"))
-        link.setBlocking(true);
+        link.setBlocking(/*on=*/true);
     link.acceptIo(parent);
 }
 
@@ -78,14 +78,14 @@ void ConfigHelper::addParameters() {
     config.addEnum("Encryption", "How much of a connection is encrypted", "AlwaysOn", encryption);
     config.addString("Permissions", "Users and what they may do", "root:f,%sudo:d,user:v");
     config.addString("IpClientAddresses", "Addresses that may connect directly", "+0.0.0.0/0.0.0.0,+::/0");
-    config.addBool("QueryConnect", "Ask the user before somebody connects", false);
-    config.addInt("QueryConnectTimeout", "Seconds that the user has to answer", 10, false, 1, 3600);
-    config.addInt("RfbPort", "Port for direct connections", 5900, false, 1, 65535);
-    config.addBool("EnableChat", "Allow chat", true);
-    config.addBool("ShareFiles", "Allow file transfer", true);
-    config.addBool("BlankScreen", "Allow users to blank the screen", true, true);
-    config.addS64("IdleTimeout", "Seconds until an idle user is disconnected", 3600, true);
-    config.addString("_Hidden", "Stays as it is while options are changed", "kept", true);
+    config.addBool("QueryConnect", "Ask the user before somebody connects", /*defaultValue=*/false);
+    config.addInt("QueryConnectTimeout", "Seconds that the user has to answer", 10, /*isAdvanced=*/false, 1, 3600);
+    config.addInt("RfbPort", "Port for direct connections", 5900, /*isAdvanced=*/false, 1, 65535);
+    config.addBool("EnableChat", "Allow chat", /*defaultValue=*/true);
+    config.addBool("ShareFiles", "Allow file transfer", /*defaultValue=*/true);
+    config.addBool("BlankScreen", "Allow users to blank the screen", /*defaultValue=*/true, /*isAdvanced=*/true);
+    config.addS64("IdleTimeout", "Seconds until an idle user is disconnected", 3600, /*isAdvanced=*/true);
+    config.addString("_Hidden", "Stays as it is while options are changed", "kept", /*isAdvanced=*/true);
 }
 
 bool ConfigHelper::readMsg(const char* name, rdr::InStream& in, io::MsgIpc*) {

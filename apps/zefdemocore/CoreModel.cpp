@@ -40,13 +40,13 @@ void CoreModel::remove(const std::string& path) {
 void CoreModel::begin() {
     inBatch = true;
     for (const char* db : {infoDb, eventDb})
-        link->setUpdating(db, true);
+        link->setUpdating(db, /*on=*/true);
 }
 
 void CoreModel::end() {
     inBatch = false;
     for (const char* db : {infoDb, eventDb})
-        link->setUpdating(db, false);
+        link->setUpdating(db, /*on=*/false);
 }
 
 void CoreModel::commit() { link->commit(infoDb); }
@@ -71,7 +71,7 @@ void CoreModel::removeEvent(const std::string& id) {
 void CoreModel::connect(const std::string& user, const std::string& address, const std::string& userType,
                         const std::string& permissions) {
     connections.push_back({user, address, std::to_string(nextId++), "demo", permissions, userType});
-    link->addRemConn(connections.back(), true);
+    link->addRemConn(connections.back(), /*add=*/true);
 }
 
 bool CoreModel::disconnect(const std::string& user) {
@@ -79,7 +79,7 @@ bool CoreModel::disconnect(const std::string& user) {
         std::find_if(connections.begin(), connections.end(), [&](const Connection& each) { return each.user == user; });
     if (found == connections.end())
         return false;
-    link->addRemConn(*found, false);
+    link->addRemConn(*found, /*add=*/false);
     connections.erase(found);
     return true;
 }
@@ -88,21 +88,21 @@ void CoreModel::disconnect(const std::string& idA, const std::string& idB) {
     std::erase_if(connections, [&](const Connection& each) {
         const bool meant = (idA.empty() && idB.empty()) || (each.idA == idA && each.idB == idB);
         if (meant)
-            link->addRemConn(each, false);
+            link->addRemConn(each, /*add=*/false);
         return meant;
     });
 }
 
 void CoreModel::sendAll() {
-    link->setUpdating(infoDb, true);
+    link->setUpdating(infoDb, /*on=*/true);
     for (const auto& [path, node] : nodes)
         link->setNode(infoDb, path, node.order, node.data);
     if (!inBatch)
-        link->setUpdating(infoDb, false);
-    link->setUpdating(eventDb, true);
+        link->setUpdating(infoDb, /*on=*/false);
+    link->setUpdating(eventDb, /*on=*/true);
     for (const auto& [id, node] : events)
         link->setNode(eventDb, id, node.order, node.data);
-    link->setUpdating(eventDb, false);
+    link->setUpdating(eventDb, /*on=*/false);
 }
 
 } // namespace democore

@@ -33,7 +33,7 @@ class ConfigHelperClient::Request : private plat::NonCopyable {
 public:
     Request(ConfigHelperClient& owner, const char* name) : client(owner) {
         client.connect();
-        client.link.setBlocking(true);
+        client.link.setBlocking(/*on=*/true);
         client.link.getIo()->setDeadline(answerTimeout.value());
         client.link.startMsg(name);
     }
@@ -44,7 +44,7 @@ public:
             client.giveUp();
         if (client.isConnected())
             client.link.getIo()->setDeadline(-1);
-        client.link.setBlocking(false);
+        client.link.setBlocking(/*on=*/false);
     }
     rdr::OutStream& out() { return client.link.outStream(); }
     const plat::String& awaitAnswer(const char* name) {

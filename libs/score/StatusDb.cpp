@@ -119,11 +119,11 @@ void StatusDb::setUpdating(bool on) {
 }
 
 void StatusDb::republish() {
-    setUpdating(true);
+    setUpdating(/*on=*/true);
     if (listener)
         for (Node* child = rootNode.firstChild(); child; child = child->next())
             listener->nodeChanged(this, "", *child);
-    setUpdating(false);
+    setUpdating(/*on=*/false);
 }
 
 void StatusDb::addObserver(Observer* observer, bool add) {

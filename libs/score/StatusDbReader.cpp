@@ -23,7 +23,7 @@ StatusDbReader::StatusDbReader(io::MsgIpc* link, StatusDb* statusDb)
 StatusDbReader::~StatusDbReader() {
     if (ipc)
         ipc->removeReader(this);
-    db->setUpdating(false); // a batch that the core left open would hide the removal
+    db->setUpdating(/*on=*/false); // a batch that the core left open would hide the removal
     db->remove(nullptr, &owner);
     db->commit();
 }

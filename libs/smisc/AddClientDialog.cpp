@@ -70,7 +70,7 @@ void AddClientDialog::addContent() {
 
 void AddClientDialog::show() {
     dialog->setDefaultFocus(state == State::Input ? static_cast<mui::MuElement*>(edit) : button);
-    dialog->setShown(true);
+    dialog->setShown(/*shown=*/true);
     dialog->raise();
 }
 
@@ -85,7 +85,7 @@ void AddClientDialog::failed(const char* text) {
 }
 
 void AddClientDialog::succeeded() {
-    dialog->setShown(false);
+    dialog->setShown(/*shown=*/false);
     reset();
 }
 

@@ -13,7 +13,7 @@ SUiModuleAddClient::SUiModuleAddClient(sui::SUiModuleMgr* manager, int section)
     : SUiModule("AddClient", manager),
       item(manager->serverMenu()->addItem(section, LOC_TEXT("smisc_suimoduleaddclient_mi_connect"), nullptr, this)),
       dialog(this) {
-    manager->serverMenu()->setShown(item, false);
+    manager->serverMenu()->setShown(item, /*on=*/false);
     ipc = manager->msgIpc();
     ipc->addHandler("enableAddClient", this);
     ipc->addHandler("addClientResult", this);

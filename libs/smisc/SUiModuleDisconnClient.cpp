@@ -10,7 +10,7 @@ SUiModuleDisconnClient::SUiModuleDisconnClient(sui::SUiModuleMgr* manager, int s
     : SUiModule("DisconnClient", manager),
       item(manager->serverMenu()->addItem(section, LOC_TEXT("smisc_suimoduledisconnectclient_mi_disconnect"), nullptr,
                                           this)) {
-    item->setEnabled(false);
+    item->setEnabled(/*on=*/false);
 }
 
 SUiModuleDisconnClient::~SUiModuleDisconnClient() { manager()->serverMenu()->removeItem(item); }

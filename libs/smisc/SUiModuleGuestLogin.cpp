@@ -12,7 +12,7 @@ namespace smisc {
 SUiModuleGuestLogin::SUiModuleGuestLogin(sui::SUiModuleMgr* manager, int section)
     : SUiModule("GuestLogin", manager),
       item(manager->serverMenu()->addItem(section, LOC_TEXT("smisc_suimoduleguestlogin_mi_guest"), nullptr, this)) {
-    manager->serverMenu()->setShown(item, false);
+    manager->serverMenu()->setShown(item, /*on=*/false);
     ipc = manager->msgIpc();
     ipc->addHandler("GuestLoginUi", this);
 }

@@ -42,7 +42,7 @@ MuStatusDialogConnectivity::MuStatusDialogConnectivity(mui::MuContainer* parent,
     detailRow->setChildLayout(connDetail, mui::MuLayout::Stretch);
     bodyStyle.applyTo(connDetail);
     connDetail->setLinkCallback(links);
-    detailRow->setShown(false);
+    detailRow->setShown(/*shown=*/false);
     addOtherWays(body);
 }
 
@@ -69,8 +69,8 @@ void MuStatusDialogConnectivity::addOtherWays(mui::MuContainer* parent) {
     otherWays = mui::MuStatic::create(otherWaysList, "otherWays", "");
     otherWaysList->setChildLayout(otherWays, mui::MuLayout::Stretch);
     bodyStyle.applyTo(otherWays);
-    otherWaysRow->setShown(false);
-    showList(false);
+    otherWaysRow->setShown(/*shown=*/false);
+    showList(/*open=*/false);
 }
 
 void MuStatusDialogConnectivity::showList(bool open) {

@@ -71,7 +71,7 @@ MuStatusDialogHeader::MuStatusDialogHeader(mui::MuContainer* dialog)
     logo = mui::MuImage::create(row, "logo", "ZEFConnectLogo", {barIconPx(), barIconPx()});
     leftSpacer = mui::MuSpacer::create(row, "leftSpacer");
     text = mui::MuStatic::create(row, "text", "");
-    text->setWrap(false);
+    text->setWrap(/*wrap=*/false);
     bannerStyle.applyTo(text);
     mui::MuSpacer* rest = mui::MuSpacer::create(row, "rightSpacer");
     row->setChildLayout(rest, mui::MuLayout::Stretch);
@@ -103,7 +103,7 @@ void MuStatusDialogHeader::update(const StatusDialogModel& model) {
 void MuStatusDialogHeader::updateBadge(const char* edition) {
     if (!edition) {
         if (badge)
-            badge->setShown(false);
+            badge->setShown(/*shown=*/false);
         return;
     }
     if (!badge) {
@@ -112,7 +112,7 @@ void MuStatusDialogHeader::updateBadge(const char* edition) {
     }
     if (strcmp(badge->getImageName() ? badge->getImageName() : "", edition) != 0)
         badge->setImage(edition);
-    badge->setShown(true);
+    badge->setShown(/*shown=*/true);
 }
 
 void MuStatusDialogHeader::centreText(int widthPx) {

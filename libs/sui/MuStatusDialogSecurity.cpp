@@ -56,9 +56,9 @@ void MuStatusDialogSecurity::addIdentity(mui::MuContainer* parent) {
     catchphrase = mui::MuText::create(values, "catchphrase", "");
     for (mui::MuText* value : {signature, catchphrase}) {
         bodyStyle.applyTo(value);
-        value->setSelectable(true);
+        value->setSelectable(/*selectable=*/true);
     }
-    idBlock->setShown(false);
+    idBlock->setShown(/*shown=*/false);
 }
 
 void MuStatusDialogSecurity::addAuthentication(mui::MuContainer* parent, plat::Markup::LinkCallback* links) {
@@ -76,11 +76,11 @@ void MuStatusDialogSecurity::addAuthentication(mui::MuContainer* parent, plat::M
         changeRow->setChildLayout(each, mui::MuLayout::Natural | mui::MuLayout::Centre);
     row->setChildLayout(authentication, mui::MuLayout::Natural | mui::MuLayout::Centre);
     row->setChildLayout(changeRow, mui::MuLayout::Natural | mui::MuLayout::Centre);
-    change->setWrap(false);
+    change->setWrap(/*wrap=*/false);
     bodyStyle.applyTo(change);
     change->setLinkCallback(links);
-    shield->setShown(false);
-    change->setShown(false);
+    shield->setShown(/*shown=*/false);
+    change->setShown(/*shown=*/false);
 }
 
 void MuStatusDialogSecurity::update(const StatusDialogModel& model) {

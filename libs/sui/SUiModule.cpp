@@ -8,7 +8,7 @@
 namespace sui {
 namespace {
 plat::LogSrc log("SUiModule");
-plat::BoolParameter debugUi("DebugUi", "Run without server for debugging the UI", false);
+plat::BoolParameter debugUi("DebugUi", "Run without server for debugging the UI", /*defaultValue=*/false);
 } // namespace
 
 bool isDebugUi() { return debugUi.value(); }

@@ -90,7 +90,7 @@ void ServerUi::modulesCreated() {
 
 void ServerUi::activate() {
     serverComms.sendUpdateStatus();
-    statusDlg->getDialog()->setShown(true);
+    statusDlg->getDialog()->setShown(/*shown=*/true);
     serverComms.sendUiActivated();
     platform->dialogOpened();
 }

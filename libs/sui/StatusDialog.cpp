@@ -60,7 +60,7 @@ void StatusDialog::addFooter(plat::Markup::LinkCallback* links) {
     footerFrame->setBgColour("#288cf4");
     footerText = mui::MuText::create(footerFrame, "footerText", "", mui::MuText::Align::Centre);
     footerText->setLinkCallback(links);
-    footerFrame->setShown(false);
+    footerFrame->setShown(/*shown=*/false);
 }
 
 void StatusDialog::refresh() {

@@ -84,8 +84,8 @@ FdIo::~FdIo() {
         return;
     // What is still buffered gets one try, but nobody waits for it.
     out->setCallback(nullptr);
-    out->setThrowErrors(false);
-    out->setNonBlocking(true);
+    out->setThrowErrors(/*on=*/false);
+    out->setNonBlocking(/*on=*/true);
 }
 
 void FdIo::attachFd(int newFd, bool nowConnecting) {
@@ -157,7 +157,7 @@ void FdIo::shutdown(bool flush, bool tellHandler) {
         scheduleEnd();
         return;
     }
-    setBlocking(false);
+    setBlocking(/*blocking=*/false);
     fdMgr->startTimer(flushTimer, flushTimeoutMs());
     fdWritable();
 }
@@ -333,7 +333,7 @@ void FdIo::flushTimedOut() {
         scheduleEnd();
         return;
     }
-    in->setTimedOut(true);
+    in->setTimedOut(/*on=*/true);
     if (wantRead)
         fdMgr->markReadable(this);
 }

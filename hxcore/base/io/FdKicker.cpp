@@ -21,7 +21,7 @@ FdKicker::FdKicker(FdKickerCallback* target) : callback(target), fdMgr(FdManager
     fd = ends[0];
     writeFd = ends[1];
     in = std::make_unique<rdr::FdInStream>(fd);
-    in->setNonBlocking(true);
+    in->setNonBlocking(/*on=*/true);
     fdMgr->addHandler(this, /*add=*/true);
     fdMgr->setInterest(this, /*read=*/true, /*write=*/false, /*except=*/false, /*accept=*/false,
                        /*connectInterest=*/false);

@@ -85,7 +85,7 @@ void MsgIpc::readMessage(const char* name) {
     Lifeline::Watch watch(lifeline);
     const bool wasBlocking = ipc.isBlocking();
     if (!wasBlocking)
-        setBlocking(true);
+        setBlocking(/*on=*/true);
     expected = name;
     try {
         runToNextMsg(watch);
@@ -100,7 +100,7 @@ void MsgIpc::readMessage(const char* name) {
         return;
     expected = nullptr;
     if (!wasBlocking)
-        setBlocking(false);
+        setBlocking(/*on=*/false);
 }
 
 void MsgIpc::readUntil(const char* name) {

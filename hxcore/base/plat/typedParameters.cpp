@@ -286,7 +286,7 @@ bool BinaryParameter::setParam(const char* text, int priority) {
     MBuf<unsigned char> bytes(0, /*secure=*/true);
     if (!text || !hexToBin(text, bytes))
         return false;
-    bytes.setSecure(true);
+    bytes.setSecure(/*secure=*/true);
     return setValue(bytes, priority);
 }
 

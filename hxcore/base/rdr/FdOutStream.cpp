@@ -17,8 +17,8 @@ FdOutStream::FdOutStream(int fd_, bool ownFd_, Callback* target, int size)
     : BufferedLazyOutStream(size), fd(fd_), ownFd(ownFd_), callback(target) {}
 
 FdOutStream::~FdOutStream() {
-    callback = nullptr;   // its owner may be half gone
-    setThrowErrors(true); // so that a failure ends here
+    callback = nullptr;          // its owner may be half gone
+    setThrowErrors(/*on=*/true); // so that a failure ends here
     try {
         flush();
     } catch (const plat::Exception&) {
@@ -68,7 +68,7 @@ size_t FdOutStream::writeData(const void* buf, size_t len, bool needWrite) {
             return writeFailed(errNo, needWrite);
         if (!needWrite) {
             if (callback)
-                callback->outputBlocked(this, true);
+                callback->outputBlocked(this, /*isBlocked=*/true);
             return 0;
         }
         ASSERT(doesThrowErrors());

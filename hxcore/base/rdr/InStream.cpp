@@ -133,14 +133,16 @@ std::string InStream::readStdString32(size_t maxLen, bool repairUtf8) {
 
 plat::String InStream::readString8(bool repairUtf8) {
     const size_t len = readU8();
-    return len <= buffered() ? takeText(*this, len, repairUtf8) : textOf(readText(len, false), repairUtf8);
+    return len <= buffered() ? takeText(*this, len, repairUtf8)
+                             : textOf(readText(len, /*repairUtf8=*/false), repairUtf8);
 }
 
 plat::String InStream::readString32(size_t maxLen, bool repairUtf8) {
     const size_t len = readU32();
     if (len > maxLen)
         throw StringTooLongException();
-    return len <= buffered() ? takeText(*this, len, repairUtf8) : textOf(readText(len, false), repairUtf8);
+    return len <= buffered() ? takeText(*this, len, repairUtf8)
+                             : textOf(readText(len, /*repairUtf8=*/false), repairUtf8);
 }
 
 void InStream::readLine(std::string& out, size_t maxLen, bool repairUtf8) {

@@ -138,7 +138,7 @@ void loadStores(bool fileLogging) {
     hxutil::ConfigStore::setInstance(std::make_unique<hxutil::ConfigStoreFile>());
     hxutil::ConfigStore::instance()->load(/*withPolicy=*/true, nullptr);
     if (fileLogging)
-        plat::LogDestFile::setFileEnabled(true);
+        plat::LogDestFile::setFileEnabled(/*enabled=*/true);
 }
 } // namespace
 

@@ -19,7 +19,7 @@ constexpr const char* themedIcon = "/usr/share/icons/hicolor/48x48/apps/zefserve
 } // namespace
 
 ServerUiUnix::ServerUiUnix(io::MsgIpc* link) : ui(link, this), fallbackTimer(this) {
-    os::setPkexecAllowed(false); // the user is asked in a terminal
+    os::setPkexecAllowed(/*allowed=*/false); // the user is asked in a terminal
     icon = std::make_unique<ui::StatusIconGtk>(static_cast<ui::StatusIconGtk::Callback*>(this));
     mui::Mui::instance()->addMenu("tray", icon->menu());
     openItem = icon->menu()->addItem(LOC_TEXT("sui_serverui_mi_open"), nullptr, nullptr,
@@ -102,7 +102,7 @@ bool ServerUiUnix::mayHideDialog() {
 void ServerUiUnix::hideDialog() {
     dialogWanted = false;
     if (mustHide())
-        ui.statusDialog()->getDialog()->setShown(false);
+        ui.statusDialog()->getDialog()->setShown(/*shown=*/false);
     else
         putAside();
 }
@@ -112,7 +112,7 @@ void ServerUiUnix::putAside() {
     if (tx::WindowManager::isWMRunning())
         dialog->showIconified();
     else
-        dialog->setShown(true);
+        dialog->setShown(/*shown=*/true);
 }
 
 bool ServerUiUnix::timerExpired(plat::Timer*) {

@@ -205,7 +205,7 @@ void StatusIconGtk::helperLost() {
     } else {
         log.error("the helper has ended too often");
     }
-    callback->iconEmbedded(false);
+    callback->iconEmbedded(/*shown=*/false);
 }
 
 void StatusIconGtk::endHelper(int signal) {
@@ -247,7 +247,7 @@ void StatusIconGtk::embedTimeout() {
     if (embedded)
         return;
     if (exhausted) {
-        callback->iconEmbedded(false);
+        callback->iconEmbedded(/*shown=*/false);
         return;
     }
     const bool isSlow = isGnome(environment.kind());
@@ -275,9 +275,9 @@ void StatusIconGtk::sendItem(const Item& item) {
         out.writeU32(item.getFlags());
     });
     if (!item.enabled())
-        sendFlag("setEnabled", item, false);
+        sendFlag("setEnabled", item, /*on=*/false);
     if (item.checked())
-        sendFlag("setChecked", item, true);
+        sendFlag("setChecked", item, /*on=*/true);
 }
 
 void StatusIconGtk::sendFlag(const char* name, const Item& item, bool on) {
