@@ -77,8 +77,6 @@ void DiagnosticsTab::build(mui::MuPager* tabs) {
     manager()->addDiagnosticsButtons(buttons);
     buttons->setChildLayout(mui::MuSpacer::create(buttons, ""), mui::MuLayout::Stretch);
     saveButton = mui::MuButton::create(buttons, "save", LOC_TEXT("sui_diagnosticstab_save"));
-    readDisplays();
-    rebuild();
 }
 
 void DiagnosticsTab::aboutToShow() {
@@ -89,7 +87,8 @@ void DiagnosticsTab::aboutToShow() {
 mui::MuElement* DiagnosticsTab::firstFocus() { return saveButton; }
 
 void DiagnosticsTab::onCommit(score::StatusDb*) {
-    if (label && !rebuildTimer.isActive())
+    // What nobody sees is made when it is about to show; that also spares the start the search for monitors.
+    if (label && label->isShownFully() && !rebuildTimer.isActive())
         rebuildTimer.start(rebuildMs);
 }
 

@@ -107,6 +107,9 @@ int main(int argc, char** argv) {
         }
         pauseMs(0.1);
     }
+    // Without a tray, the icon gives up after a second: that is start, not rest.
+    constexpr double settleMs = 1500;
+    pauseMs(settleMs);
     const long before = field(child, "status", "voluntary_ctxt_switches:");
     pauseMs(restS * 1000);
     const long wakeUps = field(child, "status", "voluntary_ctxt_switches:") - before;

@@ -114,7 +114,7 @@ bool FontZefBm::useFallback(int codepoint, const Glyph& glyph, int* width) const
 
 void FontZefBm::blit(rfb::WritablePixelBuffer& buffer, const Glyph& glyph, rfb::Point position, uint32_t pixel) const {
     const rfb::Rect r = rfb::Rect::xywh(position.x + glyph.left, position.y + glyph.top, glyph.width, glyph.height);
-    if (!r.isEmpty())
+    if (r.overlaps(buffer.getRect()))
         rfb::monoBlit(buffer, r, pixel, bitmap.data() + glyph.offset, (glyph.width + 7) / 8);
 }
 

@@ -34,6 +34,26 @@ int ceilTo(int v, int multipleOf) { return -floorTo(-v, multipleOf); }
 
 Rect boxRect(const BOX& box) { return {box.x1, box.y1, box.x2, box.y2}; }
 
+/// A region of one rectangle or none, for functions of libX11 that only read it.
+class BoxRegion {
+public:
+    explicit BoxRegion(const RgnRect& r) {
+        region.size = 1;
+        region.numRects = Rect(r).isEmpty() ? 0 : 1;
+        region.rects = &region.extents;
+        region.extents = {r.x1, r.x2, r.y1, r.y2};
+    }
+    BoxRegion(const BoxRegion&) = delete;
+    BoxRegion& operator=(const BoxRegion&) = delete;
+
+    _XRegion* get() { return &region; }
+
+private:
+    _XRegion region{};
+};
+
+bool covers(const Rect& outer, const Rect& inner) { return outer.intersect(inner) == inner; }
+
 void appendPieces(std::vector<Rect>* out, const Rect& r, int maxArea, bool topToBottom) {
     const int rows = maxArea > 0 ? std::max(1, maxArea / r.width()) : r.height();
     const size_t first = out->size();
@@ -47,55 +67,54 @@ void appendPieces(std::vector<Rect>* out, const Rect& r, int maxArea, bool topTo
 
 RgnRect::RgnRect(const Rect& r) : x1(clamp16(r.tl.x)), y1(clamp16(r.tl.y)), x2(clamp16(r.br.x)), y2(clamp16(r.br.y)) {}
 
-Region::Region() : rgn(nullptr) {}
+Region::Region() : one(Rect()), many(nullptr) {}
 
-Region::Region(const Rect& r) : rgn(nullptr) { reset(r); }
+Region::Region(const Rect& r) : one(Rect()), many(nullptr) { reset(r); }
 
-Region::Region(const Region& other) : rgn(nullptr) { assign_union(other); }
+Region::Region(const Region& other) : one(other.one), many(nullptr) {
+    if (other.many)
+        assign_union(other);
+}
 
-Region::Region(Region&& other) noexcept : rgn(std::exchange(other.rgn, nullptr)) {}
+Region::Region(Region&& other) noexcept
+    : one(std::exchange(other.one, RgnRect(Rect()))), many(std::exchange(other.many, nullptr)) {}
 
 Region& Region::operator=(const Region& other) {
-    if (this != &other) {
-        clear();
-        assign_union(other);
-    }
+    if (this != &other)
+        *this = Region(other);
     return *this;
 }
 
 Region& Region::operator=(Region&& other) noexcept {
-    std::swap(rgn, other.rgn);
+    std::swap(one, other.one);
+    std::swap(many, other.many);
     return *this;
 }
 
 Region::~Region() { clear(); }
 
 void Region::clear() {
-    if (rgn)
-        XDestroyRegion(rgn);
-    rgn = nullptr;
+    if (many)
+        XDestroyRegion(many);
+    many = nullptr;
+    one = RgnRect(Rect());
 }
 
 void Region::reset(const Rect& r) {
     clear();
     const RgnRect box(r);
-    if (Rect(box).isEmpty())
-        return;
-    XRectangle xr;
-    xr.x = box.x1;
-    xr.y = box.y1;
-    xr.width = static_cast<unsigned short>(box.x2 - box.x1);
-    xr.height = static_cast<unsigned short>(box.y2 - box.y1);
-    rgn = newRegion();
-    XUnionRectWithRegion(&xr, rgn, rgn);
+    if (!Rect(box).isEmpty())
+        one = box;
 }
 
 void Region::translate(Point by) {
-    if (is_empty())
+    if (!many) {
+        reset(Rect(one).translate(by));
         return;
+    }
     const Rect moved = get_bounding_rect().translate(by);
     if (Rect(RgnRect(moved)) == moved) {
-        XOffsetRegion(rgn, by.x, by.y);
+        XOffsetRegion(many, by.x, by.y);
         return;
     }
     // libX11 adds in 16 bits and would wrap.
@@ -107,23 +126,44 @@ void Region::translate(Point by) {
 }
 
 void Region::assign_intersect(const Region& other) {
-    if (is_empty() || other.is_empty())
-        clear();
-    else
-        XIntersectRegion(rgn, other.rgn, rgn);
+    if (!many && !other.many) {
+        reset(Rect(one).intersect(other.one));
+        return;
+    }
+    combine(XIntersectRegion, other);
 }
 
 void Region::assign_union(const Region& other) {
-    if (other.is_empty())
+    if (!many && !other.many) {
+        if (is_empty() || covers(other.one, one))
+            one = other.one;
+        else if (!other.is_empty() && !covers(one, other.one))
+            combine(XUnionRegion, other);
         return;
-    if (!rgn)
-        rgn = newRegion();
-    XUnionRegion(rgn, other.rgn, rgn);
+    }
+    combine(XUnionRegion, other);
 }
 
 void Region::assign_subtract(const Region& other) {
-    if (!is_empty() && !other.is_empty())
-        XSubtractRegion(rgn, other.rgn, rgn);
+    if (!many && !other.many) {
+        if (covers(other.one, one))
+            clear();
+        else if (!Rect(one).intersect(other.one).isEmpty())
+            combine(XSubtractRegion, other);
+        return;
+    }
+    combine(XSubtractRegion, other);
+}
+
+void Region::combine(int (*operation)(_XRegion*, _XRegion*, _XRegion*), const Region& other) {
+    BoxRegion ours(one);
+    BoxRegion theirs(other.one);
+    _XRegion* const before = many ? many : ours.get();
+    if (!many)
+        many = newRegion();
+    operation(before, other.many ? other.many : theirs.get(), many);
+    if (many->numRects < 2)
+        reset(many->numRects == 0 ? Rect() : boxRect(many->extents));
 }
 
 Region Region::intersect(const Region& other) const {
@@ -171,35 +211,40 @@ void Region::roundToGrid(int width, int height, Point origin) {
 }
 
 bool Region::equals(const Region& other) const {
-    if (is_empty() || other.is_empty())
-        return is_empty() == other.is_empty();
-    return XEqualRegion(rgn, other.rgn);
+    if (many && other.many)
+        return XEqualRegion(many, other.many);
+    return !many && !other.many && Rect(one) == Rect(other.one);
 }
 
-bool Region::is_empty() const { return !rgn || XEmptyRegion(rgn); }
+bool Region::is_empty() const { return !many && Rect(one).isEmpty(); }
 
-Rect Region::get_bounding_rect() const { return is_empty() ? Rect() : boxRect(rgn->extents); }
+Rect Region::get_bounding_rect() const { return many ? boxRect(many->extents) : Rect(one); }
 
-int Region::numRects() const { return rgn ? static_cast<int>(rgn->numRects) : 0; }
+int Region::numRects() const { return many ? static_cast<int>(many->numRects) : is_empty() ? 0 : 1; }
 
 bool Region::get_rects(std::vector<Rect>* out, bool leftToRight, bool topToBottom, int maxArea) const {
+    if (!many) {
+        if (!is_empty())
+            appendPieces(out, one, maxArea, topToBottom);
+        return !is_empty();
+    }
     const int count = numRects();
     // Boxes lie in bands of equal top and bottom, sorted from the top, within a band from the left.
     for (int done = 0; done < count;) {
         int start = topToBottom ? done : count - 1 - done;
         int end = start;
-        const short bandTop = rgn->rects[start].y1;
+        const short bandTop = many->rects[start].y1;
         if (topToBottom)
-            while (end < count && rgn->rects[end].y1 == bandTop)
+            while (end < count && many->rects[end].y1 == bandTop)
                 ++end;
         else
-            for (++end; start > 0 && rgn->rects[start - 1].y1 == bandTop;)
+            for (++end; start > 0 && many->rects[start - 1].y1 == bandTop;)
                 --start;
         for (int i = 0; i < end - start; ++i)
-            appendPieces(out, boxRect(rgn->rects[leftToRight ? start + i : end - 1 - i]), maxArea, topToBottom);
+            appendPieces(out, boxRect(many->rects[leftToRight ? start + i : end - 1 - i]), maxArea, topToBottom);
         done += end - start;
     }
-    return count > 0;
+    return true;
 }
 
 void Region::debug_print(const char* prefix, FILE* out) const {
@@ -210,8 +255,10 @@ void Region::debug_print(const char* prefix, FILE* out) const {
     char buffer[64];
     std::fprintf(out, "%s", prefix);
     std::fprintf(out, "num rects %3d extents %s\n", numRects(), text(get_bounding_rect(), buffer));
-    for (int i = 0; i < numRects(); ++i)
-        std::fprintf(out, "    rect %s\n", text(boxRect(rgn->rects[i]), buffer));
+    std::vector<Rect> rects;
+    get_rects(&rects);
+    for (const Rect& r : rects)
+        std::fprintf(out, "    rect %s\n", text(r, buffer));
 }
 
 } // namespace rfb

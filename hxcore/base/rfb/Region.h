@@ -22,7 +22,7 @@ struct RgnRect {
 /// A set of pixels within -32768..32767 on both axes, on the region functions of libX11.
 ///
 /// Whatever goes in is clamped to those limits, also by translate. A value type: copies are deep. Moving from one
-/// leaves it empty and usable.
+/// leaves it empty and usable. One rectangle or none takes no memory beyond the object.
 class Region {
 public:
     Region();
@@ -64,7 +64,11 @@ public:
     void debug_print(const char* prefix, FILE* out = stderr) const;
 
 private:
-    _XRegion* rgn; // null while moved from, which reads as empty
+    void combine(int (*operation)(_XRegion*, _XRegion*, _XRegion*), const Region& other);
+
+    // Most regions on their way through the toolkit are one rectangle.
+    RgnRect one;    // what it is while `many` is null; all zero for none
+    _XRegion* many; // of two rectangles at least
 };
 
 } // namespace rfb

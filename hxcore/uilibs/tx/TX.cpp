@@ -13,6 +13,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include <unistd.h>
 
@@ -183,6 +184,7 @@ void TXClose() {
     shared.defaultFont = nullptr;
     shared.defaultGC = nullptr;
     shared.timeWindow = none;
+    shared.requestsAtRead = 0;
     shared.cutBufferTime = 0;
     dpy = nullptr;
     rootWindow = none;
@@ -190,10 +192,23 @@ void TXClose() {
     hasFocus = false;
 }
 
-bool processEvents() {
+namespace {
+
+/// Sends what waits to be sent, and reads the socket empty, when there is a reason to.
+bool hasEvents(bool arrived) {
+    if (XQLength(dpy) == 0 && (arrived || NextRequest(dpy) != state().requestsAtRead)) {
+        XPending(dpy);
+        state().requestsAtRead = NextRequest(dpy);
+    }
+    return XQLength(dpy) > 0;
+}
+
+} // namespace
+
+bool processEvents(bool arrived) {
     const int64_t deadline = plat::monoTicks() + eventBudgetMs * plat::ticksPerMs;
     bool timeLeft = true;
-    while (timeLeft && XPending(dpy)) {
+    while (timeLeft && hasEvents(std::exchange(arrived, false))) {
         XEvent event;
         XNextEvent(dpy, &event);
         handleXEvent(&event);

@@ -28,7 +28,10 @@ void TXClose();
 
 /// Handles what has arrived, without waiting, for 20 ms at most: another client may send without end. True if events
 /// are left, which the descriptor need not tell of: call again before waiting for long.
-bool processEvents();
+///
+/// With `arrived` false the socket is known to hold nothing. Then it is read only if requests were made since it was
+/// last read, for they must go out, and answers may have brought events along.
+bool processEvents(bool arrived = true);
 
 /// A handler that sees every event before its window does. Its result is ignored.
 void addGlobalEventHandler(TXEventHandler* handler, bool add);

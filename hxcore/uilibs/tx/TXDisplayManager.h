@@ -4,6 +4,8 @@
 #include "io/IoHandler.h"
 #include "plat/NonCopyable.h"
 
+#include <utility>
+
 namespace io {
 class FdIo;
 }
@@ -16,12 +18,16 @@ public:
     TXDisplayManager(); ///< the display must be open
     ~TXDisplayManager() override;
 
+    /// Whether something has arrived since the last call.
+    bool takeArrived() { return std::exchange(arrived, false); }
+
     // io::IoHandler
-    void ioReadable(io::Io*) override {}
+    void ioReadable(io::Io*) override { arrived = true; }
     void ioWritable(io::Io*) override {}
     void ioClosed(io::Io*) override;
 
 private:
+    bool arrived = true;
     io::FdIo* io; // deletes itself after shutdown
 };
 

@@ -35,7 +35,8 @@ struct TXState {
     std::map<unsigned, Cursor> cursors; // by shape of the cursor font
     Window timeWindow = none;           // hidden, of getServerTime
     Time cutBufferTime = 0;
-    bool shmFailed = false; // an error came back for a request that was thought fine
+    unsigned long requestsAtRead = 0; // NextRequest when the socket was last read empty
+    bool shmFailed = false;           // an error came back for a request that was thought fine
     int shmOpcode = -1;
 };
 

@@ -21,8 +21,12 @@ void WBgLayout::setTransparent(bool on) {
 
 void WBgLayout::paint(rfb::FullFramePixelBuffer& pb) {
     if (!transparent)
-        fill(pb, getRect(), colourName.isNull() ? getStyle().contentBg : themeColour(colourName.get()));
+        paintBackground(pb, colourName.isNull() ? getStyle().contentBg : themeColour(colourName.get()));
     paintChildren(pb);
+}
+
+rfb::Rect WBgLayout::opaqueWithin(const rfb::Rect& part) const {
+    return transparent ? WLayout::opaqueWithin(part) : part.intersect(getRect());
 }
 
 } // namespace wvw

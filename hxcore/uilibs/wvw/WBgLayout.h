@@ -18,6 +18,7 @@ public:
 
     // Widget
     void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Rect opaqueWithin(const rfb::Rect& part) const override;
 
 private:
     plat::String colourName; // null: of the style

@@ -5,7 +5,7 @@
 namespace wvw {
 
 void WCanvas::paint(rfb::FullFramePixelBuffer& pb) {
-    fill(pb, getRect(), getStyle().canvas);
+    paintBackground(pb, getStyle().canvas);
     paintChildren(pb);
 }
 

@@ -12,6 +12,7 @@ public:
 
     // Widget
     void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Rect opaqueWithin(const rfb::Rect& part) const override { return part.intersect(getRect()); }
 };
 
 } // namespace wvw

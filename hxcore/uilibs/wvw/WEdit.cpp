@@ -12,6 +12,7 @@
 #include "plat/numbers.h"
 #include "plat/utf8.h"
 #include "rfb/PixelBuffer.h"
+#include "rfb/Region.h"
 #include "rfb/keySymbols.h"
 #include "rfb/renderOps.h"
 
@@ -73,7 +74,7 @@ void WEdit::storeText(std::string newText) {
 
 void WEdit::changed() {
     keepCursorInside();
-    repaint();
+    repaintChange();
     valueChanged(this);
 }
 
@@ -103,7 +104,7 @@ void WEdit::setSelection(int start, int end) {
     selection = std::clamp(end, 0, lengthOf(text)) - cursor;
     undoStack.endStep();
     keepCursorInside();
-    repaint();
+    repaintChange();
 }
 
 void WEdit::selectAll() { setSelection(0, lengthOf(text)); }
@@ -292,7 +293,7 @@ bool WEdit::ownKey(uint32_t keysym) {
         return false;
     if (clipboardKey(keysym) || undoKey(keysym) || moveByKey(keysym) || eraseByKey(keysym))
         return true;
-    if (ctrlDown() && (keysym == 'a' || keysym == 'A')) {
+    if ((keysym == 'a' || keysym == 'A') && ctrlDown()) {
         selectAll();
         offerSelection();
         return true;
@@ -305,6 +306,8 @@ bool WEdit::ownKey(uint32_t keysym) {
 }
 
 bool WEdit::clipboardKey(uint32_t keysym) {
+    if (keysym != 'x' && keysym != 'X' && keysym != key::Insert && keysym != key::Delete)
+        return false; // most keys, which need not ask
     const bool ctrl = ctrlDown();
     const bool shift = shiftDown();
     if ((ctrl && (keysym == 'x' || keysym == 'X')) || (shift && !ctrl && keysym == key::Delete && selection != 0)) {
@@ -332,9 +335,9 @@ void WEdit::cut() {
 }
 
 bool WEdit::undoKey(uint32_t keysym) {
-    const bool undo = keysym == 'z' || (keysym == 'Z' && !shiftDown());
     const bool redo = keysym == 'y' || keysym == 'Y' || keysym == 'Z';
-    if (!ctrlDown() || altDown() || (!undo && !redo))
+    const bool undo = keysym == 'z' || (keysym == 'Z' && !shiftDown());
+    if ((!undo && !redo) || !ctrlDown() || altDown())
         return false;
     UndoStack::State state{text, insertionPoint()};
     const bool found = undo ? undoStack.undo(state) : undoStack.redo(state);
@@ -540,6 +543,41 @@ void WEdit::tellCaret() {
                           password);
 }
 
+/// Typing at the end of a long field changes a few pixels of it.
+void WEdit::repaintChange() {
+    if (password) {
+        wipe(invalidated.text); // no second copy of it
+        invalidated.originX = std::numeric_limits<int>::min();
+        repaint();
+        return;
+    }
+    const Look before = std::exchange(invalidated, Look{text, textOrigin().x, cursor, selection});
+    const bool hint = !placeholder.isEmpty() && (text.empty() || before.text.empty());
+    if (hint || before.originX != invalidated.originX || hxutil::TextLine::isNeeded(text.c_str()) ||
+        hxutil::TextLine::isNeeded(before.text.c_str())) {
+        repaint();
+        return;
+    }
+    const auto ends = std::mismatch(text.begin(), text.end(), before.text.begin(), before.text.end());
+    const bool sameText = ends.first == text.end() && ends.second == before.text.end();
+    int from = std::min({cursor, insertionPoint(), before.cursor, before.cursor + before.selection});
+    int to = std::max({cursor, insertionPoint(), before.cursor, before.cursor + before.selection});
+    if (!sameText) {
+        from = std::min(from, static_cast<int>(ends.first - text.begin()));
+        to = std::max(lengthOf(text), lengthOf(before.text));
+    }
+    from = plat::utf8::cutPartial(text.c_str(), from);
+    const hxutil::Font& font = *getStyle().font;
+    const auto widthIn = [&font](const std::string& s, int bytes) {
+        return font.stringWidth(s.c_str(), s.c_str() + std::min(bytes, lengthOf(s)));
+    };
+    constexpr int overhang = 8; // of a glyph beyond its cell, and the caret
+    const int left = widthIn(text, from) - overhang;
+    const int right = std::max(widthIn(text, to), widthIn(before.text, to)) + overhang;
+    const Rect changed(invalidated.originX + left, 0, invalidated.originX + right, getHeight());
+    invalidate(rfb::Region(changed.intersect(getRect())));
+}
+
 bool WEdit::sizeChanged(Widget* origin) {
     if (origin == this)
         keepCursorInside();
@@ -563,6 +601,8 @@ void WEdit::paint(rfb::FullFramePixelBuffer& pb) {
     rfb::FullFramePixelBuffer view(pb, inner, inner.tl);
     paintText(view);
 }
+
+Rect WEdit::opaqueWithin(const Rect& part) const { return frame ? part.intersect(getRect().expandBy(-1)) : Rect(); }
 
 void WEdit::paintText(rfb::FullFramePixelBuffer& pb) {
     const WStyle& look = getStyle();

@@ -56,6 +56,7 @@ public:
 
     // Widget
     void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Rect opaqueWithin(const rfb::Rect& part) const override; ///< all but the soft corners
     rfb::Point getPreferredSize() override;
     bool acceptsFocus() override { return focusable && isEnabled() && isVisible(); }
     bool sizeChanged(Widget* origin) override;
@@ -105,9 +106,19 @@ private:
     rfb::Rect textArea() const;
     rfb::Point textOrigin() const;
     void tellCaret();
+    void repaintChange();
     void paintText(rfb::FullFramePixelBuffer& pb);
 
+    /// What the picture of the text depends on, besides the style and the size.
+    struct Look {
+        std::string text;
+        int originX = 0;
+        int cursor = 0;
+        int selection = 0;
+    };
+
     std::string text;
+    Look invalidated; // the last state whose differences from the screen are all known to the parent
     plat::String placeholder;
     rfb::DeadKeyUtil deadKeys;
     int maxLength;

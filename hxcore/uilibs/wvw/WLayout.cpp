@@ -382,6 +382,34 @@ void WLayout::paintChildren(rfb::FullFramePixelBuffer& pb) {
     }
 }
 
+Rect WLayout::opaqueWithin(const Rect& part) const {
+    Rect best;
+    for (const Child& entry : children) {
+        const Rect seen = entry.rect().intersect(part);
+        if (!entry.child->isVisible() || seen.area() <= best.area())
+            continue;
+        const Point corner(entry.x, entry.y);
+        const Rect covered = entry.child->opaqueWithin(seen.translate(-corner)).translate(corner);
+        if (covered.area() > best.area())
+            best = covered;
+    }
+    return best;
+}
+
+void WLayout::paintBackground(rfb::FullFramePixelBuffer& pb, const rfb::Colour& colour) const {
+    constexpr int worthAsking = 4096; // pixels; below, filling is quicker
+    const Rect part = getRect().intersect(pb.getRect());
+    const Rect hole = part.area() < worthAsking ? Rect() : WLayout::opaqueWithin(part);
+    if (hole.isEmpty()) {
+        fill(pb, part, colour);
+        return;
+    }
+    fill(pb, {part.tl.x, part.tl.y, part.br.x, hole.tl.y}, colour);
+    fill(pb, {part.tl.x, hole.tl.y, hole.tl.x, hole.br.y}, colour);
+    fill(pb, {hole.br.x, hole.tl.y, part.br.x, hole.br.y}, colour);
+    fill(pb, {part.tl.x, hole.br.y, part.br.x, part.br.y}, colour);
+}
+
 Point WLayout::getPreferredSize() {
     Rect all;
     for (const Child& entry : children)

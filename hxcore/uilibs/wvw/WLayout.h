@@ -78,6 +78,7 @@ public:
     Widget* findDropTarget(const hxutil::DragDropData& data, const rfb::Point& position) override;
     bool handleKey(uint32_t keysym, bool down) override;
     void paint(rfb::FullFramePixelBuffer& pb) override { paintChildren(pb); }
+    rfb::Rect opaqueWithin(const rfb::Rect& part) const override; ///< the largest of its children's
     rfb::Point getPreferredSize() override;
     bool acceptsFocus() override;
     void setEnabled(bool on) override;
@@ -85,6 +86,8 @@ public:
 
 protected:
     void paintChildren(rfb::FullFramePixelBuffer& pb);
+    /// Fills what lies in `pb`, but little of what the children cover.
+    void paintBackground(rfb::FullFramePixelBuffer& pb, const rfb::Colour& colour) const;
     // Widget
     void travel(bool backward) override;
 

@@ -423,6 +423,8 @@ void WTable::paint(rfb::FullFramePixelBuffer& pb) {
     drawBevel(pb, getRect(), /*sunken=*/true, /*thin=*/false);
 }
 
+Rect WTable::opaqueWithin(const Rect& part) const { return part.intersect(getRect().expandBy(-1)); }
+
 void WTable::paintHeading(rfb::FullFramePixelBuffer& pb, const std::vector<int>& widths) {
     const WStyle& look = getStyle();
     const int height = headingHeight();

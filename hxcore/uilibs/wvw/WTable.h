@@ -60,6 +60,7 @@ public:
     // Widget
     void styleChanged() override;
     void paint(rfb::FullFramePixelBuffer& pb) override;
+    rfb::Rect opaqueWithin(const rfb::Rect& part) const override; ///< all but the soft corners
     rfb::Point getPreferredSize() override;
     void detach() override;
     bool acceptsFocus() override { return isEnabled() && isVisible(); }

@@ -80,6 +80,10 @@ public:
 
     /// The origin of `pb` is the corner of this widget; its rectangle is what needs paint.
     virtual void paint(rfb::FullFramePixelBuffer& pb) = 0;
+
+    /// A rectangle within `part`, in own coordinates, of which paint sets every pixel whatever was there before; empty
+    /// when nothing is promised. What lies behind it need not be painted.
+    virtual rfb::Rect opaqueWithin(const rfb::Rect& /*part*/) const { return {}; }
     virtual void repaint();
     virtual void invalidate(const rfb::Region& region);
     virtual void bell();

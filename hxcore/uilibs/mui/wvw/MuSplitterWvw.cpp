@@ -118,8 +118,11 @@ bool MuSplitterWvw::sizeChanged(wvw::Widget* origin) {
 }
 
 void MuSplitterWvw::paintCustom(wvw::WCustom*, rfb::FullFramePixelBuffer& pb) {
-    for (const int start : getHandlePositions())
-        paintHandle(pb, handleRect(start));
+    for (const int start : getHandlePositions()) {
+        const rfb::Rect area = handleRect(start);
+        if (area.overlaps(pb.getRect()))
+            paintHandle(pb, area);
+    }
 }
 
 void MuSplitterWvw::paintHandle(rfb::FullFramePixelBuffer& pb, const rfb::Rect& area) {

@@ -19,7 +19,7 @@ AppLoopImpl::~AppLoopImpl() = default;
 int AppLoopImpl::run(os::AppLoop& loop) {
     while (!stopping) {
         // Always before the wait: Xlib may have read events that no longer show on the descriptor.
-        const bool more = displayManager && tx::processEvents();
+        const bool more = displayManager && tx::processEvents(displayManager->takeArrived());
         if (stopping)
             break;
         fdMgr.poll(/*timeoutMs=*/more ? 0 : -1);

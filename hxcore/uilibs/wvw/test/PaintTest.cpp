@@ -109,6 +109,29 @@ TEST_F(PaintTest, LaterChildrenLieOnTop) {
     EXPECT_EQ(box.takeLog(), "move5,5");
 }
 
+// Backgrounds lie three deep in most windows: what a child covers for certain is filled once.
+TEST_F(PaintTest, WhatAChildCoversIsNotFilledBehindIt) {
+    struct Hole : Widget {
+        void paint(rfb::FullFramePixelBuffer&) override {}
+        rfb::Rect opaqueWithin(const Rect& part) const override { return part.intersect({10, 10, 110, 70}); }
+    } hole;
+    root.addChildRect(&hole, {30, 20, 150, 100});
+    window.paintAll();
+    root.setStyle(&defaultStyle()); // so that both paint the same
+    const uint32_t before = window.pixelAt(60, 50);
+    WStyle other = defaultStyle();
+    other.canvas = {1, 2, 3};
+    root.setStyle(&other);
+    window.paintAll();
+    EXPECT_EQ(window.pixelAt(60, 50), before) << "left alone";
+    EXPECT_EQ(window.countPixels({0, 0, 200, 100}, 0x010203), 200 * 100 - 100 * 60 - 20 * 10);
+    hole.setVisible(false);
+    window.paint();
+    EXPECT_EQ(window.pixelAt(60, 50), 0x010203u);
+    root.setStyle(nullptr);
+    root.removeChild(&hole);
+}
+
 TEST_F(PaintTest, HugeSizesAreClampedToWhatRegionsHold) {
     box.setSize({INT_MAX / 2, 10});
     EXPECT_EQ(window.invalidArea(), Rect(25, 15, 32767, 25));

@@ -61,6 +61,26 @@ TEST(AppLoop, EventsThatXlibHasReadAlreadyDontWait) {
     EXPECT_EQ(loop.run(), 3);
 }
 
+// The same, in a round that the display did not wake.
+TEST(AppLoop, EventsThatATimerHasReadDontWait) {
+    struct ShowTimer : plat::Timer::Callback {
+        bool timerExpired(plat::Timer*) override {
+            window->show(true);
+            XSync(tx::dpy, False);
+            return false;
+        }
+        tx::TXWParent* window = nullptr;
+        plat::Timer timer{this};
+    } show;
+    ui::AppLoop loop;
+    PaintedCanvas canvas;
+    canvas.setSize({40, 40});
+    tx::TXWParent window(&canvas, nullptr, /*unmanaged=*/true);
+    show.window = &window;
+    show.timer.start(20);
+    EXPECT_EQ(loop.run(), 3);
+}
+
 TEST(AppLoop, SleepsWhileNothingHappens) {
     ui::AppLoop loop;
     PaintedCanvas canvas;
