@@ -247,7 +247,7 @@ TEST(RepaintTest, HoverFocusAndTypingRepaintTheirControlOnly) {
     edit.takeFocus();
     window.clearInvalid();
     window.key('x');
-    EXPECT_EQ(window.invalidArea(), root.getChildRect(&edit));
+    EXPECT_EQ(window.invalidArea().intersect(root.getChildRect(&edit)), window.invalidArea());
 }
 
 TEST(LayoutDeath, AddingTwiceOrNamingStrangersIsAProgrammingError) {
