@@ -29,6 +29,7 @@ constexpr int overlap = 4; // pixels of the field under the arrow
 constexpr int padX = 6;
 constexpr int menuInset = 7;
 constexpr int rowsShown = 12; // of a long list, before it goes on in a second column
+constexpr int menuEdges = 8;  // pixels above and below the rows
 
 } // namespace
 
@@ -150,7 +151,7 @@ void WChoice::showList(bool show) {
     buildMenu();
     menu->setStyle(&getStyle());
     menu->setMinWidth(std::max(0, getWidth() - menuInset));
-    menu->setMaxHeight(rowsShown * items.begin()->second->getPreferredSize().y);
+    menu->setMaxHeight(rowsShown * items.begin()->second->getPreferredSize().y + menuEdges);
     const Point corner = getRootPosition();
     // Over the field, where there is no room below it.
     const int height = menu->getPreferredSize().y;
