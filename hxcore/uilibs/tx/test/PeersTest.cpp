@@ -323,16 +323,5 @@ TEST_F(PeersTest, AWindowManagerMayComeAndGo) {
     }
 }
 
-TEST_F(PeersTest, TypedTextReachesTheFocus) {
-    FakeWidget root(50, 50);
-    tx::TXWParent parent(&root, nullptr, /*unmanaged=*/true);
-    parent.show(true);
-    pump();
-    XSetInputFocus(tx::dpy, parent.win(), RevertToParent, tx::currentTime);
-    pump();
-    output("xdotool key --delay 1 a Return");
-    EXPECT_EQ(root.keys, (Strings{"+97", "-97", "+65293", "-65293"}));
-}
-
 } // namespace
 } // namespace txtest

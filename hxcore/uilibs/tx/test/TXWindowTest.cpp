@@ -214,23 +214,6 @@ TEST_F(TXWindowTest, ASizeFromBeforeOurOwnResizeIsOutOfDate) {
     EXPECT_EQ(window.size(), rfb::Point(1, 1));
 }
 
-TEST_F(TXWindowTest, OthersMayResizeItAndWildSizesAreIgnored) {
-    SizedWindow window(50, 40);
-    window.setWMProperties("victim");
-    pump();
-    XResizeWindow(other.display, window.win(), 70, 71);
-    pump();
-    EXPECT_EQ(window.size(), rfb::Point(70, 71));
-    XEvent event{};
-    event.xconfigure.type = ConfigureNotify;
-    event.xconfigure.event = event.xconfigure.window = window.win();
-    event.xconfigure.width = 65535;
-    event.xconfigure.height = 0;
-    other.send(window.win(), event);
-    pump();
-    EXPECT_EQ(window.size(), rfb::Point(70, 71));
-}
-
 TEST_F(TXWindowTest, WritesWhatManagersAndPagersRead) {
     tx::TXWindow window(50, 40);
     Closer closer;
@@ -331,13 +314,6 @@ TEST_F(TXWindowTest, GeometryOfTheUserWinsOverTheDefault) {
     EXPECT_EQ(window.getRootPosition(), rfb::Point(5, 6));
     window.setGeometry("no geometry at all", {5, 6, 105, 206});
     EXPECT_EQ(window.size(), rfb::Point(100, 200));
-}
-
-TEST_F(TXWindowTest, CentresWithRoomForTheManagersFrame) {
-    tx::TXWindow window(101, 51, nullptr, 0, true);
-    window.centreOnScreen();
-    const rfb::Point screen = tx::getScreenSize();
-    EXPECT_EQ(window.getRootPosition(), rfb::Point((screen.x - 111) / 2, (screen.y - 81) / 2));
 }
 
 } // namespace

@@ -130,11 +130,6 @@ TEST_F(MouseTest, ALayoutHearsOfItsChildrenInItsOwnCoordinates) {
     root.setMouseCallback(nullptr);
 }
 
-TEST_F(MouseTest, NobodyWithoutAListenerKeepsATimer) {
-    window.click(20, 15);
-    EXPECT_FALSE(clock.timersLeft());
-}
-
 TEST_F(MouseTest, AWidgetMayDieInAnyOfItsMouseEvents) {
     for (const char* when : {"press", "press release", "press release click", "press release press double"}) {
         Recorder recorder;

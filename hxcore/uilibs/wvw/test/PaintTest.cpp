@@ -145,41 +145,6 @@ TEST_F(PaintTest, PreferredSizeCountsHiddenChildrenButNotEmptyOnes) {
     EXPECT_EQ(inner.getPreferredSize(), Point(28, 19));
 }
 
-TEST_F(PaintTest, BevelsAreTwoWholeFramesWithSoftCorners) {
-    struct Painter : Widget {
-        using Widget::Widget;
-        void paint(rfb::FullFramePixelBuffer& pb) override {
-            drawBevel(pb, getRect(), sunken, thin);
-            if (dots)
-                drawFocus(pb, getRect(), /*dotted=*/true);
-        }
-        bool sunken = false, thin = false, dots = false;
-    } painter(&root);
-    root.setChildRect(&painter, {100, 10, 112, 18});
-    window.paintAll();
-    EXPECT_EQ(window.pixelAt(100, 10), 0xd8d8d8u); // the corner stays unpainted
-    EXPECT_EQ(window.pixelAt(101, 10), 0xa5a5a5u);
-    EXPECT_EQ(window.pixelAt(111, 16), 0xa5a5a5u);
-    EXPECT_EQ(window.pixelAt(101, 11), 0xeeeeeeu);
-    EXPECT_EQ(window.pixelAt(110, 16), 0xeeeeeeu);
-    EXPECT_EQ(window.countPixels({100, 10, 112, 18}, 0xd8d8d8), 8 * 4 + 4);
-
-    painter.sunken = true;
-    window.paintAll();
-    EXPECT_EQ(window.pixelAt(101, 10), 0xeeeeeeu);
-    EXPECT_EQ(window.pixelAt(101, 11), 0xa5a5a5u);
-
-    painter.sunken = false;
-    painter.thin = painter.dots = true;
-    window.paintAll();
-    // Dots: focus colour, gap, white, gap, and so on round the frame.
-    const uint32_t expected[] = {0x000000, 0xa5a5a5, 0xffffff, 0xa5a5a5, 0x000000, 0xa5a5a5};
-    for (int i = 0; i < 6; ++i)
-        EXPECT_EQ(window.pixelAt(100 + i, 10), expected[i]) << i;
-    EXPECT_EQ(window.countPixels({100, 10, 112, 18}, 0xffffff), 9);
-    EXPECT_EQ(window.countPixels({100, 10, 112, 18}, 0), 9);
-}
-
 TEST_F(PaintTest, AStyleReachesDownToTheNextOwnOne) {
     WStyle red = defaultStyle();
     red.canvas = {200, 0, 0};
