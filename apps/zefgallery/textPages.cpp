@@ -76,11 +76,11 @@ public:
               "\u1112\u1161\u11ab, \u0301. Pictures: \U0001f600 \U0001f468\u200d\U0001f469\u200d\U0001f467 "
               "\U0001f1e9\U0001f1ea."})
             mui::MuText::create(order, "order", text);
-        std::string hebrew = "\u05d3\u05d2 <b>\u05e1\u05e7\u05e8\u05df</b> \u05e9\u05d8 \u05d1\u05d9\u05dd "
-                             "\u05de\u05d0\u05d5\u05db\u05d6\u05d1 (RFB 3.8) "
-                             "<a href=\"app://two\">\u05d5\u05dc\u05e4\u05ea\u05e2</a> "
-                             "\u05de\u05e6\u05d0 \u05d7\u05d1\u05e8\u05d4, 42. ";
-        mui::MuText::create(order, "hebrew", (hebrew + hebrew + hebrew + hebrew + hebrew).c_str());
+        const std::string hebrew = "\u05d3\u05d2 <b>\u05e1\u05e7\u05e8\u05df</b> \u05e9\u05d8 \u05d1\u05d9\u05dd "
+                                   "\u05de\u05d0\u05d5\u05db\u05d6\u05d1 (RFB 3.8) \u05d5\u05dc\u05e4\u05ea\u05e2 "
+                                   "\u05de\u05e6\u05d0 \u05d7\u05d1\u05e8\u05d4, 42. ";
+        const std::string link = "<a href=\"app://two\">\u05e7\u05d9\u05e9\u05d5\u05e8 link</a> ";
+        mui::MuText::create(order, "hebrew", (hebrew + hebrew + link + hebrew + hebrew + hebrew).c_str());
         for (const char* text : {"\u05e9\u05dc\u05d5\u05dd abc 12", "abc \u0645\u062d\u0645\u062f def"})
             mui::MuEdit::create(order, "field", "&Name:")->setText(text);
         mui::MuButton::create(row(order), "button", "\u05d0\u05d9\u05e9\u05d5\u05e8 (OK)");
