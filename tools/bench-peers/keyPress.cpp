@@ -1,10 +1,10 @@
 // Starts a program on an X server whose screen is a file, types into it, and tells what a key takes:
-//   keyPress SCREEN_FILE -click X,Y -server PID [-setup COMMAND] [-keys COUNT] PROGRAM ARGUMENT...
-// COMMAND runs in a shell once the first picture rests; then comes the click, at root coordinates, then the keys: "1"
-// and BackSpace in turn, each after the picture has rested. Prints one line, of medians over all keys: ms from a key
-// press to the first changed pixel, changes of the picture a key; as means, CPU ms a key of the program and of the X
-// server; and the median of the ms that a wait of 11 takes on this machine now: our repaint pass of 10, and the one
-// that the loop adds.
+//   keyPress SCREEN_FILE -click X,Y -server PID [-setup COMMAND] [-alt KEY] [-keys COUNT] PROGRAM ARGUMENT...
+// COMMAND runs in a shell once the first picture rests; then comes the click, at root coordinates, or Alt and KEY with
+// the pointer there; then the keys: "1" and BackSpace in turn, each after the picture has rested. Prints one line, of
+// medians over all keys: ms from a key press to the first changed pixel, changes of the picture a key; as means, CPU ms
+// a key of the program and of the X server; and the median of the ms that a wait of 11 takes on this machine now: our
+// repaint pass of 10, and the one that the loop adds.
 #include "watch.h"
 
 #include <X11/Xlib.h>
@@ -88,6 +88,7 @@ int main(int argc, char** argv) {
     int keys = 100;
     pid_t server = 0;
     const char* setup = nullptr;
+    const char* mnemonic = nullptr;
     for (; at + 1 < argc && argv[at][0] == '-'; at += 2) {
         if (strcmp(argv[at], "-click") == 0)
             sscanf(argv[at + 1], "%d,%d", &x, &y);
@@ -95,6 +96,8 @@ int main(int argc, char** argv) {
             server = atoi(argv[at + 1]);
         else if (strcmp(argv[at], "-setup") == 0)
             setup = argv[at + 1];
+        else if (strcmp(argv[at], "-alt") == 0)
+            mnemonic = argv[at + 1];
         else
             keys = atoi(argv[at + 1]);
     }
@@ -122,8 +125,17 @@ int main(int argc, char** argv) {
                   &mask);
     if (window != None)
         XSetInputFocus(display, window, RevertToPointerRoot, CurrentTime);
-    XTestFakeButtonEvent(display, 1, True, 0);
-    XTestFakeButtonEvent(display, 1, False, 0);
+    if (mnemonic) {
+        const KeyCode alt = XKeysymToKeycode(display, XK_Alt_L);
+        const KeyCode letter = XKeysymToKeycode(display, XStringToKeysym(mnemonic));
+        XTestFakeKeyEvent(display, alt, True, 0);
+        XTestFakeKeyEvent(display, letter, True, 0);
+        XTestFakeKeyEvent(display, letter, False, 0);
+        XTestFakeKeyEvent(display, alt, False, 0);
+    } else {
+        XTestFakeButtonEvent(display, 1, True, 0);
+        XTestFakeButtonEvent(display, 1, False, 0);
+    }
     XFlush(display);
     picture.rest(400, 1000, changes);
     std::vector<double> waits;
