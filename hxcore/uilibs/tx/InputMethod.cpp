@@ -114,7 +114,7 @@ void InputMethod::setCursor(InputMethodClient* client, Window window, const rfb:
         makeContext();
     } else if (context) {
         focusContext(/*in=*/true);
-        if (moved)
+        if (moved && !stalled)
             sendSpot(/*probe=*/false);
     }
 }
@@ -122,10 +122,22 @@ void InputMethod::setCursor(InputMethodClient* client, Window window, const rfb:
 void InputMethod::forget(InputMethodClient* client) {
     std::erase_if(sent, [client](const Sent& one) { return one.client == client; });
     std::replace(delivering.begin(), delivering.end(), client, static_cast<InputMethodClient*>(nullptr));
-    if (client != current)
-        return;
-    current = nullptr;
-    focusContext(/*in=*/false);
+    if (client == current)
+        current = nullptr;
+    if (client == contextClient)
+        dropContext();
+}
+
+void InputMethod::dropContext() {
+    if (context) {
+        xim::Writer destroy(xim::DestroyIc);
+        destroy.u16(im).u16(context);
+        link.send(destroy);
+    }
+    context = 0;
+    contextFocused = false;
+    contextClient = nullptr;
+    contextWindow = none;
 }
 
 // The conversation begins.
@@ -175,14 +187,9 @@ bool InputMethod::opened(xim::Bytes body) {
 void InputMethod::makeContext() {
     if (contextAsked || styles.empty())
         return; // made for the right window when the answer comes
-    if (context) {
-        xim::Writer destroy(xim::DestroyIc);
-        destroy.u16(im).u16(context);
-        link.send(destroy);
-    }
-    context = 0;
-    contextFocused = false;
+    dropContext();
     contextAsked = true;
+    contextClient = current;
     contextWindow = currentWindow;
     xim::Writer out(xim::CreateIc);
     const auto number = [&out](int id, uint32_t value) {
@@ -254,8 +261,17 @@ void InputMethod::answered() {
         lastAnswered++;
     if (lastAnswered < lastAsked && !stalled)
         answerTimer.start(answerMs);
-    if (lastAnswered == lastAsked && std::exchange(stalled, false))
-        log.info("the input method answers again");
+    useHeldKeys();
+    if (lastAnswered < lastAsked || !stalled)
+        return;
+    // What it made of the late keys may still follow, but not behind the answer to one more question.
+    confirming = context && !confirming;
+    if (confirming) {
+        sendSpot(/*probe=*/true);
+        return;
+    }
+    stalled = false;
+    log.info("the input method answers again");
 }
 
 /// False for what no method would say.
@@ -297,6 +313,8 @@ bool InputMethod::ximMessage(const xim::Message& message) {
             return false;
         answered();
         context = in.u16();
+        if (contextWindow == none)
+            dropContext(); // its window went meanwhile
         if (current && contextWindow != currentWindow)
             makeContext();
         else
@@ -309,8 +327,8 @@ bool InputMethod::ximMessage(const xim::Message& message) {
     case xim::Error:
         return handleError(body);
     case xim::RegisterTriggerKeys:
-        triggers = {};
-        return parse(body, &triggers);
+        triggerKeys = {};
+        return parse(body, &triggerKeys);
     case xim::SetEventMask: {
         xim::EventMasks masks;
         if (!parse(body, &masks))
@@ -358,25 +376,28 @@ bool InputMethod::handleError(xim::Bytes body) {
 
 // Keys and text.
 
-/// Whether the method wants the key. One that is told when it shall begin is told.
-bool InputMethod::forwards(const XKeyEvent& event) {
-    if (event.type == KeyPress && (!triggers.on.empty() || !triggers.off.empty())) {
-        XKeyEvent copy = event;
-        KeySym keysym = NoSymbol;
-        char text[32];
-        XLookupString(&copy, text, sizeof(text), &keysym, nullptr);
-        const bool isOn = (forwardMask & KeyPressMask) != 0;
-        const std::vector<xim::TriggerKey>& keys = isOn ? triggers.off : triggers.on;
-        for (size_t i = 0; i < keys.size(); i++) {
-            if (!matches(keys[i], keysym, event.state))
-                continue;
-            xim::Writer out(xim::TriggerNotify);
-            out.u16(im).u16(context).u16(isOn ? 1 : 0).u16(0).u32(static_cast<uint32_t>(i)).u32(KeyPressMask);
-            link.send(out);
-            return true;
-        }
+/// True for a key that begins or ends what the method does, where it listens to no others before that. It is told.
+bool InputMethod::triggers(const XKeyEvent& event) {
+    const bool isOn = (forwardMask & KeyPressMask) != 0;
+    const std::vector<xim::TriggerKey>& keys = isOn ? triggerKeys.off : triggerKeys.on;
+    if (event.type != KeyPress || keys.empty())
+        return false;
+    XKeyEvent copy = event;
+    KeySym keysym = NoSymbol;
+    char text[32];
+    XLookupString(&copy, text, sizeof(text), &keysym, nullptr);
+    for (size_t i = 0; i < keys.size(); i++) {
+        if (!matches(keys[i], keysym, event.state))
+            continue;
+        xim::Writer out(xim::TriggerNotify);
+        out.u16(im).u16(context).u16(isOn ? 1 : 0).u16(0).u32(static_cast<uint32_t>(i)).u32(KeyPressMask);
+        link.send(out);
+        sendSpot(/*probe=*/true);
+        if (!isOn)
+            forwardMask |= KeyPressMask; // as it will say: what is typed next comes behind this
+        return true;
     }
-    return (forwardMask & (event.type == KeyPress ? KeyPressMask : KeyReleaseMask)) != 0;
+    return false;
 }
 
 bool InputMethod::takeKey(InputMethodClient* client, const XKeyEvent& event) {
@@ -386,18 +407,10 @@ bool InputMethod::takeKey(InputMethodClient* client, const XKeyEvent& event) {
         timerExpired(&answerTimer);
         return false;
     }
-    const bool wanted = forwards(event);
-    if (!wanted) {
-        // Not before its press.
-        const auto press = std::find_if(sent.rbegin(), sent.rend(), [&event](const Sent& one) {
-            return one.event.type == KeyPress && one.event.keycode == event.keycode && !one.used;
-        });
-        if (event.type != KeyRelease || press == sent.rend() || press->released)
-            return false;
-        press->released = true;
-        press->release = event;
+    if (triggers(event))
         return true;
-    }
+    if (!(forwardMask & (event.type == KeyPress ? KeyPressMask : KeyReleaseMask)))
+        return holdBack(client, event);
     xim::Writer out = wireKey(event, im, context, contextWindow);
     link.send(out);
     sendSpot(/*probe=*/true); // that has an answer, whatever becomes of the key
@@ -407,16 +420,52 @@ bool InputMethod::takeKey(InputMethodClient* client, const XKeyEvent& event) {
     return true;
 }
 
+/// A key that the method doesn't want waits for those before it. True if there are any.
+bool InputMethod::holdBack(InputMethodClient* client, const XKeyEvent& event) {
+    if (event.type == KeyRelease) {
+        const auto press = std::find_if(sent.rbegin(), sent.rend(), [&event](const Sent& one) {
+            return one.event.type == KeyPress && one.event.keycode == event.keycode && !one.used;
+        });
+        if (press == sent.rend() || press->released)
+            return false;
+        press->released = true;
+        press->release = event;
+        return true;
+    }
+    const auto undecided = [this](const Sent& one) { return !one.used && one.question > lastAnswered; };
+    if (std::none_of(sent.begin(), sent.end(), undecided))
+        return false;
+    Sent held{event, client, lastAsked};
+    held.held = true;
+    sent.push_back(held);
+    return true;
+}
+
+/// Those whose turn it is.
+void InputMethod::useHeldKeys() {
+    const auto due = [this](const Sent& one) { return one.held && !one.used && one.question <= lastAnswered; };
+    for (auto one = sent.begin(); (one = std::find_if(sent.begin(), sent.end(), due)) != sent.end();) {
+        Sent key = *one;
+        sent.erase(one);
+        deliver(key);
+    }
+}
+
 /// The method gave a key back, or made one up.
 bool InputMethod::keyReturned(const xim::ForwardedEvent& key) {
     const auto found = std::find_if(sent.begin(), sent.end(), [&key](const Sent& one) {
-        return one.event.type == key.type && one.event.keycode == key.keycode &&
+        return !one.held && one.event.type == key.type && one.event.keycode == key.keycode &&
                static_cast<uint32_t>(one.event.time) == key.time;
     });
     const unsigned ours = life;
     if (found != sent.end()) {
         Sent back = *found;
-        sent.erase(sent.begin(), found + 1); // the ones before it became text
+        // The ones before it became text, or waited for that.
+        for (auto one = sent.begin(); one != found; ++one)
+            one->question = std::min(one->question, lastAnswered);
+        const auto passed = std::remove_if(sent.begin(), found, [](const Sent& one) { return !one.held || one.used; });
+        sent.erase(passed, found + 1);
+        useHeldKeys();
         if (!back.used)
             deliver(back);
     } else if (current && context && key.ic == context) {
@@ -503,11 +552,12 @@ void InputMethod::ximLost() {
     life++;
     stage = Stage::Opening;
     context = im = 0;
-    stalled = contextAsked = contextFocused = false;
+    contextClient = nullptr;
+    stalled = confirming = contextAsked = contextFocused = false;
     contextWindow = none;
     ids = {};
     styles.clear();
-    triggers = {};
+    triggerKeys = {};
     forwardMask = KeyPressMask;
     const unsigned upTo = lastAsked; // a key may lead into a field, and so to the next conversation
     useSentKeys();

@@ -59,6 +59,7 @@ private:
         InputMethodClient* client;
         unsigned question;     // that was asked behind it
         bool used = false;     // as it was, since the method was late: what comes back is swallowed
+        bool held = false;     // and not sent: the method doesn't want it, but those before it
         bool released = false; // meanwhile, in a way that the method isn't told of
         XKeyEvent release{};
     };
@@ -82,10 +83,13 @@ private:
     void ask(xim::Writer& writer);
     void answered();
     void makeContext();
+    void dropContext();
     void focusContext(bool in);
     void spotValue(xim::Writer* out, bool whole) const;
     void sendSpot(bool probe);
-    bool forwards(const XKeyEvent& event);
+    bool triggers(const XKeyEvent& event);
+    bool holdBack(InputMethodClient* client, const XKeyEvent& event);
+    void useHeldKeys();
     void useSentKeys();
     void deliver(Sent& key);
 
@@ -95,13 +99,15 @@ private:
     unsigned lastAnswered = 0; // answers come in the order of the questions
     unsigned leftUpTo = 0;     // the question behind the leaving of a field
     bool stalled = false;      // late with an answer
+    bool confirming = false;   // that it is no longer
     uint16_t im = 0;
     xim::AttributeIds ids;
     std::vector<uint32_t> styles; // that are left to try, best first
-    xim::TriggerKeys triggers;
+    xim::TriggerKeys triggerKeys;
     uint32_t forwardMask = KeyPressMask;
     uint16_t context = 0; // of `contextWindow`; 0 for none
     Window contextWindow = none;
+    InputMethodClient* contextClient = nullptr;
     bool contextAsked = false;
     bool contextFocused = false;
     InputMethodClient* current = nullptr;

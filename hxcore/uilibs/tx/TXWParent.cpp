@@ -18,6 +18,7 @@
 #include "wvw/Widget.h"
 #include "wvw/WidgetWatch.h"
 
+#include <X11/XKBlib.h>
 #include <X11/cursorfont.h>
 #include <X11/keysym.h>
 
@@ -57,6 +58,19 @@ constexpr FontCursor fontCursors[] = {
 
 int widthOf(const wvw::Widget* root) { return root ? root->getWidth() : 1; }
 int heightOf(const wvw::Widget* root) { return root ? root->getHeight() : 1; }
+
+/// For keys held with Control or Alt: where a layout has another alphabet, Ctrl+C is the key that types c in the layout
+/// beside it.
+KeySym latinKeysym(KeySym keysym, unsigned keycode) {
+    if (keysym < 0x100 || (keysym >= 0xFE00 && keysym <= 0xFFFF))
+        return keysym; // Latin, or no letter
+    for (unsigned group = 0; group < 4; group++) {
+        const KeySym other = XkbKeycodeToKeysym(dpy, static_cast<KeyCode>(keycode), group, 0);
+        if (other >= XK_a && other <= XK_z)
+            return other;
+    }
+    return keysym;
+}
 
 /// The buttons held behind the event: the state tells those before it.
 int buttonMask(const XEvent& event) {
@@ -416,6 +430,8 @@ void TXWParent::handleKeyPress(XKeyEvent* event) {
     if (!textCursor.isEmpty() && !(event->state & (ControlMask | Mod1Mask)) &&
         composeKey(static_cast<uint32_t>(keysym)))
         return;
+    if (event->state & (ControlMask | Mod1Mask))
+        keysym = latinKeysym(keysym, event->keycode);
     if (keysym == XK_ISO_Left_Tab)
         handleBackTab(event->keycode, (event->state & ShiftMask) != 0);
     else if (keysym != NoSymbol)

@@ -13,7 +13,7 @@ namespace {
 plat::LogSrc log("XimLink");
 
 constexpr size_t shortBytes = 20;  // what a ClientMessage holds
-constexpr unsigned longSlots = 16; // properties in turn for longer messages, as one may still be unread
+constexpr unsigned longSlots = 64; // properties in turn for longer messages, as some may still be unread
 
 /// Those of `atoms`; the first two are enough to look for a server.
 enum AtomIndex { Servers, Selection, XConnect, Protocol, MoreData, CompoundText, FirstSlot };
@@ -144,7 +144,7 @@ void XimLink::receive(const XClientMessageEvent& event) {
         const Property value = getWindowProperty(own, static_cast<Atom>(event.data.l[1]), AnyPropertyType,
                                                  /*remove=*/true, xim::maxMessageBytes);
         const std::span<const char> bytes = value.bytes();
-        receive({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
+        receive({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()}, /*single=*/false);
         return;
     }
     if (event.format != 8)
@@ -158,17 +158,16 @@ void XimLink::receive(const XClientMessageEvent& event) {
     if (more)
         lose("a message without end");
     else
-        receive(xim::Bytes(whole));
+        receive(xim::Bytes(whole), /*single=*/true); // and what fills the event up
 }
 
-/// One message or more; a short one is followed by bytes that mean nothing.
-void XimLink::receive(xim::Bytes data) {
+void XimLink::receive(xim::Bytes data, bool single) {
     const Window from = server;
     xim::Message message;
-    while (server == from && xim::takeMessage(data, &message) && message.opcode != 0) {
+    for (bool more = true; more && server == from && xim::takeMessage(data, &message); more = !single) {
         if (!callback->ximMessage(message)) {
             if (server == from)
-                lose("what it says has no sense");
+                lose(("it has no sense: " + std::to_string(message.opcode)).c_str());
             return;
         }
     }

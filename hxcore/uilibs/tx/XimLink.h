@@ -45,7 +45,7 @@ private:
     void lose(const char* why);
     void connected(const XClientMessageEvent& event);
     void receive(const XClientMessageEvent& event);
-    void receive(xim::Bytes data);
+    void receive(xim::Bytes data, bool single);
 
     Callback* callback;
     std::vector<Atom> atoms;       // by the list in the source; empty until a method is named

@@ -33,6 +33,7 @@ plat::LogSrc log("WEdit");
 constexpr int padX = 6;
 constexpr int padY = 4;
 constexpr unsigned doublePressMs = 500;
+constexpr unsigned dragScrollMs = 50;
 
 int lengthOf(const std::string& s) { return static_cast<int>(s.size()); }
 
@@ -55,7 +56,7 @@ bool isWordByte(char c) {
 } // namespace
 
 WEdit::WEdit(WLayout* layout, int maxLengthBytes)
-    : Widget(layout), maxLength(std::max(0, maxLengthBytes)), pressTimer(this) {
+    : Widget(layout), maxLength(std::max(0, maxLengthBytes)), pressTimer(this), scrollTimer(this) {
     setCursor(CursorShape::Text);
 }
 
@@ -420,14 +421,35 @@ bool WEdit::focusChanged(bool backward, Widget* origin) {
 void WEdit::detach() {
     dragging = false;
     pressTimer.cancel();
+    scrollTimer.cancel();
     Widget::detach();
 }
 
-bool WEdit::timerExpired(plat::Timer* timer) { return timer != &pressTimer && Widget::timerExpired(timer); }
+bool WEdit::timerExpired(plat::Timer* timer) {
+    if (timer == &scrollTimer)
+        return dragBeyondEdge();
+    return timer != &pressTimer && Widget::timerExpired(timer);
+}
+
+/// While the pointer rests outside, the text goes on moving by. False once nothing is left there.
+bool WEdit::dragBeyondEdge() {
+    const Rect area = textArea();
+    const int before = insertionPoint();
+    if (!dragging || (dragX >= area.tl.x && dragX < area.br.x))
+        return false;
+    const int leap = getStyle().font->charWidth('m');
+    place(positionAt(dragX < area.tl.x ? std::min(dragX, area.tl.x - leap) : std::max(dragX, area.br.x + leap)),
+          /*extend=*/true);
+    return insertionPoint() != before;
+}
 
 bool WEdit::mouseMove(const Point& position, Widget* origin) {
-    if (origin == this && dragging)
-        place(positionAt(position.x), /*extend=*/true);
+    if (origin == this && dragging) {
+        dragX = position.x;
+        place(positionAt(dragX), /*extend=*/true);
+        if (!textArea().contains({dragX, textArea().tl.y}) && !scrollTimer.isActive())
+            scrollTimer.start(dragScrollMs);
+    }
     return Widget::mouseMove(position, origin);
 }
 
@@ -464,6 +486,7 @@ bool WEdit::mouseDown(int button, Widget* origin) {
 bool WEdit::mouseUp(int button, Widget* origin) {
     if (origin == this && button == 0 && dragging) {
         dragging = false;
+        scrollTimer.cancel();
         offerSelection();
     }
     const WidgetWatch self(this);

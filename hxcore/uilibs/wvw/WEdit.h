@@ -86,6 +86,7 @@ private:
     bool undoKey(uint32_t keysym);
     void cut();
     bool insertPasted(const plat::String& pasted);
+    bool dragBeyondEdge();
     void showMenu(const rfb::Point& position);
     bool typeKey(uint32_t keysym);
     hxutil::TextLine line() const; ///< of the text itself
@@ -137,6 +138,8 @@ private:
     std::unique_ptr<WEditMenu> menu; // made on first use
     plat::Timer pressTimer;          // runs while a second press selects all
     rfb::Point lastPress;            // root position
+    plat::Timer scrollTimer;         // runs while the pointer drags outside
+    int dragX = 0;
 };
 
 /// Accepts nothing but whole numbers from 0 up, and the empty text.

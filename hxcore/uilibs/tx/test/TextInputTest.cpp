@@ -12,6 +12,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <random>
 #include <thread>
 
 #include <poll.h>
@@ -34,6 +35,7 @@ const Fn<decltype(::xcb_im_close_im)> imClose{kit, "xcb_im_close_im"};
 const Fn<decltype(::xcb_im_filter_event)> imFilter{kit, "xcb_im_filter_event"};
 const Fn<decltype(::xcb_im_commit_string)> imCommit{kit, "xcb_im_commit_string"};
 const Fn<decltype(::xcb_im_forward_event)> imForward{kit, "xcb_im_forward_event"};
+const Fn<decltype(::xcb_im_input_context_get_preedit_attr)> imPreedit{kit, "xcb_im_input_context_get_preedit_attr"};
 const Fn<decltype(::xcb_utf8_to_compound_text)> toCompoundText{kit, "xcb_utf8_to_compound_text"};
 const Fn<decltype(::xcb_compound_text_init)> initCompoundText{kit, "xcb_compound_text_init"};
 constexpr const char* xcb = "xcb[1]";
@@ -83,6 +85,7 @@ public:
 
     std::atomic<bool> hung{false};
     std::atomic<int> keys{0};
+    std::atomic<int> spotX{-1};
 
 private:
     static void onMessage(xcb_im_t* im, xcb_im_client_t*, xcb_im_input_context_t* ic,
@@ -92,6 +95,7 @@ private:
             return;
         auto* event = static_cast<xcb_key_press_event_t*>(argument);
         self.keys++;
+        self.spotX = imPreedit(ic)->spot_location.x;
         if (event->detail == keycodeOf(XK_b))
             return;
         if (event->detail != keycodeOf(XK_a)) {
@@ -136,12 +140,17 @@ struct TextInputTest : XTest {
         edit.setSize({200, 30});
         parent.setSizeFromRoot();
         Method::aKeycode = XKeysymToKeycode(other.display, XK_a);
+        setenv("XMODIFIERS", "@im=zeftest", 1);
     }
     ~TextInputTest() override {
         tx::InputMethod::instance().close();
         unsetenv("XMODIFIERS");
     }
 
+    void start() {
+        method = std::make_unique<Method>();
+        EXPECT_TRUE(wait([&] { return XGetSelectionOwner(other.display, other.atom("@server=zeftest")) != tx::none; }));
+    }
     void show() {
         parent.show(true);
         pump();
@@ -164,6 +173,7 @@ struct TextInputTest : XTest {
         other.sendKey(parent.win(), KeyPress, keycode);
         other.sendKey(parent.win(), KeyRelease, keycode);
     }
+    std::unique_ptr<Method> method;
     std::string text() const { return edit.getText(); }
 
     wvw::WEdit edit{nullptr};
@@ -190,28 +200,134 @@ TEST_F(TextInputTest, DeadKeysAndSequencesMakeOneCharacter) {
     unsetenv("LC_ALL");
 }
 
-TEST_F(TextInputTest, AMethodTakesKeysAndGivesText) {
-    setenv("XMODIFIERS", "@im=zeftest", 1);
-    Method method;
-    EXPECT_TRUE(wait([&] { return XGetSelectionOwner(other.display, other.atom("@server=zeftest")) != tx::none; }));
+// Hiragana a and e with acute for the key a, nothing for b, the others as they are.
+TEST_F(TextInputTest, AMethodTakesKeysAndGivesTextAtTheCursor) {
+    const std::string made = "\xe3\x81\x82\xc3\xa9";
+    start();
     show();
     ASSERT_TRUE(wait([] { return tx::InputMethod::instance().isReady(); }));
+    for (unsigned i : {0U, 1U})
+        key(Method::aKeycode + i);
+    key(XKeysymToKeycode(other.display, XK_c));
+    EXPECT_TRUE(wait([&] { return text() == made + "c"; })) << text();
+    const int first = method->spotX;
+    key(XKeysymToKeycode(other.display, XK_d));
+    EXPECT_TRUE(wait([&] { return text() == made + "cd"; })) << text();
+    EXPECT_GT(method->spotX, first);
+
+    // A password is for nobody's eyes.
+    const int keys = method->keys;
+    edit.setText("");
+    edit.setPassword(true);
     key(Method::aKeycode);
-    EXPECT_TRUE(wait([&] { return text() == "\xe3\x81\x82\xc3\xa9"; })) << text();
+    pump();
+    EXPECT_EQ(text(), "a");
+    EXPECT_EQ(method->keys, keys);
+    edit.setPassword(false);
+
+    // It ends, and another one comes.
+    method.reset();
+    EXPECT_TRUE(wait([] { return !tx::InputMethod::instance().isReady(); }));
+    key(Method::aKeycode);
+    EXPECT_TRUE(wait([&] { return text() == "aa"; })) << text();
+    start();
+    ASSERT_TRUE(wait([] { return tx::InputMethod::instance().isReady(); }));
+    key(Method::aKeycode);
+    EXPECT_TRUE(wait([&] { return text() == "aa" + made; })) << text();
 }
 
 TEST_F(TextInputTest, AMethodThatHangsCostsNoKey) {
-    setenv("XMODIFIERS", "@im=zeftest", 1);
-    auto method = std::make_unique<Method>();
-    EXPECT_TRUE(wait([&] { return XGetSelectionOwner(other.display, other.atom("@server=zeftest")) != tx::none; }));
+    start();
     show();
     ASSERT_TRUE(wait([] { return tx::InputMethod::instance().isReady(); }));
     method->hung = true;
+    const unsigned c = XKeysymToKeycode(other.display, XK_c);
+    key(c);
     key(Method::aKeycode);
-    EXPECT_TRUE(wait([&] { return text() == "a"; })) << text();
+    EXPECT_TRUE(wait([&] { return text() == "ca"; })) << text();
     EXPECT_FALSE(tx::InputMethod::instance().isReady());
     key(Method::aKeycode);
-    EXPECT_TRUE(wait([&] { return text() == "aa"; })) << text();
+    EXPECT_TRUE(wait([&] { return text() == "caa"; })) << text();
+}
+
+/// A server by the letters of its transport, which says whatever a test likes.
+struct RawServer {
+    explicit RawServer(Client& other) : client(other), window(other.makeWindow()) {
+        XSetSelectionOwner(client.display, client.atom("@server=zeftest"), window, CurrentTime);
+        announce();
+    }
+    ~RawServer() { XDestroyWindow(client.display, window); }
+    void announce() const {
+        const auto name = client.atom("@server=zeftest");
+        client.setProperty(client.root(), "XIM_SERVERS", "ATOM", 32, &name, 1);
+    }
+    /// The peer's window, once it has asked; 0 before.
+    Window peer() {
+        XEvent event;
+        while (XCheckTypedWindowEvent(client.display, window, ClientMessage, &event)) {
+            if (event.xclient.message_type == client.atom("_XIM_XCONNECT"))
+                asked = static_cast<Window>(event.xclient.data.l[0]);
+        }
+        return asked;
+    }
+    void say(const char* type, int format, const void* data) const {
+        XEvent event{};
+        event.xclient.type = ClientMessage;
+        event.xclient.window = asked;
+        event.xclient.message_type = client.atom(type);
+        event.xclient.format = format;
+        std::memcpy(event.xclient.data.b, data, format == 32 ? sizeof(event.xclient.data) : 20);
+        client.send(asked, event);
+    }
+    Client& client;
+    Window window;
+    Window asked = 0;
+};
+
+TEST_F(TextInputTest, AServerThatSaysNothingDelaysNothing) {
+    RawServer server(other);
+    show();
+    EXPECT_TRUE(wait([&] { return server.peer() != 0; }));
+    key(Method::aKeycode);
+    pump();
+    EXPECT_EQ(text(), "a");
+    EXPECT_TRUE(wait([&] { return isIdle(); })); // no timer is left behind
+    key(Method::aKeycode);
+    pump();
+    EXPECT_EQ(text(), "aa");
+}
+
+TEST_F(TextInputTest, AServerOfNonsenseIsLeftAndCostsNoKey) {
+    std::mt19937 random(4);
+    show();
+    std::string expected;
+    for (int round = 0; round < 60; round++) {
+        RawServer server(other);
+        ASSERT_TRUE(wait([&] { return server.peer() != 0; })) << round;
+        const long hello[5] = {static_cast<long>(round % 7 == 6 ? server.asked : server.window)};
+        server.say("_XIM_XCONNECT", 32, hello);
+        constexpr uint8_t opcodes[] = {2, 31, 39, 45, 51, 55, 20, 34, 37, 60, 61, 63};
+        for (int i = 0; i < 20; i++) {
+            uint8_t message[200];
+            for (uint8_t& byte : message)
+                byte = static_cast<uint8_t>(random() % 4 ? 0 : random());
+            message[0] = i < 4 ? opcodes[i] : opcodes[random() % sizeof(opcodes)]; // so far some get
+            message[2] = static_cast<uint8_t>(random() % 50);
+            message[3] = 0;
+            if (random() % 2) {
+                server.say(random() % 8 ? "_XIM_PROTOCOL" : "_XIM_MOREDATA", 8, message);
+                continue;
+            }
+            other.setProperty(server.asked, "anything", "STRING", 8, message, sizeof(message));
+            const long where[5] = {static_cast<long>(random() % 300), static_cast<long>(other.atom("anything"))};
+            server.say("_XIM_PROTOCOL", 32, where);
+        }
+        pump();
+        edit.setText(expected.c_str());
+        key(XKeysymToKeycode(other.display, XK_x));
+        expected += "x";
+        ASSERT_TRUE(wait([&] { return text() == expected; })) << round << text();
+    }
 }
 
 TEST_F(TextInputTest, NoMethodOfThatNameMeansNone) {

@@ -216,6 +216,29 @@ TEST_F(EditTest, LongTextScrollsToTheCursorAndNoFurther) {
     EXPECT_EQ(window.countPixels({112, 0, 200, 100}, 0), 0); // nothing beyond the frame
 }
 
+TEST_F(EditTest, ADragThatRestsOutsideGoesOnToTheEnd) {
+    edit.setMaxLength(1000);
+    edit.setText(std::string(60, 'w').c_str(), /*cursorToEnd=*/false);
+    window.move(xOf("w"), 10);
+    window.press();
+    window.move(115, 10);
+    const int atOnce = edit.getSelection();
+    EXPECT_LT(atOnce, 20);
+    clock.advance(50);
+    EXPECT_GT(edit.getSelection(), atOnce);
+    for (int i = 0; i < 60; ++i)
+        clock.advance(50);
+    EXPECT_EQ(edit.getSelection(), 59);
+    window.move(-3, 10);
+    for (int i = 0; i < 60; ++i)
+        clock.advance(50);
+    EXPECT_EQ(edit.getSelection(), -1);
+    window.move(-30, 10);
+    window.release();
+    clock.advance(500);
+    EXPECT_FALSE(clock.timersLeft());
+}
+
 TEST_F(EditTest, TabSelectsAllAndTheStateShows) {
     Box other(&root, "other", true);
     edit.setText("abc");
@@ -346,6 +369,10 @@ TEST_F(EditTest, TheInputMethodIsToldWhereTheTextGoes) {
     Box other(&root, "other", true);
     other.takeFocus();
     EXPECT_TRUE(window.textCursor.isEmpty());
+    edit.takeFocus();
+    EXPECT_FALSE(window.textIsSecret);
+    edit.setPassword(true);
+    EXPECT_TRUE(window.textIsSecret);
 }
 
 // Arrow keys follow the screen, Home and End the text, the pointer what it points at.
