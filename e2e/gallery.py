@@ -163,17 +163,72 @@ class GalleryTest(unittest.TestCase):
     def test_every_dialog_opens_and_closes_by_keys(self):
         self.start()
         self.go_to(10)
-        for name in ["Plain", "Fixed", "Modal", "Above", "Undecorated", "Transient"]:
+        for name in ["Plain", "Fixed", "Modal", "Above", "Undecorated", "Transient", "Steps", "Saves"]:
             with self.subTest(dialog=name):
-                self.gallery.ask(f"click {self.gallery.page(10)}.{name}")
-                self.gallery.until_state(name, "shown", "1")
-                window = until(lambda: self.find(f"^{name}$"), "its window")
-                if name != "Transient":
-                    xdotool("windowfocus", "--sync", window)
-                self.keys("alt+f", "End", "x")
-                self.gallery.until_state(f"{name}.field", "value", "and something to type inx")
-                self.keys("Escape")
-                self.gallery.until_state(name, "shown", "0")
+                for key, value in [("Escape", "and something to type inx"), ("Return", "and something to type inxx")]:
+                    self.open(name)
+                    self.keys("alt+f", "End", "x")
+                    self.gallery.until_state(f"{name}.field", "value", value)
+                    self.keys(key)
+                    self.gallery.until_state(name, "shown", "0")
+
+    def open(self, name):
+        self.gallery.ask(f"click {self.gallery.page(10)}.{name}")
+        self.gallery.until_state(name, "shown", "1")
+        window = until(lambda: self.find(f"^{name}$"), "its window")
+        if name != "Transient":
+            xdotool("windowfocus", "--sync", window)
+
+    def test_menus_of_a_window_are_reached_by_keys(self):
+        self.start()
+        self.go_to(10)
+        self.open("Menus")
+        answer = self.gallery.page(10, ".answer")
+        self.keys("F10", "Down", "Down", "Return")
+        self.gallery.until_state(answer, "value", "&Stop")
+        self.keys("alt+f", "Down", "Return")  # the menu goes before the field
+        self.gallery.until_state(answer, "value", "&Options...")
+
+    def test_a_list_under_a_field_is_used_by_keys(self):
+        self.start()
+        self.go_to(2)
+        search = self.gallery.page(2, ".search")
+        self.keys("alt+s", "Down", "Down", "Down", "Return")
+        self.gallery.until_state(search, "value", "computer-1.example")
+        self.keys("ctrl+a", "4", "9", "9")
+        popup = until(lambda: self.gallery.state(search).get("popup-dialogid"), "its list")
+        self.gallery.until_state(popup, "shown", "1")
+        self.keys("Escape")
+        self.gallery.until_state(popup, "shown", "0")
+        self.keys("Down", "Down", "Return")
+        self.gallery.until_state(search, "value", "computer-499.example")
+
+    def test_a_handle_between_panes_is_moved_by_keys(self):
+        self.start()
+        self.go_to(7)
+        width = int(self.gallery.state("gallery.split.names")["size"].split(",", 1)[0])
+        self.keys("Tab", "Right", "Right", "Left")
+        until(lambda: self.gallery.state("gallery.split.names")["size"].startswith(f"{width + 8},"), "a wider list")
+
+    def test_what_turns_out_of_view_sleeps(self):
+        self.start()
+        self.go_to(9)
+
+        def wakeups():
+            with open(f"/proc/{self.gallery.ui_pid()}/status", encoding="ascii") as status:
+                lines = dict(line.split(":", 1) for line in status)
+            return int(lines["voluntary_ctxt_switches"])
+
+        def in_a_while():
+            before = wakeups()
+            time.sleep(0.5)
+            return wakeups() - before
+        self.gallery.ask(f"click {self.gallery.page(9)}.run 1")
+        until(lambda: in_a_while() >= 4, "a wheel that turns")
+        self.go_to(0)
+        until(lambda: in_a_while() <= 1, "a wheel that sleeps")
+        self.go_to(9)
+        until(lambda: in_a_while() >= 4, "a wheel that turns again")
 
     def test_the_plain_chooser_takes_keys_and_the_pointer(self):
         folder = os.path.join(self.home.path, "plain")

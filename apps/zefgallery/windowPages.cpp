@@ -179,7 +179,7 @@ private:
             const char* name = special[index]->getName();
             dialog.reset(mui::MuDialog::create(name, name, {hxutil::scaled(1000), hxutil::scaled(500)}, 0, top));
             auto* body = mui::MuLayout::create(dialog.get(), "", mui::Orientation::Vertical);
-            mui::MuEdit::create(body, "field", "&Field:")->setText("something to type in");
+            mui::MuEdit::create(body, "field", "&Field:")->setText("and something to type in");
             dialog->addObserver(this, true);
         }
         switch (specialBars[index] ? -1 : static_cast<int>(index)) {

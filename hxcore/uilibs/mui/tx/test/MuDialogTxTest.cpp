@@ -209,6 +209,39 @@ TEST_F(DialogTxTest, AMessageOfAnyLengthLeavesTheButtonsInView) {
     }
 }
 
+// Whoever waits for a question finds it gone; whoever deletes one gives the input back.
+TEST_F(DialogTxTest, ADialogMayDieWhileItIsModal) {
+    std::unique_ptr<MuDialog> parent(MuDialog::create("parent", "Parent", {300, 200}));
+    parent->addObserver(this, true);
+    parent->setActionButton(MuDialog::ActionDefault, MuButton::create(parent.get(), "ok", "OK"));
+    ASSERT_TRUE(showAndWait(*parent));
+    std::unique_ptr<MuDialog> modal(MuDialog::create("modal", "Modal", {200, 100}, MuDialog::Modal, parent.get()));
+    MuButton::create(modal.get(), "b", "B");
+    ASSERT_TRUE(showAndWait(*modal));
+    heard.clear();
+    sendKey(*parent, XK_Return);
+    XSync(tx::dpy, False);
+    tx::processEvents();
+    EXPECT_EQ(heard.find("ok/1"), std::string::npos);
+    modal.reset();
+    sendKey(*parent, XK_Return);
+    EXPECT_TRUE(waitFor([&] { return heard.find("ok/1") != std::string::npos; }));
+
+    struct Deleter : MuObserver {
+        void muClosed(MuDialog*) override { dialog.reset(); }
+        std::unique_ptr<MuDialog> dialog;
+    } deleter;
+    deleter.dialog.reset(MuDialog::create("q", "Question", {200, 100}, MuDialog::ModalBlocking, parent.get()));
+    deleter.dialog->addObserver(&deleter, true);
+    tx::sendClientMessage(windowOf(*deleter.dialog)->win(), 0, windowOf(*deleter.dialog)->win(), tx::wmProtocols(),
+                          static_cast<long>(tx::wmDeleteWindow()));
+    deleter.dialog->setShown(true);
+    EXPECT_FALSE(deleter.dialog);
+    heard.clear();
+    sendKey(*parent, XK_Return);
+    EXPECT_TRUE(waitFor([&] { return heard.find("ok/1") != std::string::npos; }));
+}
+
 TEST_F(DialogTxTest, ABorderLiesRoundTheContent) {
     std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {200, 100}, MuDialog::Bordered | MuDialog::Popup));
     MuStatic* text = MuStatic::create(dialog.get(), "text", "words");

@@ -339,6 +339,104 @@ TEST_F(ControlsTest, ASuperboxLeavesItsKeysToTheCallback) {
     EXPECT_TRUE(other);
 }
 
+// Its observer deletes it: nothing of it may be touched on the way back.
+TEST_F(ControlsTest, AnElementMayGoInItsOwnEvent) {
+    namespace key = rfb::key;
+    struct Box : MuSuperboxWvw {
+        Box() : MuSuperboxWvw("e", "&Find", nullptr, 80) {}
+    };
+    const auto make = [&](int kind) -> MuElement* {
+        switch (kind) {
+        case 0:
+            return MuButton::create(column, "e", "&Go");
+        case 1:
+            return MuCheck::create(column, "e", "&On");
+        case 2: {
+            auto* group = new MuCheck::Group;
+            MuCheck* first = MuCheck::create(column, "first", "1", group);
+            MuCheck* second = MuCheck::create(column, "e", "2", group);
+            first->setFocus();
+            return second;
+        }
+        case 3: {
+            MuChoice* choice = MuChoice::create(column, "e", "&Which");
+            for (int i = 0; i < 3; ++i)
+                choice->addItem(i, plat::strFormat("%d", i).c_str());
+            return choice;
+        }
+        case 4:
+            return MuEdit::create(column, "e", "&Text");
+        case 5: {
+            MuList* list = MuList::create(column, "e", MuList::EnterActivates);
+            list->addColumn(MuList::ColumnType::Text, nullptr);
+            for (const char* row : {"a", "b"})
+                list->addRow({plat::String(row)});
+            list->setSelected(0);
+            return list;
+        }
+        case 6: {
+            MuPager* pager = MuPager::create(column, "e");
+            for (const char* page : {"&One", "&Two"})
+                pager->addPage(MuStatic::create(pager, page, page), page);
+            return pager;
+        }
+        case 7:
+            return MuSlider::create(column, "e", 0, 5);
+        case 8: {
+            MuSplitter* splitter = MuSplitter::create(column, "e", Orientation::Horizontal);
+            for (const char* pane : {"l", "r"})
+                MuStatic::create(splitter, pane, pane);
+            splitter->setSizes({100});
+            return splitter;
+        }
+        default: {
+            auto* box = new Box;
+            column->add(box);
+            return box;
+        }
+        }
+    };
+    const struct {
+        int kind;
+        std::vector<uint32_t> keys; // with the focus on it; none: a click at the place, a drag by 20 from it
+        rfb::Point press;
+    } cases[] = {{0, {key::Return}, {}}, {0, {key::Space}, {}}, {0, {}, {5, 5}},
+                 {1, {key::Space}, {}},  {1, {}, {40, 5}},      {2, {key::Down}, {}},
+                 {3, {key::Down}, {}},   {3, {}, {250, 5}},     {3, {key::F4, key::Down, key::Return}, {}},
+                 {4, {'x'}, {}},         {5, {key::Down}, {}},  {5, {}, {20, 5}},
+                 {5, {key::Return}, {}}, {6, {key::Right}, {}}, {6, {}, {60, 8}},
+                 {7, {key::Right}, {}},  {7, {}, {200, 10}},    {8, {key::Tab, key::Right}, {}},
+                 {8, {}, {102, 3}},      {9, {'x'}, {}}};
+    for (const auto& each : cases) {
+        SCOPED_TRACE(testing::Message() << each.kind << " " << each.keys.size());
+        column->clear();
+        takeHeard();
+        MuElement* element = make(each.kind);
+        layOut();
+        if (each.kind != 2)
+            element->setFocus();
+        takeHeard();
+        toDelete = element;
+        for (const uint32_t keysym : each.keys) {
+            if (wvw::Widget* popup = window.anyPopup())
+                window.popupOf(popup)->key(keysym);
+            else
+                window.key(keysym);
+        }
+        if (each.keys.empty()) {
+            const rfb::Point at = element->getPosition() + each.press;
+            window.move(at.x, at.y);
+            window.press();
+            window.move(at.x + (each.kind == 8 ? 20 : 0), at.y);
+            window.release();
+        }
+        EXPECT_EQ(toDelete, nullptr);
+        EXPECT_EQ(takeHeard().substr(0, 2), "e/");
+        clock.advance(1000); // clicks that wait for a second one, carets
+        toDelete = nullptr;
+    }
+}
+
 TEST_F(ControlsTest, AMenuBarHasItsStandardMenusInOrder) {
     loc::Localize::instance().init();
     auto* bar = new MuMenuBarWvw;
