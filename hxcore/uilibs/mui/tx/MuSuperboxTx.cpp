@@ -18,7 +18,14 @@ MuSuperboxTx::MuSuperboxTx(const char* name, const char* label_, Callback* callb
 
 MuSuperboxTx::~MuSuperboxTx() { dropPopup(); }
 
-void MuSuperboxTx::popupMade(MuDialog* made) { windowOf(made)->addEventHandler(this, /*add=*/true); }
+void MuSuperboxTx::popupMade(MuDialog* made) {
+    // Before the popup's own handler, so that a key has one effect.
+    tx::TXWindow* window = windowOf(made);
+    auto* own = dynamic_cast<tx::TXWParent*>(window);
+    window->addEventHandler(own, /*add=*/false);
+    window->addEventHandler(this, /*add=*/true);
+    window->addEventHandler(own, /*add=*/true);
+}
 
 void MuSuperboxTx::showPopup(bool show) {
     if (!show && isPopupShown())
@@ -41,7 +48,9 @@ bool MuSuperboxTx::handleEvent(XEvent* event) {
     case KeyPress:
     case KeyRelease: {
         auto* dialog = dynamic_cast<tx::TXWParent*>(windowOf(MuDialog::topLevel(this)));
-        return dialog && dialog->handleEvent(event); // this may be gone
+        if (dialog)
+            dialog->handleEvent(event); // this may be gone
+        return true;                    // the popup hears of none, or what lies in it would act as well
     }
     default:
         return false;
