@@ -253,6 +253,11 @@ class Core(Inspected):
         with open(os.path.join(self.home.path, "stderr"), errors="replace") as text:
             return text.read()
 
+    def errors(self):
+        """What stderr has of level error; a window may end between two of our questions about it, which is noted."""
+        return [line for line in self.stderr().splitlines()
+                if "<11>" in line and "MuiComms: state: map::at" not in line]
+
     def ui_pid(self):
         children = subprocess.run(["pgrep", "-P", str(self.process.pid), "-f", "zefserverui"],
                                   capture_output=True, text=True, check=False).stdout.split()

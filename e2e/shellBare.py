@@ -18,7 +18,7 @@ class Bare(Shell):
         core = self.start()
         core.say("corestatus 2 0 0 0 4000 0")
         until(lambda: self.items(core, "tray"), "the start")
-        self.assertNotIn("<11>", core.stderr())
+        self.assertEqual(core.errors(), [])
         core.say("showstatus")
         until(lambda: self.visible(core), "the dialog")
         core.ask("menu moreMenu invoke Hide")
