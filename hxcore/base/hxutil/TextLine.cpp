@@ -56,13 +56,31 @@ bool isNeededFor(std::string_view text) {
 
 } // namespace
 
+void Paragraphs::set(std::string_view text) {
+    parts.clear();
+    for (size_t start = 0;;) {
+        const size_t newline = text.find('\n', start);
+        const std::string_view paragraph = text.substr(start, newline - start);
+        parts.push_back({start, isNeededFor(paragraph) ? Paragraph::of(paragraph) : nullptr});
+        if (newline == std::string_view::npos)
+            return;
+        start = newline + 1;
+    }
+}
+
+const Paragraphs::Part& Paragraphs::at(size_t pos) const {
+    const auto behind = std::upper_bound(parts.begin(), parts.end(), pos,
+                                         [](size_t value, const Part& part) { return value < part.start; });
+    return *std::prev(behind);
+}
+
 bool TextLine::isNeeded(const char* text, const char* end) { return isNeededFor(upToNul(text, end)); }
 
 TextLine::TextLine(const Font& font_, const char* text_, const char* end) : font(font_), text(text_) {
     const std::string_view whole = upToNul(text_, end);
     lenBytes = whole.size();
     if (isNeededFor(whole))
-        arrange(whole, 0, /*wholeLine=*/true);
+        arrange(*Paragraph::of(whole), 0, /*wholeLine=*/true);
 }
 
 TextLine::TextLine(const Font& font_, std::string_view text_, size_t start, size_t lenBytes_, bool wholeLine)
@@ -74,15 +92,25 @@ TextLine::TextLine(const Font& font_, std::string_view text_, size_t start, size
     const size_t from = newline == std::string_view::npos ? 0 : newline + 1;
     const std::string_view paragraph = text_.substr(from, text_.find('\n', start + lenBytes) - from);
     if (isNeededFor(paragraph))
-        arrange(paragraph, start - from, wholeLine);
+        arrange(*Paragraph::of(paragraph), start - from, wholeLine);
 }
 
-void TextLine::arrange(std::string_view paragraph, size_t start, bool wholeLine) {
-    const std::shared_ptr<const Paragraph> whole = Paragraph::of(paragraph);
+TextLine::TextLine(const Font& font_, std::string_view text_, const Paragraphs& paragraphs, size_t start,
+                   size_t lenBytes_, bool wholeLine)
+    : font(font_) {
+    start = std::min(start, text_.size());
+    lenBytes = std::min(lenBytes_, text_.size() - start);
+    text = text_.data() + start;
+    const Paragraphs::Part& part = paragraphs.at(start);
+    if (part.paragraph)
+        arrange(*part.paragraph, start - part.start, wholeLine);
+}
+
+void TextLine::arrange(const Paragraph& whole, size_t start, bool wholeLine) {
     plain = false;
-    rightToLeft = whole->rightToLeft;
+    rightToLeft = whole.rightToLeft;
     baseLevel = rightToLeft ? 1 : 0;
-    const auto& units = whole->units;
+    const auto& units = whole.units;
     const auto before = [](const Paragraph::Unit& unit, size_t pos) { return unit.start < pos; };
     auto unit = std::lower_bound(units.begin(), units.end(), start, before);
     const auto last = std::lower_bound(unit, units.end(), start + lenBytes, before);

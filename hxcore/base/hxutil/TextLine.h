@@ -18,6 +18,21 @@ namespace hxutil {
 
 class Font;
 
+/// The paragraphs of a text, found once for all the lines that are cut out of it. It borrows nothing.
+class Paragraphs {
+public:
+    struct Part {
+        size_t start;                               ///< byte in the text
+        std::shared_ptr<const Paragraph> paragraph; ///< null: the plain walk is enough
+    };
+
+    void set(std::string_view text);
+    const Part& at(size_t pos) const; ///< the one that byte lies in; set() must have been called
+
+private:
+    std::vector<Part> parts;
+};
+
 /// One line of UTF-8 in one font, both borrowed. Scripts from right to left stand in visual order (UAX #9), Arabic
 /// letters are joined, marks stand over their base and take no width. Of the controls of direction isolates alone are
 /// obeyed.
@@ -39,6 +54,10 @@ public:
     /// The bytes [start, start + lenBytes) of a text, directed and joined as in their paragraph, which is what lies
     /// between the newlines around them. A piece that others follow on its line says that it is no `wholeLine`.
     TextLine(const Font& font_, std::string_view text_, size_t start, size_t lenBytes, bool wholeLine = true);
+
+    /// The same with the paragraphs of that text at hand. The bytes lie in one of them.
+    TextLine(const Font& font_, std::string_view text_, const Paragraphs& paragraphs, size_t start, size_t lenBytes,
+             bool wholeLine);
 
     static bool isNeeded(const char* text, const char* end = nullptr); ///< false: the plain walk gives the same
 
@@ -78,7 +97,7 @@ private:
         int dx; // from the left end of its cluster
     };
 
-    void arrange(std::string_view paragraph, size_t start, bool wholeLine);
+    void arrange(const Paragraph& whole, size_t start, bool wholeLine);
     void addUnit(const Paragraph::Unit& unit, size_t start);
     void order();
     void findEdges();

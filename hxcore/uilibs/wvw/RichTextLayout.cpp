@@ -52,23 +52,23 @@ void RichTextLayout::layOut(const char* markup, const WStyle& style, int wrapWid
     size = {layout.getWidth(), layout.getHeight()};
     look = nullptr;
     plain = !hxutil::TextLine::isNeeded(text.c_str());
-    if (!plain)
-        arrangeLines();
+    if (plain)
+        return;
+    paragraphs.set(text);
+    arrangeLines();
 }
 
 hxutil::TextLine RichTextLayout::textLine(const Run& run) const {
     const auto len = static_cast<size_t>(run.text.len());
     if (plain || text.compare(run.start, len, run.text.c_str()) != 0)
         return hxutil::TextLine(*run.font, run.text.c_str());
-    return hxutil::TextLine(*run.font, text, run.start, len, /*wholeLine=*/false);
+    return hxutil::TextLine(*run.font, text, paragraphs, run.start, len, /*wholeLine=*/false);
 }
 
 /// Lines were filled in the order of the text; what stands in them goes where its direction wants it.
 void RichTextLayout::arrangeLines() {
     std::vector<Run> arranged;
-    const auto paragraphOf = [this](const Run& run) {
-        return run.start == 0 ? std::string::npos : text.rfind('\n', run.start - 1);
-    };
+    const auto paragraphOf = [this](const Run& run) { return paragraphs.at(run.start).start; };
     size_t paragraph = 0; // its first run, arranged
     for (size_t first = 0; first < runs.size();) {
         size_t end = first;
@@ -94,7 +94,8 @@ void RichTextLayout::arrangeLines() {
 void RichTextLayout::arrangeLine(size_t first, size_t end, std::vector<Run>& arranged) const {
     const size_t lineStart = runs[first].start;
     const size_t lineEnd = runs[end - 1].start + static_cast<size_t>(runs[end - 1].text.len());
-    const hxutil::TextLine line(*runs[first].font, text, lineStart, lineEnd - lineStart);
+    const hxutil::TextLine line(*runs[first].font, text, paragraphs, lineStart, lineEnd - lineStart,
+                                /*wholeLine=*/true);
     const auto& clusters = line.getClusters();
     const auto levelAt = [&](size_t pos) {
         const auto behind = std::upper_bound(clusters.begin(), clusters.end(), pos - lineStart,

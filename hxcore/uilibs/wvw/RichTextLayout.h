@@ -65,6 +65,7 @@ private:
     std::vector<Run> runs;
     std::vector<rfb::Rect> laidOut; // beside runs: before placing
     std::string text;
+    hxutil::Paragraphs paragraphs;
     bool plain = true;  // no character of it needs a layout
     size_t textPos = 0; // behind the last run
     rfb::Point size;

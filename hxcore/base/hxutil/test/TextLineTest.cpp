@@ -183,9 +183,18 @@ TEST_F(TextLineTest, CaretHasOnePlaceForEachEdge) {
 
 TEST_F(TextLineTest, LinesKeepTheDirectionAndTheShapesOfTheirParagraph) {
     const std::string text = "\u05d0\u05d1 abc, \u0645\u062d\nxyz.";
-    EXPECT_EQ(font.seen(TextLine(font, text, 5, 5)), " ,abc") << "the blank hangs over the end";
-    EXPECT_EQ(font.seen(TextLine(font, text, 10, 2)), "\ufee3") << "goes on in the next line";
-    EXPECT_EQ(font.seen(TextLine(font, text, 15, 4)), "xyz.");
+    hxutil::Paragraphs paragraphs; // found once, or by each line for itself
+    paragraphs.set(text);
+    const auto both = [&](size_t start, size_t len) {
+        const TextLine line(font, text, start, len);
+        const TextLine ready(font, text, paragraphs, start, len, /*wholeLine=*/true);
+        EXPECT_EQ(ready.isRightToLeft(), line.isRightToLeft());
+        EXPECT_EQ(font.seen(ready), font.seen(line));
+        return font.seen(line);
+    };
+    EXPECT_EQ(both(5, 5), " ,abc") << "the blank hangs over the end";
+    EXPECT_EQ(both(10, 2), "\ufee3") << "goes on in the next line";
+    EXPECT_EQ(both(15, 4), "xyz.");
     EXPECT_FALSE(TextLine(font, text, 15, 4).isRightToLeft());
     // A blank at the end of a piece stays where its neighbours are; at the end of a line it goes to the end.
     const std::string pieces = "a \u05d0 \u05d1";
