@@ -37,7 +37,7 @@ public:
         XDeviceInfo* list = listDevices(display, &count);
         XDevice* device = nullptr;
         for (int i = 0; i < count; i++) {
-            if (list[i].use == IsXExtensionKeyboard && !std::strstr(list[i].name, "XTEST"))
+            if (!device && list[i].use == IsXExtensionKeyboard && !std::strstr(list[i].name, "XTEST"))
                 device = openDevice(display, list[i].id);
         }
         freeDevices(list);
@@ -47,6 +47,8 @@ public:
                 fakeDeviceKey(display, device, keycode(keysym), down, &noAxes, 0, 5UL); // later than the last release
         }
         XSync(display, False);
+        if (device)
+            closeDevice(display, device);
         return device != nullptr;
     }
 
@@ -61,6 +63,7 @@ private:
     static inline const plat::DynamicFn<decltype(::XListInputDevices)> listDevices{xi, "XListInputDevices"};
     static inline const plat::DynamicFn<decltype(::XFreeDeviceList)> freeDevices{xi, "XFreeDeviceList"};
     static inline const plat::DynamicFn<decltype(::XOpenDevice)> openDevice{xi, "XOpenDevice"};
+    static inline const plat::DynamicFn<decltype(::XCloseDevice)> closeDevice{xi, "XCloseDevice"};
 
     Display* display;
 };

@@ -17,11 +17,6 @@
 
 #include <poll.h>
 
-// A client's input device, opened by another test, lives as long as the client.
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() { // NOLINT: its given name
-    return "leak:XOpenDevice\n";
-}
-
 namespace txtest {
 namespace {
 
