@@ -25,17 +25,4 @@ TEST(RandomStream, NeverGivesABlockTwiceHoweverItIsRead) {
     }
 }
 
-TEST(RandomStream, EveryBitTurnsUpAboutHalfOfTheTime) {
-    crypto::RandomStream in;
-    int ones[32] = {};
-    constexpr int draws = 4096;
-    for (int i = 0; i < draws; ++i) {
-        const uint32_t value = in.readU32();
-        for (int bit = 0; bit < 32; ++bit)
-            ones[bit] += value >> bit & 1;
-    }
-    for (const int count : ones) // the standard deviation is 32: chance gives 10 of them in no lifetime
-        EXPECT_NEAR(count, draws / 2, 320);
-}
-
 } // namespace

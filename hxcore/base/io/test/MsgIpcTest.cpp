@@ -16,18 +16,6 @@
 namespace io {
 namespace {
 
-// A frame may end inside a field: the handler runs again and must see the same bytes.
-TEST(MsgIpc, HandlerRunsAgainWhenAFrameSplitsAField) {
-    FakeLink link;
-    RecordingReader reader(link.ipc, "showOptions");
-    link.receive(bytes("00 0f  0b 'showOptions'  08 'se'")); // bit 15 clear: more frames follow
-    EXPECT_EQ(reader.finished, 0);
-    EXPECT_EQ(reader.entered, 1);
-    link.receive(bytes("80 06  'curity'"));
-    ASSERT_EQ(reader.finished, 1);
-    EXPECT_EQ(reader.texts[0], "security");
-}
-
 // A sequence with a split name, an empty first frame, an unread rest, an unknown name and an empty last frame.
 const std::string session = bytes("80 05  01 'a' 02 'x1'"
                                   "00 00  00 01 01  80 04 'a' 02 'x2'"

@@ -24,21 +24,8 @@ protected:
     }
 };
 
-TEST_F(AppInfoTest, DerivesTheUsersFilesAndForgetsAllAtAReset) {
+TEST_F(AppInfoTest, DerivesTheUsersFiles) {
     EXPECT_STREQ(AppInfo::userConfigFile().c_str(), "");
-    AppInfo::setDisplayNameKey("key");
-    AppInfo::setProgramPath("/bin/prog");
-    AppInfo::setUserDir("/home/me");
-    AppInfo::setProfileDir("/home/me/.zef");
-    AppInfo::setCompany("Company");
-    AppInfo::setSharedDir("/etc/zef");
-    const char* (*const words[])() = {AppInfo::displayNameKey, AppInfo::programPath, AppInfo::userDir,
-                                      AppInfo::profileDir, AppInfo::sharedDir};
-    for (const auto word : words)
-        EXPECT_STRNE(word(), "");
-    AppInfo::reset();
-    for (const auto word : words)
-        EXPECT_STREQ(word(), "");
     AppInfo::setConfigDir("/home/me/.zef");
     AppInfo::setApp("prog-user");
     EXPECT_STREQ(AppInfo::userConfigDir().c_str(), "/home/me/.zef/config.d");

@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <memory>
 
 namespace os {
 namespace {
@@ -28,16 +27,6 @@ private:
     plat::Timer timer{this};
 };
 
-TEST(AppLoop, RunsUntilExitAndGivesItsCode) {
-    AppLoop loop;
-    EXPECT_EQ(AppLoop::instance(), &loop);
-    for (const int code : {3, 0}) {
-        Later exit([code] { AppLoop::exit(code); });
-        EXPECT_EQ(loop.run(), code);
-        EXPECT_FALSE(loop.running());
-    }
-}
-
 TEST(AppLoop, FinishesItsRoundBehindAnExit) {
     class Marked : public io::FdHandler {
     public:
@@ -53,37 +42,17 @@ TEST(AppLoop, FinishesItsRoundBehindAnExit) {
     AppLoopImpl::processManager().addHandler(&handler, false);
 }
 
-TEST(AppLoop, PassesExceptionsOnAndMayRunAgain) {
+TEST(AppLoop, PassesExceptionsOnAndMayRunAgainUntilItsExit) {
     AppLoop loop;
     {
         Later thrower([] { throw plat::Exception("from a timer"); });
         EXPECT_THROW(loop.run(), plat::Exception);
     }
     EXPECT_FALSE(loop.running());
-    Later exit([] { AppLoop::exit(5); });
-    EXPECT_EQ(loop.run(), 5);
-}
-
-TEST(AppLoop, OwnsAnotherImplAndLetsGoOfItsPlace) {
-    class Impl : public AppLoop::Impl {
-    public:
-        explicit Impl(bool& gone_) : gone(gone_) {}
-        ~Impl() override { gone = true; }
-        int run(AppLoop& loop) override {
-            AppLoop::exit(9);
-            return stopped ? loop.exitCode() : -1;
-        }
-        void stop() override { stopped = true; }
-        bool& gone;
-        bool stopped = false;
-    };
-    bool gone = false;
-    {
-        AppLoop loop(std::make_unique<Impl>(gone));
-        EXPECT_EQ(loop.run(), 9);
+    for (const int code : {5, 0}) {
+        Later exit([code] { AppLoop::exit(code); });
+        EXPECT_EQ(loop.run(), code);
     }
-    EXPECT_TRUE(gone);
-    EXPECT_EQ(AppLoop::instance(), nullptr);
 }
 
 // A toolkit may exit in the middle of a dialog, whose loop then stays on the stack.

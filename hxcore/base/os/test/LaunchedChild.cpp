@@ -4,12 +4,12 @@
 #include "io/MsgIpc.h"
 #include "os/AppInfo.h"
 #include "os/LaunchedProcessPipe.h"
+#include "os/test/TestChild.h"
 #include "plat/Exception.h"
 #include "plat/LogSrc.h"
 
 #include <csignal>
 #include <cstdio>
-#include <dirent.h>
 #include <fcntl.h>
 #include <stdexcept>
 #include <sys/wait.h>
@@ -17,17 +17,6 @@
 
 namespace os {
 namespace {
-
-std::string openDescriptors() {
-    std::string all;
-    DIR* dir = opendir("/proc/self/fd");
-    while (const dirent* entry = readdir(dir)) {
-        if (entry->d_name[0] != '.' && std::stoi(entry->d_name) != dirfd(dir))
-            all += std::string(all.empty() ? "" : " ") + entry->d_name;
-    }
-    closedir(dir);
-    return all;
-}
 
 class Echo : public io::MsgIpc::Reader {
 public:
@@ -53,7 +42,7 @@ int serve(char** argv) {
     link.acceptIo(pipe.takeIo());
     rdr::OutStream& out = link.startMsg("hello");
     for (const std::string& field : {std::to_string(getpid()), std::to_string(getsid(0)),
-                                     std::string(pipe.isDummy() ? "dummy" : ""), rest, openDescriptors()})
+                                     std::string(pipe.isDummy() ? "dummy" : ""), rest, openDescriptorNumbers()})
         out.writeString8(field);
     link.endMsg();
     link.readUntilEnd();

@@ -71,6 +71,15 @@ protected:
         for (int i = 0; i < count; ++i)
             mgr.poll(0);
     }
+    // A socket that nobody listens at.
+    static void makeDead(const std::string& path) {
+        const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        strcpy(address.sun_path, path.c_str());
+        EXPECT_EQ(bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+        close(fd);
+    }
     static struct stat statOf(const std::string& path) {
         struct stat info {};
         EXPECT_EQ(lstat(path.c_str(), &info), 0) << path;
@@ -163,9 +172,7 @@ TEST_F(LocalSocketTest, InheritedDescriptorsAreWrappedByTheirKind) {
     pipeEnd->shutdown(false, false);
     close(ends[1]);
     EXPECT_EQ(plat::errorOf([] { fdToFdIo(9999); }), EBADF);
-}
 
-TEST_F(LocalSocketTest, AnInheritedTcpSocketKnowsItsAddresses) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -176,12 +183,12 @@ TEST_F(LocalSocketTest, AnInheritedTcpSocketKnowsItsAddresses) {
     getsockname(listening, reinterpret_cast<sockaddr*>(&address), &size);
     const int connected = socket(AF_INET, SOCK_STREAM, 0);
     ASSERT_EQ(connect(connected, reinterpret_cast<sockaddr*>(&address), size), 0);
-    io::FdIo* io = fdToFdIo(connected);
+    io::FdIo* tcp = fdToFdIo(connected);
     const std::string peer = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
-    EXPECT_EQ(io->getPeerEndpoint().c_str(), peer);
-    EXPECT_EQ(std::string(io->getLocalEndpoint().c_str()).rfind("127.0.0.1:", 0), 0u);
-    EXPECT_EQ(io->getName().c_str(), "<tcp-" + peer + ">");
-    io->shutdown(false, false);
+    EXPECT_EQ(tcp->getPeerEndpoint().c_str(), peer);
+    EXPECT_EQ(std::string(tcp->getLocalEndpoint().c_str()).rfind("127.0.0.1:", 0), 0u);
+    EXPECT_EQ(tcp->getName().c_str(), "<tcp-" + peer + ">");
+    tcp->shutdown(false, false);
     close(listening);
 }
 
@@ -204,14 +211,7 @@ TEST_F(LocalSocketTest, ANameInUseIsRefusedUnlessTakenOver) {
 
 TEST_F(LocalSocketTest, ADeadSocketIsReplacedAndWhatIsNoSocketIsNot) {
     const std::string path = dir / "s";
-    {
-        const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        strcpy(address.sun_path, path.c_str());
-        ASSERT_EQ(bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-        close(fd);
-    }
+    makeDead(path);
     { NamedPipeListener listener(path.c_str()); }
     EXPECT_FALSE(exists(path));
 
@@ -365,17 +365,9 @@ TEST_F(LocalSocketTest, TheFileIsTouchedAndBroughtBackWithoutLosingDescriptors) 
 }
 
 TEST_F(LocalSocketTest, StaleNamesAreRemovedAndLiveOnesKept) {
-    const auto makeDead = [this](const char* file) {
-        const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        strcpy(address.sun_path, (scoped + "/" + file).c_str());
-        EXPECT_EQ(bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-        close(fd);
-    };
     PipeNameScoped("X");
     for (const char* file : {"progX.7", "progX.7.1", "progX.7.22", "progX.77", "progX.7.1x", "progXY.7", "progX"})
-        makeDead(file);
+        makeDead(scoped + "/" + file);
     std::ofstream(scoped + "/progX.7.5") << "no socket";
     NamedPipeListener live(PipeNameScoped("X", 7, 3).path());
     PipeNameScoped::clearStale("X", 7);

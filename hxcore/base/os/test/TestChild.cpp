@@ -29,15 +29,6 @@ std::string numbers(const std::vector<int>& all) {
     return text;
 }
 
-std::vector<int> openDescriptors() {
-    std::vector<int> open;
-    for (int fd = 0; fd < 1024; ++fd) {
-        if (fcntl(fd, F_GETFD) >= 0)
-            open.push_back(fd);
-    }
-    return open;
-}
-
 std::string linkOf(int fd) {
     char target[PATH_MAX];
     const ssize_t len = readlink(("/proc/self/fd/" + std::to_string(fd)).c_str(), target, sizeof target);
@@ -63,7 +54,7 @@ std::string groups() {
 int tellFacts(int argc, char** argv) {
     char cwd[PATH_MAX];
     Facts facts;
-    facts["fds"] = numbers(openDescriptors());
+    facts["fds"] = openDescriptorNumbers();
     for (const int fd : {0, 1, 2, 7, 8})
         facts["fd" + std::to_string(fd)] = linkOf(fd);
     facts["cwd"] = getcwd(cwd, sizeof cwd) ? cwd : "none";
@@ -89,6 +80,15 @@ int tellFacts(int argc, char** argv) {
 const ChildRoad road(tellFactsWord, tellFacts);
 
 } // namespace
+
+std::string openDescriptorNumbers() {
+    std::vector<int> open;
+    for (int fd = 0; fd < 1024; ++fd) {
+        if (fcntl(fd, F_GETFD) >= 0)
+            open.push_back(fd);
+    }
+    return numbers(open);
+}
 
 Facts readFacts(const std::string& file) {
     std::ifstream in(file);

@@ -16,6 +16,7 @@ using Facts = std::map<std::string, std::string>;
 
 Facts readFacts(const std::string& file); ///< empty if there is none
 std::string readText(const std::string& file);
+std::string openDescriptorNumbers(); ///< "0 1 2"
 
 /// Hears of the ends of children.
 class Ends : public ProcessMonitor::Callback {

@@ -75,10 +75,7 @@ TEST_F(ConfigurationTest, ArgumentsTurnOnOffAndSet) {
     EXPECT_FALSE(flag->value());
     EXPECT_EQ(number->value(), 7);
     EXPECT_EQ(flag->getPriority(), 10);
-}
-
-TEST_F(ConfigurationTest, ABoolNeverEatsTheNextArgument) {
-    EXPECT_EQ(take({"-flag", "0"}), 1);
+    EXPECT_EQ(take({"-flag", "0"}), 1) << "a bool never eats the next argument";
     EXPECT_TRUE(flag->value());
 }
 

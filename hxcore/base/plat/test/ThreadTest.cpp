@@ -129,14 +129,6 @@ protected:
     int fds[2];
 };
 
-TEST_F(WaitForFdTest, TellsWhatIsReady) {
-    EXPECT_FALSE(waitForFd(fds[0], 0, true, false));
-    EXPECT_FALSE(waitForFd(fds[0], 2, true, false));
-    EXPECT_TRUE(waitForFd(fds[1], -1, false, true));
-    EXPECT_EQ(write(fds[1], "x", 1), 1);
-    EXPECT_TRUE(waitForFd(fds[0], -1, true, false));
-}
-
 TEST_F(WaitForFdTest, RefusesDescriptorsThatSelectCannotTake) {
     rlimit limit;
     getrlimit(RLIMIT_NOFILE, &limit);

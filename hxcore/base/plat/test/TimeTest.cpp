@@ -33,7 +33,9 @@ TEST(Time, CountsFrom1601) {
     EXPECT_EQ(toIso8601(Time::fromUnix(0)), "1970-01-01T00:00:00Z");
     EXPECT_EQ(Time::fromUnix(1, 500000).ticks, Time::unixEpoch + second + 5000000);
     EXPECT_EQ(Time(Time::unixEpoch - 1).toUnix(), -1);
-    EXPECT_GT(Time::now(), Time::fromUnix(1600000000));
+    EXPECT_EQ(toIso8601(Time(INT64_MAX), true), "30828-09-14T02:48:05.477Z");
+    EXPECT_EQ(toIso8601(Time(-1), true), "1600-12-31T23:59:59.999Z");
+    EXPECT_FALSE(toIso8601(Time(INT64_MIN)).isEmpty());
 }
 
 TEST(Time, ArithmeticSaturates) {
@@ -52,12 +54,6 @@ TEST(Time, ArithmeticSaturates) {
     t += 2;
     t -= 4;
     EXPECT_EQ(t.ticks, -1);
-}
-
-TEST(Time, TextsAtTheEndsOfTheRange) {
-    EXPECT_EQ(toIso8601(Time(INT64_MAX), true), "30828-09-14T02:48:05.477Z");
-    EXPECT_EQ(toIso8601(Time(-1), true), "1600-12-31T23:59:59.999Z");
-    EXPECT_FALSE(toIso8601(Time(INT64_MIN)).isEmpty());
 }
 
 TEST(Time, LocalTextTellsTheOffset) {
@@ -100,8 +96,8 @@ TEST(Time, ParsesIso8601) {
 
 TEST(Time, RefusesFieldsOutOfRange) {
     Time t(42);
-    for (const char* text : {static_cast<const char*>(nullptr),
-                             "",
+    EXPECT_FALSE(parseIso8601(nullptr, &t));
+    for (const char* text : {"",
                              "2024",
                              "2024-02-30T00:00:00Z",
                              "2023-02-29T00:00:00Z",
@@ -123,7 +119,7 @@ TEST(Time, RefusesFieldsOutOfRange) {
                              "2024-01-01T00:00:00+0100",
                              "-024-01-01T00:00:00Z",
                              "2024-01-01T00:00Z"})
-        EXPECT_FALSE(parseIso8601(text, &t)) << (text ? text : "null");
+        EXPECT_FALSE(parseIso8601(text, &t)) << text;
     EXPECT_EQ(t.ticks, 42);
 }
 

@@ -114,15 +114,13 @@ TEST_F(FileTest, DescriptorsCloseOnExecAndSeek) {
 }
 
 TEST_F(FileTest, LocksExcludeOtherDescriptors) {
-    const std::string f = path("lock");
-    const int first = fileOpenFd(f.c_str(), O_RDWR | O_CREAT);
-    const int second = fileOpenFd(f.c_str(), O_RDWR);
-    fileLock(first);
+    const int first = fileOpenFd(path("lock").c_str(), O_RDWR | O_CREAT);
+    const int second = fileOpenFd(path("lock").c_str(), O_RDWR);
+    fileLock(first, /*exclusive=*/false);
     EXPECT_FALSE(fileTryLock(second));
-    fileUnlock(first);
     EXPECT_TRUE(fileTryLock(second, /*exclusive=*/false));
-    EXPECT_TRUE(fileTryLock(first, /*exclusive=*/false));
-    EXPECT_FALSE(fileTryLock(first));
+    fileUnlock(first);
+    EXPECT_TRUE(fileTryLock(second));
     close(first);
     close(second);
 }
@@ -267,44 +265,32 @@ TEST_F(FileTest, FilePtrModes) {
     UmaskScope mask(0);
     const std::string f = path("f");
     const char* p = f.c_str();
+    const auto put = [p](const char* text, FileMode mode, int flags = 0) {
+        FilePtr file(p, mode, flags);
+        std::fputs(text, file.get());
+    };
     EXPECT_EQ(whatOf([&] { FilePtr file(p); }), "Error opening \"" + f + "\": No such file or directory (2)");
     EXPECT_FALSE(FilePtr(p, FileRead, FileOptional).isOpen());
     EXPECT_EQ(errorOf([&] { FilePtr file(p, FileReadWrite); }), ENOENT);
-    {
-        FilePtr file(p, FileWrite);
-        EXPECT_TRUE(fcntl(file.fd(), F_GETFD) & FD_CLOEXEC);
-        std::fputs("one", file.get());
-        file.close();
-        EXPECT_EQ(file.fd(), -1);
-    }
+    put("one", FileWrite);
     EXPECT_EQ(modeOf("f"), 0664u);
-    {
-        FilePtr file(p, FileWrite, FileAppend);
-        std::fputs(" two", file.get());
-    }
-    EXPECT_EQ(readTextFile(f), "one two");
-    {
-        FilePtr file(p, FileReadWrite);
-        std::fputs("ONE", file.get());
-        FilePtr moved = std::move(file);
-        EXPECT_FALSE(file); // NOLINT(bugprone-use-after-move)
-        EXPECT_STREQ(moved.getPath(), p);
-    }
+    put(" two", FileWrite, FileAppend);
+    put("ONE", FileReadWrite);
     EXPECT_EQ(readTextFile(f), "ONE two");
-    FilePtr(p, FileReadWrite, FileTruncate).close();
+    put("", FileReadWrite, FileTruncate);
     EXPECT_EQ(readTextFile(f), "");
+    put("x", FileReadWrite, FileAppend);
+    EXPECT_EQ(readTextFile(f), "x");
     FilePtr(path("new").c_str(), FileReadWrite, FileCreate | FilePrivate).close();
     EXPECT_EQ(modeOf("new"), 0600u);
-    FilePtr appender(p, FileReadWrite, FileAppend);
-    std::fputs("x", appender.get());
-    appender.close();
-    EXPECT_EQ(readTextFile(f), "x");
     std::filesystem::create_symlink(p, path("link").c_str());
     EXPECT_EQ(errorOf([&] { FilePtr file(path("link").c_str(), FileRead, FileOwn); }), ELOOP);
     FilePtr own(p, FileRead, FileOwn);
-    std::FILE* released = own.release();
-    EXPECT_FALSE(own.isOpen());
-    std::fclose(released);
+    EXPECT_TRUE(fcntl(own.fd(), F_GETFD) & FD_CLOEXEC);
+    FilePtr moved = std::move(own);
+    EXPECT_FALSE(own); // NOLINT(bugprone-use-after-move)
+    std::fclose(moved.release());
+    EXPECT_EQ(moved.fd(), -1);
 }
 
 TEST_F(FileTest, DashIsTheStandardStreamAndStaysOpen) {

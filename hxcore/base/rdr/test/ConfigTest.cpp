@@ -70,13 +70,6 @@ TEST(StreamConfig, WhatDoesntParseIsIgnoredAndTheRestIsRead) {
     EXPECT_FALSE(s.flag.value());
 }
 
-TEST(StreamConfig, ALineBeyondTheLimitEndsTheRead) {
-    Settings s;
-    BytesInStream in("Flag=1\nText=" + std::string(262144, 'x') + "\nNumber=7\n");
-    EXPECT_THROW(plat::StreamConfig::read(in, s.config, plat::PriorityPreference), rdr::StringTooLongException);
-    EXPECT_TRUE(s.flag.value());
-}
-
 TEST(StreamConfig, AMapComesBackAsItWasWritten) {
     plat::NameValueMap map;
     map["b"] = "line\nfeed \\ back\r";

@@ -1,7 +1,6 @@
 #include "rdr/FileConfig.h"
 #include "rdr/FileInStream.h"
 #include "rdr/FileOutStream.h"
-#include "rdr/TransactedFileOutStream.h"
 
 #include "scratchDir.h"
 #include "streamTesting.h"
@@ -17,22 +16,6 @@
 namespace {
 
 using FileStreams = ScratchDir;
-
-TEST_F(FileStreams, WhatIsWrittenIsReadBack) {
-    const std::string path = dir + "/file";
-    const std::string block(50000, 'x');
-    {
-        rdr::FileOutStream out(path.c_str());
-        out.writeBytes(block.data(), block.size());
-        out.writeU32(1);
-    } // writes what is buffered
-    rdr::FileInStream in(path.c_str());
-    std::string back(block.size(), ' ');
-    in.readBytes(back.data(), back.size());
-    EXPECT_EQ(back, block);
-    EXPECT_EQ(in.readU32(), 1U);
-    EXPECT_THROW(in.readU8(), rdr::EndOfStream);
-}
 
 TEST_F(FileStreams, AMissingFileAndADirectoryAreErrors) {
     EXPECT_THROW(rdr::FileInStream((dir + "/none").c_str()), plat::SystemException);
@@ -84,20 +67,6 @@ TEST(FileOutStream, AFullDiskIsAnError) {
     EXPECT_EQ(plat::whatOf([&] { out.close(); }), "writing to file failed: No space left on device (28)");
     rdr::FileOutStream dying("/dev/full"); // its destructor logs the same
     dying.writeU8(1);
-}
-
-TEST_F(FileStreams, ATransactionIsAllOrNothing) {
-    write("file", "old");
-    for (const bool commits : {false, true}) {
-        rdr::TransactedFileOutStream out((dir + "/file").c_str());
-        out.writeStr("new");
-        out.flush();
-        EXPECT_EQ(contents("file"), "old");
-        if (commits)
-            out.commit();
-    }
-    EXPECT_EQ(contents("file"), "new");
-    EXPECT_FALSE(exists("file.tmp"));
 }
 
 TEST_F(FileStreams, NothingCanBeWrittenBehindTheClose) {

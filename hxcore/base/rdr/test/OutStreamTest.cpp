@@ -8,7 +8,6 @@
 #include "plat/MBuf.h"
 #include "plat/test/thrown.h"
 #include "rdr/MemOutStream.h"
-#include "rdr/NullOutStream.h"
 
 #include <gtest/gtest.h>
 
@@ -42,16 +41,6 @@ TEST(OutStream, TypedWritesAreBigEndian) {
     cut.writeString8(std::string(300, 'y').c_str());
     EXPECT_EQ(contents(cut), bytes("ff") + std::string(255, 'x') + bytes("ff") + std::string(255, 'y'));
     EXPECT_FALSE(rdr::MemOutStream(0).takeString().isNull());
-}
-
-TEST(NullOutStream, SwallowsAnythingAndCounts) {
-    rdr::NullOutStream out;
-    const std::string block(10000000, 'x');
-    out.writeBytes(block.data(), block.size());
-    EXPECT_EQ(out.length(), block.size());
-    EXPECT_LE(out.bytesInBuffer(), 16384U);
-    out.flush();
-    EXPECT_EQ(out.bytesInBuffer(), 0U);
 }
 
 TEST(OutStream, ItemsThatMeetTheEndOfTheWindowAreWhole) {

@@ -1,6 +1,7 @@
 // Sources and sinks for tests of streams.
 #pragma once
 
+#include "plat/test/bytes.h"
 #include "rdr/BufferedInStream.h"
 #include "rdr/BufferedOutStream.h"
 #include "rdr/MemInStream.h"
@@ -8,27 +9,10 @@
 #include "rdr/exceptions.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <string>
 
-/// Bytes from text such as "00 0f 'name' ff": hexadecimal pairs and quoted text; blanks don't count.
-inline std::string bytes(const char* text) {
-    std::string out;
-    while (*text) {
-        if (*text == '\'') {
-            for (++text; *text != '\''; ++text)
-                out += *text;
-            ++text;
-        } else if (std::isxdigit(static_cast<unsigned char>(*text))) {
-            out += static_cast<char>(std::stoi(std::string(text, 2), nullptr, 16));
-            text += 2;
-        } else {
-            ++text;
-        }
-    }
-    return out;
-}
+using plat::bytes;
 
 inline std::string contents(const rdr::MemOutStream& out) {
     return std::string(reinterpret_cast<const char*>(out.data()), out.size());
