@@ -68,7 +68,7 @@ void StatePicture::takePicture() {
     column.ownStyle();
     canvas.addChildAt(mui::MuCommonWvw::commonOf(&column, /*assertCommon=*/true)->getWidget(), {rim, rim});
     mui::MuElement* element = make(&column);
-    const int wide = std::min(width, column.getMinWidth(0));
+    const int wide = std::min(width - 2 * rim, column.getMinWidth(0));
     const rfb::Point size(wide, std::max(1, column.getMinHeight(wide)));
     column.setSize(size);
     canvas.setSize(size + rfb::Point(2 * rim, 2 * rim));

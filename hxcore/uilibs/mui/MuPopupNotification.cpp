@@ -4,6 +4,8 @@
 #include "mui/MuFrame.h"
 #include "mui/MuImage.h"
 #include "mui/MuLayout.h"
+#include "mui/MuLine.h"
+#include "mui/MuSpacer.h"
 #include "mui/MuText.h"
 #include "plat/Markup.h"
 
@@ -11,6 +13,9 @@ namespace mui {
 namespace {
 constexpr int widthUnits = 640;
 constexpr int imageUnits = 88;
+constexpr int stripeUnits = 8;
+constexpr int textGapUnits = 24;
+constexpr int edge = 1; // pixels
 constexpr unsigned windowFlags =
     MuDialog::Popup | MuDialog::NoFocusOnShow | MuDialog::NoDecoration | MuDialog::AutoHeight | MuDialog::FixedSize;
 } // namespace
@@ -22,10 +27,22 @@ MuPopupNotification::MuPopupNotification(const char* imageName, const char* mark
     dialog->setBgColour("contentBg");
     dialog->setTextColour("contentText");
     dialog->setMargin(0);
-    MuFrame* frame = MuFrame::create(dialog.get(), "frame", MuFrame::Type::Line);
-    MuLayout* column = MuLayout::create(frame, "vertLayout", Orientation::Vertical);
+    // What the stripe and the body leave free of the frame is its edge.
+    MuFrame* frame = MuFrame::create(dialog.get(), "frame");
+    frame->setBgColour("disabledText");
+    frame->setMargin({0, edge});
+    MuLayout* parts = MuLayout::create(frame, "", Orientation::Horizontal);
+    parts->setSpacing(0);
+    MuLine* stripe = MuLine::create(parts, "stripe", MuLine::Type::Colour, Orientation::Vertical);
+    stripe->setTextColour("customBigBtnBg");
+    parts->setChildLayout(stripe, MuLayout::Fixed, hxutil::scaled(stripeUnits));
+    MuFrame* body = MuFrame::create(parts, "");
+    body->setBgColour("contentBg");
+    parts->setChildLayout(body, MuLayout::Stretch);
+    MuSpacer::create(parts, "", {edge, 0});
+    MuLayout* column = MuLayout::create(body, "vertLayout", Orientation::Vertical);
     MuLayout* row = MuLayout::create(column, "layout", Orientation::Horizontal);
-    row->setSpacing(Mui::instance()->metric(MetricLargeGap));
+    row->setSpacing(hxutil::scaled(textGapUnits));
     const int imageSize = hxutil::scaled(imageUnits);
     MuImage* image = MuImage::create(row, "image", imageName, {imageSize, imageSize});
     row->setChildLayout(image, MuLayout::Natural | MuLayout::Start);

@@ -22,6 +22,7 @@ constexpr int tickLengthUnits = 12;
 constexpr int tickWidthUnits = 2;
 constexpr int preferredLengthUnits = 20;
 constexpr int preferredAcrossUnits = 52;
+constexpr int focusRoomUnits = 2; // on either side across
 
 int px(int units) { return std::max(1, hxutil::scaled(units)); }
 
@@ -37,7 +38,8 @@ int WDiscreteSlider::length() const { return isVertical() ? getHeight() : getWid
 
 int WDiscreteSlider::thumbLength() const {
     const int room = isVertical() ? getWidth() : getHeight();
-    return std::clamp(room - px(tickGapUnits) - px(tickLengthUnits), 0, px(longestThumbUnits));
+    return std::clamp(room - px(tickGapUnits) - px(tickLengthUnits) - 2 * px(focusRoomUnits), 0,
+                      px(longestThumbUnits));
 }
 
 int WDiscreteSlider::across() const {

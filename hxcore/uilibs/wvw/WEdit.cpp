@@ -638,10 +638,18 @@ void WEdit::paintText(rfb::FullFramePixelBuffer& pb) {
     }
     const std::string glyphs = shown();
     const hxutil::TextLine shownLine(font, glyphs.c_str());
-    shownLine.draw(pb, origin, pixel(pb, isEnabled() ? look.text : look.disabled));
+    // Stars stand at the top of their cells: lowered, they are in the middle of the field.
+    const Point at(origin.x, origin.y + (password ? font.height / 5 : 0));
+    shownLine.draw(pb, at, pixel(pb, isEnabled() ? look.text : look.disabled));
     const int from = std::min(cursor, insertionPoint());
     const int to = std::max(cursor, insertionPoint());
-    if (from < to && isEnabled())
+    if (from < to && isEnabled() && password) {
+        const Rect marked(origin.x + caretX(from), origin.y, origin.x + caretX(to), origin.y + font.height);
+        const Rect part = marked.intersect(pb.getRect());
+        fill(pb, part, look.selectionBg);
+        rfb::FullFramePixelBuffer view(pb, part, part.tl);
+        shownLine.draw(view, at, pixel(pb, look.selectionText));
+    } else if (from < to && isEnabled())
         drawSelected(pb, shownLine, origin, shownIndex(from), shownIndex(to));
     else if (hasFocus())
         fill(pb, Rect::xywh(origin.x + caretX(from), origin.y, 1, font.height), look.text);

@@ -409,7 +409,8 @@ void WTable::paint(rfb::FullFramePixelBuffer& pb) {
         rfb::FullFramePixelBuffer view(pb, inner, inner.tl);
         const std::vector<int> widths = columnWidths();
         const Rect content = contentRect();
-        const int end = std::min(rowCount, firstVisibleRow() + content.height() / getRowHeight() + 1);
+        // A row that is cut is not shown, unless there is no whole one.
+        const int end = std::min(rowCount, firstVisibleRow() + std::max(1, visibleRows()));
         for (int row = firstVisibleRow(); row < end; ++row)
             paintRow(view, row, widths);
         if (showHeading)
@@ -455,7 +456,7 @@ void WTable::paintRow(rfb::FullFramePixelBuffer& pb, int row, const std::vector<
     rfb::FullFramePixelBuffer view(pb, part, part.tl);
     // Grey text could not be read on the blue of a selection that counts.
     if (row == selectedRow)
-        fill(view, line, isEnabled() ? getStyle().selectionBg : themeColour("inactiveBd", getStyle().bevelShadow));
+        fill(view, line, isEnabled() ? getStyle().selectionBg : getStyle().face(FaceState::Disabled).top);
     int x = line.tl.x;
     for (size_t i = 0; i < columns.size(); ++i) {
         paintCell(view, row, columns[i], Rect::xywh(x, top, widths[i], height));

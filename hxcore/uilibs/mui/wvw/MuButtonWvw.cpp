@@ -18,6 +18,7 @@ namespace mui {
 namespace {
 constexpr int gapUnits = 12;
 constexpr int paddingUnits = 8;
+constexpr int frameUnits = 8; // at either side, for the bevel and the focus frame
 constexpr int arrowUnits = 14;
 constexpr int focusInset = 3; // pixels
 constexpr rfb::Colour darkLink = rfb::Colour::rgb(0x66a7e8);
@@ -155,7 +156,7 @@ rfb::Point MuButtonWvw::padding() const {
     if (getButtonType() != Type::Normal)
         return {0, 0};
     const int px = hxutil::scaled(paddingUnits);
-    return {px, px};
+    return {shownLabel.isEmpty() ? px : px + hxutil::scaled(frameUnits), px};
 }
 
 rfb::Point MuButtonWvw::contentSize() const {
@@ -207,9 +208,11 @@ void MuButtonWvw::paintCustom(wvw::WCustom*, rfb::FullFramePixelBuffer& pb) {
     } else {
         if (kind == Type::Normal)
             paintFace(pb);
+        else if (widget.hasFocus()) // under the text, which reaches its edges
+            widget.drawFocus(pb, widget.getRect(), /*dotted=*/true);
         paintContent(pb, kind == Type::Normal && pressed ? rfb::Point(1, 1) : rfb::Point());
     }
-    if (widget.hasFocus())
+    if (widget.hasFocus() && kind != Type::Link)
         widget.drawFocus(pb, widget.getRect().expandBy(kind == Type::Normal ? -focusInset : 0), /*dotted=*/true);
 }
 

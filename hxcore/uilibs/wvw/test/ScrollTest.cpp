@@ -205,12 +205,12 @@ TEST_F(DiscreteTest, KeysOfItsAxisStepAndTheOthersTravel) {
 }
 
 TEST_F(DiscreteTest, TheThumbSnapsToTheMarksThatStandAtEachPosition) {
-    EXPECT_EQ(slider.thumbRect(), Rect(0, 0, 11, 18));
+    EXPECT_EQ(slider.thumbRect(), Rect(0, 1, 11, 17));
     window.move(5, 5);
     window.press();
     window.move(5 + 60, 5);
     EXPECT_EQ(slider.getValue1(), 2);
-    EXPECT_EQ(slider.thumbRect(), Rect(50, 0, 61, 18));
+    EXPECT_EQ(slider.thumbRect(), Rect(50, 1, 61, 17));
     window.release();
 }
 
