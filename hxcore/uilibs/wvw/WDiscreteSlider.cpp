@@ -38,8 +38,7 @@ int WDiscreteSlider::length() const { return isVertical() ? getHeight() : getWid
 
 int WDiscreteSlider::thumbLength() const {
     const int room = isVertical() ? getWidth() : getHeight();
-    return std::clamp(room - px(tickGapUnits) - px(tickLengthUnits) - 2 * px(focusRoomUnits), 0,
-                      px(longestThumbUnits));
+    return std::clamp(room - px(tickGapUnits) - px(tickLengthUnits) - 2 * px(focusRoomUnits), 0, px(longestThumbUnits));
 }
 
 int WDiscreteSlider::across() const {
