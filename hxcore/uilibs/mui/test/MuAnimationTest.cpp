@@ -1,24 +1,18 @@
 #include "mui/MuAnimation.h"
 
 #include "mui/test/FakeElements.h"
-#include "plat/monoTime.h"
+#include "plat/test/FakeClock.h"
 
 #include <gtest/gtest.h>
 
 namespace mui {
 namespace {
-int64_t now = 0;
-int64_t clockNow(int64_t, bool*) { return now; }
-constexpr int64_t ticksPerMs = 10000;
 
 class AnimationTest : public testing::Test {
 protected:
-    AnimationTest() { plat::setTimeSource(clockNow); }
-    ~AnimationTest() override { plat::setTimeSource(nullptr); }
-
     /// One frame's time, at the end of which what has changed is painted where somebody looks.
     void pass(int ms) {
-        now += ms * ticksPerMs;
+        plat::FakeClock::advanceMs(ms);
         timers.processTimers();
         for (auto* image : {dynamic_cast<FakeImage*>(dialog.findElement("a")),
                             dynamic_cast<FakeImage*>(dialog.findElement("spinner"))})
@@ -26,6 +20,7 @@ protected:
                 image->painted();
     }
 
+    plat::FakeClock clock;
     plat::TimerManager timers;
     FakeToolkit toolkit;
     FakeDialog dialog{"d"};

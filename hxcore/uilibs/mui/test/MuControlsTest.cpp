@@ -2,7 +2,7 @@
 #include "mui/MuiInspector.h"
 #include "mui/test/FakeElements.h"
 #include "plat/Timer.h"
-#include "plat/monoTime.h"
+#include "plat/test/FakeClock.h"
 #include "rfb/keySymbols.h"
 
 #include <gtest/gtest.h>
@@ -246,9 +246,6 @@ TEST_F(SuperboxTest, KeysAskTheCallbackFirst) {
     EXPECT_FALSE(box->isPopupShown());
 }
 
-int64_t now = 0;
-int64_t clockNow(int64_t, bool*) { return now; }
-
 TEST(AutoHider, HidesAfterTheDelayWithoutThePointer) {
     struct Pointer : ui::AutoHider {
         bool isPointerInside() override { return inside; }
@@ -260,64 +257,58 @@ TEST(AutoHider, HidesAfterTheDelayWithoutThePointer) {
         using MuAutoHiderDlgBase::MuAutoHiderDlgBase;
         Hider(MuDialog* target, std::unique_ptr<ui::AutoHider> watch) : MuAutoHiderDlgBase(target, std::move(watch)) {}
     };
-    plat::setTimeSource(clockNow);
-    {
-        plat::TimerManager timers;
-        FakeToolkit toolkit;
-        FakeDialog dialog("d");
-        auto owned = std::make_unique<Pointer>();
-        Pointer& pointer = *owned;
-        Hider hider(&dialog, std::move(owned));
-        const auto pass = [&](int ms) {
-            now += ms * plat::ticksPerMs;
-            timers.processTimers();
-        };
-        dialog.setShown(true);
-        pass(100000);
-        EXPECT_TRUE(dialog.isShown()); // not enabled
-        hider.setDelay(500);
-        hider.setEnabled(true);
-        pass(499);
-        pointer.pointerEntered();
-        pass(1000);
-        EXPECT_TRUE(dialog.isShown());
-        pointer.pointerLeft();
-        pass(499);
-        EXPECT_TRUE(dialog.isShown());
-        pass(2);
-        EXPECT_FALSE(dialog.isShown());
-    }
-    plat::setTimeSource(nullptr);
+    const plat::FakeClock clock;
+    plat::TimerManager timers;
+    FakeToolkit toolkit;
+    FakeDialog dialog("d");
+    auto owned = std::make_unique<Pointer>();
+    Pointer& pointer = *owned;
+    Hider hider(&dialog, std::move(owned));
+    const auto pass = [&](int ms) {
+        plat::FakeClock::advanceMs(ms);
+        timers.processTimers();
+    };
+    dialog.setShown(true);
+    pass(100000);
+    EXPECT_TRUE(dialog.isShown()); // not enabled
+    hider.setDelay(500);
+    hider.setEnabled(true);
+    pass(499);
+    pointer.pointerEntered();
+    pass(1000);
+    EXPECT_TRUE(dialog.isShown());
+    pointer.pointerLeft();
+    pass(499);
+    EXPECT_TRUE(dialog.isShown());
+    pass(2);
+    EXPECT_FALSE(dialog.isShown());
 }
 
 TEST(MuiInspectorTest, ShowsAnElementForAMoment) {
-    plat::setTimeSource(clockNow);
-    {
-        plat::TimerManager timers;
-        FakeToolkit toolkit;
-        FakeDialog dialog("dlg");
-        MuButton* button = MuButton::create(MuLayout::create(&dialog, "row", Orientation::Horizontal), "go", "Go");
-        MuiInspector inspector;
-        const auto text = [&](const char* name) {
-            auto* element = inspector.getDialog()->findElement(plat::strFormat("main.%s", name).c_str());
-            return std::string(dynamic_cast<MuText&>(*element).getText());
-        };
-        EXPECT_STREQ(inspector.getDialog()->getName(), "MuiInspector");
-        EXPECT_TRUE(inspector.getDialog()->isShown());
-        EXPECT_EQ(text("muitype"), "&lt;type goes here&gt;");
+    const plat::FakeClock clock;
+    plat::TimerManager timers;
+    FakeToolkit toolkit;
+    FakeDialog dialog("dlg");
+    MuButton* button = MuButton::create(MuLayout::create(&dialog, "row", Orientation::Horizontal), "go", "Go");
+    MuiInspector inspector;
+    const auto text = [&](const char* name) {
+        auto* element = inspector.getDialog()->findElement(plat::strFormat("main.%s", name).c_str());
+        return std::string(dynamic_cast<MuText&>(*element).getText());
+    };
+    EXPECT_STREQ(inspector.getDialog()->getName(), "MuiInspector");
+    EXPECT_TRUE(inspector.getDialog()->isShown());
+    EXPECT_EQ(text("muitype"), "&lt;type goes here&gt;");
+    inspector.show(button);
+    EXPECT_EQ(text("muiid"), "dlg.row.go");
+    EXPECT_EQ(text("muitype"), "button");
+    EXPECT_EQ(MuiInspector::getElementId(&dialog), plat::String("dlg"));
+    for (int round = 0; round < 2; ++round) { // the timer goes on
         inspector.show(button);
-        EXPECT_EQ(text("muiid"), "dlg.row.go");
-        EXPECT_EQ(text("muitype"), "button");
-        EXPECT_EQ(MuiInspector::getElementId(&dialog), plat::String("dlg"));
-        for (int round = 0; round < 2; ++round) { // the timer goes on
-            inspector.show(button);
-            now += 200 * plat::ticksPerMs;
-            timers.processTimers();
-            EXPECT_EQ(text("muiid") + text("muitype") + text("muistate"), "");
-        }
-        EXPECT_DEATH(MuiInspector(), "!inspector");
+        plat::FakeClock::advanceMs(200);
+        timers.processTimers();
+        EXPECT_EQ(text("muiid") + text("muitype") + text("muistate"), "");
     }
-    plat::setTimeSource(nullptr);
+    EXPECT_DEATH(MuiInspector(), "!inspector");
 }
 
 } // namespace

@@ -6,8 +6,8 @@
 #include "os/AppInfo.h"
 #include "os/NamedPipeListener.h"
 #include "os/UnixIo.h"
-#include "plat/monoTime.h"
 #include "plat/test/FailingCalls.h"
+#include "plat/test/FakeClock.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -17,16 +17,12 @@
 
 namespace mui {
 namespace {
-int64_t now = 0;
-int64_t clockNow(int64_t, bool*) { return now; }
-constexpr int64_t ticksPerMs = 10000;
 
 class CommsTest : public testing::Test {
 protected:
     CommsTest() {
         os::AppInfo::setPathComp(plat::strFormat("zefmuitest%d", static_cast<int>(getpid())).c_str());
         os::AppInfo::setApp("app");
-        plat::setTimeSource(clockNow);
         loop = std::make_unique<io::FdSelectManager>();
         MuiComms::init(&toolkit, ":7");
         MuiComms::instance()->setEnabled(true);
@@ -36,7 +32,6 @@ protected:
         MuiComms::destroy();
         run();
         loop.reset();
-        plat::setTimeSource(nullptr);
         rmdir(path.substr(0, path.rfind('/')).c_str());
     }
 
@@ -45,7 +40,7 @@ protected:
         }
     }
     void pass(unsigned ms) {
-        now += ms * ticksPerMs;
+        plat::FakeClock::advanceMs(ms);
         run();
     }
     int connectClient() {
@@ -66,6 +61,7 @@ protected:
         return got < 0 && errno == EAGAIN ? "<nothing>" : "<end>";
     }
 
+    plat::FakeClock clock;
     FakeToolkit toolkit;
     std::unique_ptr<io::FdSelectManager> loop;
     FakeDialog dialog{"dlg"};
@@ -217,7 +213,7 @@ TEST_F(CommsTest, OthersAreServedWhileACommandHoldsUpTheLoop) {
         std::vector<int> silent;
         for (unsigned i = 0; i < 2 * MuiComms::maxSilent; ++i) {
             if (i == MuiComms::maxSilent)
-                now += (MuiComms::silenceMs + 1) * ticksPerMs;
+                plat::FakeClock::advanceMs(MuiComms::silenceMs + 1);
             silent.push_back(os::connectUnixSocket(path.c_str()));
             while (host.round() > 0) {
             }

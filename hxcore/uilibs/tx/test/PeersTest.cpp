@@ -266,14 +266,14 @@ TEST_F(PeersTest, WhatIsSelectedAndWhatIsCopiedAreTwoThings) {
     FakeWidget root(50, 50);
     tx::TXWParent parent(&root, nullptr, /*unmanaged=*/true);
     parent.setCutText("copied");
-    parent.setPrimaryText("sÃ©lected");
-    EXPECT_EQ(output("xclip -o -selection primary -t UTF8_STRING"), "sÃ©lected");
+    parent.setPrimaryText("s\xc3\xa9lected");
+    EXPECT_EQ(output("xclip -o -selection primary -t UTF8_STRING"), "s\xc3\xa9lected");
     EXPECT_EQ(output("xclip -o -selection clipboard -t UTF8_STRING"), "copied");
-    EXPECT_STREQ(parent.getPrimaryText().c_str(), "sÃ©lected");
+    EXPECT_STREQ(parent.getPrimaryText().c_str(), "s\xc3\xa9lected");
     EXPECT_STREQ(parent.getCutText().c_str(), "copied");
     copyWith("printf theirs | xclip -i -selection clipboard");
     EXPECT_STREQ(parent.getCutText().c_str(), "theirs");
-    EXPECT_EQ(output("xclip -o -selection primary -t UTF8_STRING"), "sÃ©lected");
+    EXPECT_EQ(output("xclip -o -selection primary -t UTF8_STRING"), "s\xc3\xa9lected");
     parent.setCutText("both"); // which a copy has always set
     EXPECT_STREQ(parent.getPrimaryText().c_str(), "both");
 }

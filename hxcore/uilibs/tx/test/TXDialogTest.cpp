@@ -154,17 +154,6 @@ TEST_F(TXDialogTest, AModalLoopServesItsSources) {
     EXPECT_EQ(removedCalls, 0);
 }
 
-TEST_F(TXDialogTest, IsTransientForItsParent) {
-    tx::TXWindow parent(10, 10);
-    tx::TXDialog dialog(&parent, "child");
-    dialog.show();
-    pump();
-    Window transientFor = tx::none;
-    EXPECT_TRUE(XGetTransientForHint(other.display, dialog.win(), &transientFor));
-    EXPECT_EQ(transientFor, parent.win());
-    dialog.hide(false);
-}
-
 TEST_F(TXDialogTest, AMessageBoxTellsWhichButtonEndedIt) {
     using tx::TXMsgBox;
     struct Case {

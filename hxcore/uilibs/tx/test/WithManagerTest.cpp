@@ -59,17 +59,6 @@ struct WithManagerTest : XTest {
     RecordingWindow window{&widget};
 };
 
-TEST_F(WithManagerTest, IsFoundAndTellsWhatItCan) {
-    EXPECT_NE(tx::WindowManager::findWMWindow(), tx::none);
-    EXPECT_TRUE(tx::WindowManager::isNetHintSupported(tx::netWmMoveResize()));
-    EXPECT_TRUE(tx::WindowManager::isNetHintSupported(tx::netWmStateAbove()));
-    EXPECT_FALSE(tx::WindowManager::isNetHintSupported(tx::selectionString()));
-    const rfb::Rect screen({0, 0}, tx::getScreenSize());
-    const rfb::Rect area = tx::WindowManager::getWorkArea();
-    EXPECT_FALSE(area.isEmpty());
-    EXPECT_TRUE(screen.encloses(area));
-}
-
 TEST_F(WithManagerTest, AddsAndRemovesStates) {
     tx::WindowManager::setNetWMState(&window, true, tx::netWmStateAbove());
     EXPECT_TRUE(eventually([this] { return hasState(tx::netWmStateAbove()); }));
@@ -132,12 +121,6 @@ TEST_F(WithManagerTest, KnowsItsPlaceInsideTheFrame) {
     const rfb::Rect near(150, 160, 250, 260); // a frame is added
     EXPECT_TRUE(eventually([&] { return near.contains(serverPosition()); }));
     EXPECT_TRUE(eventually([&] { return widget.getRootPosition() == serverPosition(); }));
-}
-
-TEST_F(WithManagerTest, AsksUsToClose) {
-    tx::sendRootClientMessage(window.win(), other.atom("_NET_CLOSE_WINDOW"));
-    EXPECT_TRUE(eventually([this] { return window.closed == 1; }));
-    EXPECT_TRUE(window.isMapped()); // the answer is ours
 }
 
 TEST_F(WithManagerTest, ActivatesWhatIsRaised) {

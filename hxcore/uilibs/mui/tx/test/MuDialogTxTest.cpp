@@ -46,43 +46,6 @@ TEST_F(DialogTxTest, MotifHintsFollowTheFlags) {
     EXPECT_EQ(motifHints(*bare)[2], 1);
 }
 
-TEST_F(DialogTxTest, AFixedSizeIsAHint) {
-    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {200, 100}, MuDialog::FixedSize));
-    ASSERT_TRUE(showAndWait(*dialog));
-    const XSizeHints& hints = windowOf(*dialog)->getSizeHints();
-    EXPECT_EQ(hints.min_width, hints.max_width);
-    EXPECT_EQ(hints.min_width, 200);
-}
-
-// A window manager reads the property anew each time.
-TEST_F(DialogTxTest, SizeHintsAreWrittenOnceForEachChange) {
-    Display* manager = XOpenDisplay(nullptr);
-    const Atom normalHints = XInternAtom(manager, "WM_NORMAL_HINTS", False);
-    std::unique_ptr<MuDialog> dialog(
-        MuDialog::create("d", "Title", {300, 0}, MuDialog::FixedSize | MuDialog::AutoHeight));
-    XSync(tx::dpy, False);
-    XSelectInput(manager, windowOf(*dialog)->win(), PropertyChangeMask);
-    XSync(manager, False);
-    const auto written = [&] {
-        XSync(tx::dpy, False);
-        XSync(manager, False);
-        int count = 0;
-        for (XEvent event; XPending(manager) > 0;) {
-            XNextEvent(manager, &event);
-            count += event.type == PropertyNotify && event.xproperty.atom == normalHints;
-        }
-        return count;
-    };
-    MuLayout* column = MuLayout::create(dialog.get(), "", Orientation::Vertical);
-    for (int i = 0; i < 10; ++i)
-        MuStatic::create(column, "text", "A text that is long enough to need a second line in this dialog");
-    ASSERT_TRUE(showAndWait(*dialog));
-    EXPECT_EQ(written(), 1); // as it is mapped, however many sizes were tried
-    dialog->nativeLayout();
-    EXPECT_EQ(written(), 0);
-    XCloseDisplay(manager);
-}
-
 TEST_F(DialogTxTest, HeightFollowsTheTextAndPlaceTheParent) {
     std::unique_ptr<MuDialog> parent(MuDialog::create("p", "Parent", {600, 400}));
     parent->setPosition({100, 100});
@@ -158,18 +121,6 @@ TEST_F(DialogTxTest, ADialogThatAsksNothingShowsNoFocusUntilAKeyAsksForIt) {
         dialog->setShown(false);
         ASSERT_TRUE(waitFor([&] { return !windowOf(*dialog)->isMapped(); }));
     }
-}
-
-TEST_F(DialogTxTest, TheCloseButtonOfTheWindowCloses) {
-    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
-    dialog->addObserver(this, true);
-    ASSERT_TRUE(showAndWait(*dialog));
-    heard.clear();
-    tx::sendClientMessage(windowOf(*dialog)->win(), 0, windowOf(*dialog)->win(), tx::wmProtocols(),
-                          static_cast<long>(tx::wmDeleteWindow()));
-    EXPECT_TRUE(waitFor([&] { return heard.find("d/3 ") != std::string::npos; }));
-    EXPECT_FALSE(dialog->isShown());
-    EXPECT_FALSE(windowOf(*dialog)->isMapped());
 }
 
 TEST_F(DialogTxTest, ABlockingQuestionReturnsOnceItIsClosed) {

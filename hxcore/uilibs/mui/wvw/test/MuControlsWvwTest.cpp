@@ -314,31 +314,6 @@ TEST_F(ControlsTest, ArrowsChooseInARadioGroup) {
     EXPECT_EQ(takeHeard(), "c/0 a/0 c/0 ");
 }
 
-TEST_F(ControlsTest, ASuperboxLeavesItsKeysToTheCallback) {
-    struct Box : MuSuperboxWvw {
-        explicit Box(Callback* target) : MuSuperboxWvw("find", "&Find", target, 80) {}
-    };
-    struct Taker : MuSuperbox::Callback {
-        bool onKey(MuSuperbox*, uint32_t key) override { return key == rfb::key::Down; }
-    } taker;
-    auto* box = new Box(&taker);
-    column->add(box);
-    MuButton* other = MuButton::create(column, "other", "Other");
-    box->setFocus();
-    layOut();
-    type("ab");
-    EXPECT_STREQ(box->getText(), "ab");
-    EXPECT_EQ(takeHeard(), "find/0 find/0 ");
-    box->setText("c");
-    EXPECT_EQ(heard, "");
-    window.key(rfb::key::Down); // would travel
-    EXPECT_TRUE(box->hasFocus());
-    window.unusedKeys.clear();
-    window.key(rfb::key::Escape);
-    EXPECT_EQ(window.unusedKeys, std::vector<uint32_t>{rfb::key::Escape}); // the dialog's
-    EXPECT_TRUE(other);
-}
-
 // Its observer deletes it: nothing of it may be touched on the way back.
 TEST_F(ControlsTest, AnElementMayGoInItsOwnEvent) {
     namespace key = rfb::key;

@@ -4,7 +4,6 @@
 #include "mui/MuDialog.h"
 #include "mui/MuFrame.h"
 #include "mui/MuImage.h"
-#include "mui/MuLine.h"
 #include "mui/MuStatic.h"
 #include "mui/MuText.h"
 #include "mui/wvw/MuButtonWvw.h"
@@ -197,15 +196,6 @@ TEST_F(TwinsTest, PlainTextIsShownLiterally) {
     EXPECT_EQ(wrapped->getMinHeight(0), wrapped->getMinHeight(10000)); // no width means one line
     EXPECT_GT(wrapped->getMinHeight(60), wrapped->getMinHeight(0));
     layOut();
-}
-
-TEST_F(TwinsTest, ALineHasTheThicknessOfItsPlace) {
-    MuLine* line = MuLine::create(column, "line", MuLine::Type::Colour);
-    line->setTextColour("#123456");
-    column->setChildLayout(line, MuLayout::Fixed, 4);
-    layOut();
-    EXPECT_EQ(window.countPixels({0, 0, 300, 4}, 0x123456), 1200);
-    EXPECT_EQ(window.countPixels({0, 4, 300, 20}, 0x123456), 0);
 }
 
 } // namespace
