@@ -162,6 +162,7 @@ void TXInit(const char* displayName) {
     colormap = DefaultColormap(dpy, DefaultScreen(dpy));
     if (ownCmap.value())
         colormap = XCreateColormap(dpy, rootWindow, DefaultVisual(dpy, DefaultScreen(dpy)), AllocNone);
+    getDefaultFont();
     addRootEventHandler(&cutBufferHandler(), /*add=*/true, PropertyChangeMask);
 }
 

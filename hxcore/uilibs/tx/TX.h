@@ -19,8 +19,9 @@ extern bool hasFocus;     ///< one of our windows has the keyboard
 /// Opens the display: `displayName`, or what DISPLAY says if it is null or empty. Once per process; again after success
 /// does nothing.
 ///
-/// Throws plat::Exception if it can't be opened. From then on the loss of the server ends the process with status 1,
-/// after a line in the log: no destructor runs, since any of them might talk to the server that is gone.
+/// Throws plat::Exception if it can't be opened. A server without any font ends the process with status 1. From then on
+/// the loss of the server ends the process with status 1, after a line in the log: no destructor runs, since any of
+/// them might talk to the server that is gone.
 void TXInit(const char* displayName = nullptr);
 
 /// Closes the display again. For a process that needs it only in passing, with no window alive; tests use it too.
@@ -73,8 +74,7 @@ Cursor getFontCursor(unsigned shape);
 
 GC getDefaultGC(); ///< made on first use, for any window of the default depth
 
-/// The server's font for text that we don't draw ourselves, loaded on first use and set in the default GC. With no font
-/// at all the process ends with status 1.
+/// The server's font for text that we don't draw ourselves, which is set in the default GC.
 XFontStruct* getDefaultFont();
 
 /// The six greys that all share, as pixels of the default visual.

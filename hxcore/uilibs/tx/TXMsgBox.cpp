@@ -8,6 +8,7 @@
 #include "wvw/WCanvas.h"
 #include "wvw/WImage.h"
 #include "wvw/WLabel.h"
+#include "wvw/WScrollView.h"
 
 #include <X11/keysym.h>
 
@@ -50,6 +51,13 @@ struct TXMsgBox::Button {
 
     unsigned flag;
     wvw::WLabelButton widget;
+};
+
+/// As wide as it is, and scrolled up and down.
+class TXMsgBox::TextView : public wvw::WScrollView {
+public:
+    explicit TextView(wvw::WLabel* text) { setContent(text); }
+    rfb::Point contentSizeFor(int width) override { return {width, getContent()->getPreferredHeight(width)}; }
 };
 
 TXMsgBox::TXMsgBox(TXWindow* owner, const char* title, const char* text, Icon icon_, unsigned buttons)
@@ -96,7 +104,10 @@ bool TXMsgBox::activated(wvw::Widget* origin) {
     return false;
 }
 
-bool TXMsgBox::keyEvent(uint32_t keysym, bool down, wvw::Widget*) {
+bool TXMsgBox::keyEvent(uint32_t keysym, bool down, wvw::Widget* origin) {
+    const bool page = keysym == XK_Prior || keysym == XK_Next;
+    if (down && page && view && origin != view.get())
+        return view->handleKey(keysym, down);
     if (!down || keysym != XK_Escape)
         return false;
     end(escapeButton());
@@ -120,9 +131,18 @@ unsigned TXMsgBox::escapeButton() const {
 void TXMsgBox::layout() {
     const int gap = hxutil::scaled(gapUnits);
     const rfb::Point iconSize = icon->getPreferredSize();
-    const int textWidth = std::min(label->getPreferredSize().x, hxutil::scaled(textWidthUnits));
+    int textWidth = std::min(label->getPreferredSize().x, hxutil::scaled(textWidthUnits));
+    int textHeight = label->getPreferredHeight(textWidth);
     // However long the text, the buttons stay on the screen.
-    const int textHeight = std::min(label->getPreferredHeight(textWidth), getScreenSize().y * 2 / 3);
+    const int limit = getScreenSize().y * 2 / 3;
+    if (textHeight > limit) {
+        canvas().removeChild(label.get());
+        view = std::make_unique<TextView>(label.get());
+        canvas().addChild(view.get());
+        textWidth += wvw::WScrollbar::thickness;
+        textHeight = limit;
+    }
+    wvw::Widget* const text = view ? static_cast<wvw::Widget*>(view.get()) : label.get();
     const int bodyHeight = std::max(iconSize.y, textHeight);
     int buttonWidth = hxutil::scaled(buttonWidthUnits);
     int buttonHeight = 0;
@@ -136,7 +156,7 @@ void TXMsgBox::layout() {
     const int width = std::max(3 * gap + iconSize.x + textWidth, rowWidth + 2 * gap);
     canvas().setChildRect(icon.get(), rfb::Rect::at({gap, gap}, iconSize));
     canvas().setChildRect(
-        label.get(), rfb::Rect::xywh(2 * gap + iconSize.x, gap + (bodyHeight - textHeight) / 2, textWidth, textHeight));
+        text, rfb::Rect::xywh(2 * gap + iconSize.x, gap + (bodyHeight - textHeight) / 2, textWidth, textHeight));
     int x = width - gap - rowWidth;
     for (const auto& button : buttons_) {
         canvas().setChildRect(&button->widget, rfb::Rect::xywh(x, 2 * gap + bodyHeight, buttonWidth, buttonHeight));

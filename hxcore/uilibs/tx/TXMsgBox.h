@@ -8,12 +8,12 @@
 namespace wvw {
 class WImage;
 class WLabel;
-class WLabelButton;
 } // namespace wvw
 
 namespace tx {
 
-/// The one dialog for code that has no elements: an icon, a text, one to three buttons.
+/// The one dialog for code that has no elements: an icon, a text, one to three buttons. A text that is too high for the
+/// screen scrolls; the buttons are always in view.
 class TXMsgBox : public TXDialog {
 public:
     enum class Icon { Info, Warning, Error, Question };
@@ -42,6 +42,7 @@ public:
 
 private:
     struct Button;
+    class TextView;
 
     void layout();
     void end(unsigned button);
@@ -49,6 +50,7 @@ private:
 
     std::unique_ptr<wvw::WImage> icon;
     std::unique_ptr<wvw::WLabel> label;
+    std::unique_ptr<TextView> view; // around a label that is too high, else null
     std::vector<std::unique_ptr<Button>> buttons_;
     unsigned chosen = 0;
 };

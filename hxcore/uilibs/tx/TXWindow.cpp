@@ -207,18 +207,18 @@ void TXWindow::centreOnScreen() {
 void TXWindow::resize(int width, int height) {
     width = std::clamp(width, 1, maxSize);
     height = std::clamp(height, 1, maxSize);
+    const EventScope under(this);
     if (mapped) {
         // The manager may have answered already: its word comes first, or the old size would come back as new.
         XSync(dpy, False);
         XEvent last;
-        if (drainConfigure(&last)) {
-            width_ = last.xconfigure.width;
-            height_ = last.xconfigure.height;
-        }
+        if (drainConfigure(&last))
+            takeOverdueSize(last.xconfigure, width, height);
+        if (!under.alive())
+            return;
     }
     if (width == width_ && height == height_)
         return;
-    const EventScope under(this);
     // A manager holds a window that it has to the hints.
     if (fixedSize)
         fixHints(false);
@@ -227,6 +227,17 @@ void TXWindow::resize(int width, int height) {
     changeSize(width, height);
     if (under.alive() && fixedSize)
         fixHints(true);
+}
+
+/// What is not wanted any more is only noted: resized() comes with the size that is.
+void TXWindow::takeOverdueSize(const XConfigureEvent& e, int wantedWidth, int wantedHeight) {
+    if (e.width == wantedWidth && e.height == wantedHeight) {
+        takeConfigure(e);
+        return;
+    }
+    width_ = e.width;
+    height_ = e.height;
+    moved();
 }
 
 void TXWindow::changeSize(int width, int height) {
@@ -465,7 +476,10 @@ void TXWindow::correctSize(XConfigureEvent* synthetic) const {
 void TXWindow::handleConfigure(XEvent* event) {
     if (!drainConfigure(event) && event->xany.send_event)
         correctSize(&event->xconfigure);
-    const XConfigureEvent& e = event->xconfigure;
+    takeConfigure(event->xconfigure);
+}
+
+void TXWindow::takeConfigure(const XConfigureEvent& e) {
     const bool outOfDate = resizeRequest && static_cast<long>(e.serial - resizeRequest) < 0;
     const bool possible = e.width >= 1 && e.height >= 1 && e.width <= maxSize && e.height <= maxSize;
     const bool changed = !outOfDate && possible && (e.width != width_ || e.height != height_);

@@ -172,6 +172,8 @@ private:
     void handleFocus(bool in);
     void handleMapped(bool nowMapped);
     void handleConfigure(XEvent* event);
+    void takeConfigure(const XConfigureEvent& event);
+    void takeOverdueSize(const XConfigureEvent& event, int wantedWidth, int wantedHeight);
     void handleProperty(const XPropertyEvent& event);
     void handleSelectionClear(const XSelectionClearEvent& event);
     void handleSelectionNotify(XSelectionEvent* event);

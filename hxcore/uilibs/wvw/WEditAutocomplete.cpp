@@ -33,8 +33,8 @@ public:
     explicit List(WEditAutocomplete* owner_) : owner(owner_) {}
     ~List() override { clear(); }
 
+    /// In the window that is shown already, if one is: it must not flicker with each key.
     void show(const std::vector<const plat::String*>& texts) {
-        hide();
         clear();
         for (const plat::String* text : texts) {
             items.push_back(std::make_unique<WMenuItem>(withoutMnemonics(text->c_str()).c_str()));
@@ -42,8 +42,10 @@ public:
             add(items.back().get());
         }
         WRoot* root = owner->getRootWindow();
-        if (items.empty() || !root)
+        if (items.empty() || !root) {
+            hide();
             return;
+        }
         setStyle(&owner->getStyle());
         setMinWidth(std::max(0, owner->getWidth() - 8));
         const Point corner = owner->getRootPosition();

@@ -300,6 +300,8 @@ bool WLayout::handleKey(uint32_t keysym, bool down) {
 }
 
 Widget* WLayout::childUnder(const Point& position, int mask) {
+    constexpr int wheel = 0xf << 3;
+    mask &= ~wheel; // what cannot be changed can be read to its end
     for (auto i = children.rbegin(); i != children.rend(); ++i) {
         if (i->child->isVisible() && (!mask || i->child->isEnabled()) && i->rect().contains(position))
             return i->child;

@@ -334,7 +334,9 @@ bool WTable::focusChanged(bool backward, Widget* origin) {
 bool WTable::mouseDown(int button, Widget* origin) {
     const WidgetWatch self(this);
     // At its end, and sideways, the wheel is for what is around us.
-    if (isEnabled() && (button == 3 || button == 4) && !shiftDown() && moveBy(button == 3 ? -1 : 1))
+    const int step = button == 3 ? -1 : 1;
+    if ((button == 3 || button == 4) && !shiftDown() &&
+        (isEnabled() ? moveBy(step) : scrollRowsTo(firstVisibleRow() + step)))
         return true;
     if (!self.alive())
         return true;

@@ -2,7 +2,9 @@
 #include "XRelay.h"
 #include "XServer.h"
 #include "XTest.h"
+#include "plat/Configuration.h"
 #include "plat/Exception.h"
+#include "plat/test/CapturedLog.h"
 #include "plat/test/TempDir.h"
 #include "tx/TXDialog.h"
 #include "tx/TXMsgBox.h"
@@ -89,17 +91,56 @@ TEST(NoServerDeathTest, IsAnExceptionThatNamesTheDisplay) {
 void failToFindAFont() {
     const plat::TempDir dir;
     plat::writeTextFile(dir / "fonts.dir", "0\n");
-    XServer server;
-    tx::TXInit(server.display());
+    const XServer server;
+    Display* const other = XOpenDisplay(server.display()); // with the last client the server forgets it all
     std::string fontDir = dir.root;
     char* path[] = {fontDir.data()};
-    XSetFontPath(tx::dpy, path, 1);
-    tx::getDefaultFont();
+    XSetFontPath(other, path, 1);
+    XSync(other, False);
+    tx::TXInit(server.display());
 }
 
-TEST(NoFontDeathTest, EndsTheProcessThatNeedsOne) {
+TEST(NoFontDeathTest, EndsTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(failToFindAFont(), testing::ExitedWithCode(1), "^Failed to load any font\n$");
+}
+
+/// Where colours are cells of a map, and each call waits for its answer.
+void usePrivateColours() {
+    const XServer server("640x480x8");
+    plat::Configuration::global().set("owncmap", "1");
+    plat::Configuration::global().set("xsync", "1");
+    tx::TXInit(server.display());
+    tx::TXWindow window(10, 10);
+    XWindowAttributes attributes{};
+    XGetWindowAttributes(tx::dpy, window.win(), &attributes);
+    const Colormap shared = DefaultColormap(tx::dpy, DefaultScreen(tx::dpy));
+    // A full map of all others is no hindrance.
+    Display* const other = XOpenDisplay(server.display());
+    for (unsigned long cell = 0; XAllocColorCells(other, shared, False, nullptr, 0, &cell, 1);)
+        ;
+    XSync(other, False);
+    XColor odd{};
+    odd.red = 0x1234;
+    odd.green = 0x5678;
+    odd.blue = 0x9abc;
+    tx::allocColours(&odd, 1);
+    XColor got{};
+    got.pixel = odd.pixel;
+    XQueryColor(tx::dpy, tx::colormap, &got);
+    const plat::CapturedLog log;
+    XDestroyWindow(tx::dpy, 1);
+    const bool toldAtOnce = log.has("0 XError: X Error: BadWindow (invalid Window parameter) (3)");
+    _exit(tx::colormap == shared                          ? 1
+          : attributes.colormap != tx::colormap           ? 2
+          : got.red >> 8 != 0x12 || got.blue >> 8 != 0x9a ? 3
+          : !toldAtOnce                                   ? 4
+                                                          : 0);
+}
+
+TEST(SwitchesDeathTest, AColormapOfOurOwnAndEachRequestForItself) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(usePrivateColours(), testing::ExitedWithCode(0), "");
 }
 
 /// A dialog with buttons from nothing to a picture that rests, through the relay.

@@ -184,5 +184,41 @@ TEST_F(TXDialogTest, AMessageBoxTellsWhichButtonEndedIt) {
         EXPECT_EQ(Box(other, c).run(), c.ends);
 }
 
+TEST_F(TXDialogTest, AMessageOfAnyLengthIsReadToItsEndAndItsButtonsStayInView) {
+    std::string text;
+    for (int i = 0; i < 300; i++)
+        text += "Line " + std::to_string(i) + "\n";
+    tx::TXMsgBox box(nullptr, "Title", text.c_str(), tx::TXMsgBox::Icon::Info, tx::TXMsgBox::Ok);
+    box.show();
+    pump();
+    EXPECT_LT(box.height(), tx::getScreenSize().y * 9 / 10);
+    const auto picture = [&] {
+        pump();
+        fire(10);
+        XSync(tx::dpy, False);
+        XImage* image = XGetImage(other.display, box.win(), 0, 0, static_cast<unsigned>(box.width()),
+                                  static_cast<unsigned>(box.height()), AllPlanes, ZPixmap);
+        std::string bytes(image->data, static_cast<size_t>(image->bytes_per_line) * static_cast<size_t>(image->height));
+        XDestroyImage(image);
+        return bytes;
+    };
+    const auto press = [&](KeySym key) {
+        const unsigned code = XKeysymToKeycode(tx::dpy, key);
+        other.sendKey(box.win(), KeyPress, code);
+        other.sendKey(box.win(), KeyRelease, code);
+    };
+    const std::string beginning = picture();
+    press(XK_Next); // the focus is on the button
+    const std::string next = picture();
+    EXPECT_TRUE(next != beginning);
+    for (int i = 0; i < 100; i++)
+        press(XK_Next);
+    EXPECT_TRUE(picture() != next);
+    for (int i = 0; i < 100; i++)
+        press(XK_Prior);
+    EXPECT_TRUE(picture() == beginning);
+    box.hide(false);
+}
+
 } // namespace
 } // namespace txtest

@@ -1,9 +1,12 @@
 #include "tx/TXWindow.h"
 
 #include "XTest.h"
+#include "plat/Configuration.h"
+#include "plat/String.h"
 #include "tx/TXState.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include <unistd.h>
 
@@ -35,9 +38,11 @@ struct SizedWindow : tx::TXWindow {
     using tx::TXWindow::TXWindow;
     void resized() override { resizes.emplace_back(width(), height()); }
     void mapChanged() override { mapChanges++; }
+    void moved() override { moves++; }
     rfb::Point size() const { return {width(), height()}; }
     std::vector<rfb::Point> resizes;
     int mapChanges = 0;
+    int moves = 0;
 };
 
 struct TXWindowTest : XTest {
@@ -49,6 +54,7 @@ struct TXWindowTest : XTest {
         XGetWMNormalHints(other.display, window.win(), &hints, &supplied);
         return hints;
     }
+    static void setSwitch(const char* name, const char* value) { plat::Configuration::global().set(name, value); }
     int grabAsOther() {
         return XGrabPointer(other.display, other.root(), False, 0, GrabModeAsync, GrabModeAsync, tx::none, tx::none,
                             tx::currentTime);
@@ -214,6 +220,24 @@ TEST_F(TXWindowTest, ASizeFromBeforeOurOwnResizeIsOutOfDate) {
     EXPECT_EQ(window.size(), rfb::Point(1, 1));
 }
 
+// The manager's news waits in the queue when we ask for the very same: whoever lays out must hear of it.
+TEST_F(TXWindowTest, ASizeThatTheManagerGaveAlreadyIsToldAllTheSame) {
+    SizedWindow window(50, 40, nullptr, 0, /*overrideRedirect=*/true);
+    window.addEventMask(StructureNotifyMask);
+    window.map();
+    pump();
+    for (const rfb::Point size : {rfb::Point(90, 70), rfb::Point(60, 50)}) {
+        XMoveResizeWindow(other.display, window.win(), size.x, size.y, static_cast<unsigned>(size.x),
+                          static_cast<unsigned>(size.y));
+        other.sync();
+        window.resizes.clear();
+        window.moves = 0;
+        window.resize(90, 70);
+        EXPECT_EQ(window.resizes, (std::vector<rfb::Point>{{90, 70}}));
+        EXPECT_EQ(window.moves, 1);
+    }
+}
+
 TEST_F(TXWindowTest, WritesWhatManagersAndPagersRead) {
     tx::TXWindow window(50, 40);
     Closer closer;
@@ -299,6 +323,70 @@ TEST_F(TXWindowTest, TheHintsAreWrittenOnceForEachChangeThatAManagerSees) {
     EXPECT_EQ(written(), 0);
     window.map();
     EXPECT_EQ(serverHints(window).max_width, 60);
+}
+
+TEST_F(TXWindowTest, GrabsCanBeLeftToADebugger) {
+    tx::TXWindow window(50, 50, nullptr, 0, true);
+    window.addEventMask(StructureNotifyMask);
+    window.map();
+    pump();
+    setSwitch("_NoGrab", "1");
+    window.setGrab(true, true, tx::none, true);
+    EXPECT_EQ(tx::pointerGrabber(), &window); // for our own dispatch it has the pointer
+    EXPECT_EQ(grabAsOther(), GrabSuccess);
+    XUngrabPointer(other.display, tx::currentTime);
+    other.sync();
+    setSwitch("_NoGrab", "0");
+}
+
+TEST_F(TXWindowTest, EventsCanBeWatchedOnStderr) {
+    tx::TXWindow window(50, 50);
+    pump();
+    setSwitch("_DebugEvents", "1");
+    testing::internal::CaptureStderr();
+    other.sendPointer(window.win(), ButtonPress, 7, 8, 1);
+    XEvent expose{};
+    expose.xexpose.type = Expose;
+    expose.xexpose.window = window.win();
+    expose.xexpose.x = 1;
+    expose.xexpose.y = 2;
+    expose.xexpose.width = 10;
+    expose.xexpose.height = 20;
+    other.send(window.win(), expose);
+    pump();
+    setSwitch("_DebugEvents", "0");
+    const std::string said = testing::internal::GetCapturedStderr();
+    const std::string id = plat::strFormat(" window %lx ", window.win()).c_str();
+    EXPECT_NE(said.find(" ButtonPress" + id + "7,8\n"), std::string::npos) << said;
+    EXPECT_NE(said.find(" Expose" + id + "1,2 to 11,22\n"), std::string::npos) << said;
+    std::string form = said.substr(0, said.find(' '));
+    std::ranges::replace_if(
+        form, [](unsigned char c) { return std::isdigit(c); }, 'd');
+    EXPECT_EQ(form, "dd:dd:dd.ddd");
+}
+
+// Whoever listens at the root asks for what it needs; the server is told all of it, and no more.
+TEST_F(TXWindowTest, TheRootSelectsWhatItsHandlersAskFor) {
+    const auto selected = [] {
+        XWindowAttributes attributes{};
+        XGetWindowAttributes(tx::dpy, tx::rootWindow, &attributes);
+        return attributes.your_event_mask;
+    };
+    const long before = selected();
+    Recorder first;
+    Recorder second;
+    tx::addRootEventHandler(&first, true, SubstructureNotifyMask);
+    tx::addRootEventHandler(&second, true, FocusChangeMask | SubstructureNotifyMask);
+    EXPECT_EQ(selected(), before | SubstructureNotifyMask | FocusChangeMask);
+    const Window created = other.makeWindow();
+    pump();
+    EXPECT_EQ(first.count(CreateNotify), 1);
+    EXPECT_EQ(first.last.xcreatewindow.window, created);
+    tx::addRootEventHandler(&first, false);
+    tx::addRootEventHandler(&second, true, FocusChangeMask);
+    EXPECT_EQ(selected(), before | FocusChangeMask);
+    tx::addRootEventHandler(&second, false);
+    EXPECT_EQ(selected(), before);
 }
 
 TEST_F(TXWindowTest, GeometryOfTheUserWinsOverTheDefault) {

@@ -109,6 +109,32 @@ TEST_F(WithManagerTest, AFixedWindowTakesTheSizesThatWeGiveIt) {
     EXPECT_EQ(widget.getSize(), rfb::Point(400, 350));
 }
 
+// We ask, the user drags, the manager answers late and in its own way: in the end all agree.
+TEST_F(WithManagerTest, AStormOfSizesFromAllSidesEndsInOne) {
+    for (int round = 0; round < 200; round++) {
+        if (round % 3 == 0)
+            window.resize(150 + round, 300 - round);
+        else
+            XResizeWindow(other.display, window.win(), 400U - static_cast<unsigned>(round), 200);
+        if (round % 5 == 0)
+            tx::processEvents();
+    }
+    const auto onServer = [this] {
+        XWindowAttributes attributes{};
+        XGetWindowAttributes(other.display, window.win(), &attributes);
+        return rfb::Point(attributes.width, attributes.height);
+    };
+    EXPECT_TRUE(eventually([&] { return widget.getSize() == onServer(); }));
+    window.resize(333, 222);
+    EXPECT_TRUE(eventually([&] { return onServer() == rfb::Point(333, 222) && widget.getSize() == onServer(); }));
+    widget.colour = {0, 255, 255};
+    widget.repaint();
+    EXPECT_TRUE(eventually([this] {
+        fire(10);
+        return isNear(shown(window.win(), 332, 221), widget.colour);
+    }));
+}
+
 TEST_F(WithManagerTest, KnowsItsPlaceInsideTheFrame) {
     XMoveWindow(tx::dpy, window.win(), 150, 160);
     const auto serverPosition = [this] {
@@ -143,6 +169,30 @@ TEST_F(WithManagerTest, TheInputHintDecidesWhoTakesTheFocus) {
     quiet.raise();
     EXPECT_TRUE(eventually([&] { return quiet.taken > 0; }));
     EXPECT_TRUE(eventually([&] { return quiet.isFocused(); }));
+}
+
+TEST_F(WithManagerTest, OnlyTheUppermostOfModalDialogsCanBeClosed) {
+    tx::TXDialog lower(&window, "lower", /*centred=*/true);
+    tx::TXDialog upper(&lower, "upper", /*centred=*/true);
+    const std::vector<tx::TXDialog*> dialogs = {&lower, &upper};
+    for (tx::TXDialog* dialog : dialogs) {
+        dialog->setSize({80, 60});
+        dialog->show();
+        dialog->pushModal();
+        EXPECT_TRUE(eventually([&] { return dialog->isMapped(); }));
+    }
+    const auto closeAll = [&] {
+        for (const Window id : {window.win(), lower.win(), upper.win()})
+            tx::sendRootClientMessage(id, other.atom("_NET_CLOSE_WINDOW"));
+    };
+    closeAll();
+    EXPECT_TRUE(eventually([&] { return !upper.isMapped(); }));
+    EXPECT_TRUE(lower.isMapped());
+    closeAll();
+    EXPECT_TRUE(eventually([&] { return !lower.isMapped(); }));
+    EXPECT_EQ(window.closed, 0);
+    closeAll();
+    EXPECT_TRUE(eventually([&] { return window.closed == 1; }));
 }
 
 TEST_F(WithManagerTest, ADialogAboveItsParentIsModalForKeysAndClosing) {

@@ -15,7 +15,7 @@ namespace txtest {
 /// An Xvfb on a free display. It dies with the process that started it.
 class XServer {
 public:
-    XServer() {
+    explicit XServer(const char* screen = "640x480x24") {
         int numberPipe[2];
         if (pipe(numberPipe) != 0)
             std::abort();
@@ -27,7 +27,7 @@ public:
             dup2(nowhere, 2);
             close_range(4, ~0U, 0); // what the test program waits on must not stay open here
             prctl(PR_SET_PDEATHSIG, SIGKILL);
-            execlp("Xvfb", "Xvfb", "-displayfd", "3", "-screen", "0", "640x480x24", "-nolisten", "tcp", nullptr);
+            execlp("Xvfb", "Xvfb", "-displayfd", "3", "-screen", "0", screen, "-nolisten", "tcp", nullptr);
             _exit(127);
         }
         close(numberPipe[1]);

@@ -236,8 +236,15 @@ TEST_F(AutocompleteTest, TheListFollowsTheTypedText) {
     type("HA");
     EXPECT_EQ(shown(), (std::vector<std::string>{"harbour", "hare", "the harbour"}));
     EXPECT_FALSE(window.popupOf(window.anyPopup())->grabbed); // typing goes on in the field
+    const FakeParent* const popup = window.popupOf(window.anyPopup());
+    window.key(key::Down);
     type("RE");
     EXPECT_EQ(shown(), (std::vector<std::string>{"hare"}));
+    EXPECT_EQ(window.popupOf(window.anyPopup()), popup); // it has not flickered
+    EXPECT_FALSE(window.key(key::Return));               // and nothing is chosen in it
+    window.key(key::End);
+    type("r");
+    window.key(key::BackSpace);
     type("x");
     EXPECT_FALSE(edit.isListShown());
     edit.setText("");

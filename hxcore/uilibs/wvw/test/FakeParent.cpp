@@ -163,6 +163,13 @@ WRoot* FakeParent::getRoot(rfb::Point* originOut) {
 
 void FakeParent::showPopup(Widget* widget, bool show, bool grab, const rfb::Point& at) {
     const auto old = popups.find(widget);
+    if (old != popups.end() && show) { // the window stays, and goes where it is wanted
+        FakeParent& popup = *old->second;
+        popup.position = at;
+        popup.pixels.setSize(widget->getWidth(), widget->getHeight());
+        popup.invalid.reset(widget->getRect());
+        return;
+    }
     if (old != popups.end()) {
         // It may be in the middle of an event: it loses its widget at once, and its life with us.
         closed.push_back(std::move(old->second));

@@ -231,6 +231,17 @@ TEST_F(TableTest, TheWheelStepsThroughTheRows) {
     EXPECT_EQ(outside.last, 3);
     EXPECT_EQ(table.getSelectedRow(), 9);
     root.setMouseHandler(nullptr);
+    window.release(3);
+    window.letGo(key::ShiftL);
+    // What is locked can be read, and stays as it is.
+    table.setEnabled(false);
+    const int first = table.firstVisibleRow();
+    window.press(3);
+    window.release(3);
+    EXPECT_EQ(table.firstVisibleRow(), first - 1);
+    EXPECT_EQ(table.getSelectedRow(), 9);
+    window.click(10, 40);
+    EXPECT_EQ(table.getSelectedRow(), 9);
 }
 
 } // namespace
