@@ -1,4 +1,6 @@
 """The file chooser as people use it: by keys, by the pointer, in crowded folders and in folders that go away."""
+import contextlib
+import ctypes
 import os
 import shutil
 import subprocess
@@ -147,6 +149,43 @@ class ChooserTest(gallery.GalleryTest):
         until(lambda: self.gallery.state(self.chosen).get("value", "").startswith("access: No such file"), "the reason")
         self.gallery.until_state("saveDlg", "shown", "0")
 
+    @contextlib.contextmanager
+    def dead_mount(self, name):
+        """A file system whose server never says a word."""
+        path = os.path.join(self.folder, name)
+        os.mkdir(path)
+        libc = ctypes.CDLL(None, use_errno=True)
+        try:
+            server = os.open("/dev/fuse", os.O_RDWR)
+        except OSError as reason:
+            self.skipTest(f"no FUSE: {reason}")
+        options = f"fd={server},rootmode=40000,user_id={os.getuid()},group_id={os.getgid()}".encode()
+        try:
+            if libc.mount(b"dead", path.encode(), b"fuse", 0, options) != 0:
+                self.skipTest(f"no FUSE: {os.strerror(ctypes.get_errno())}")
+            yield
+        finally:
+            os.close(server)  # whoever waits for it is told
+            libc.umount2(path.encode(), 2)  # MNT_DETACH
+
+    def test_a_folder_that_never_answers_holds_up_nothing(self):
+        with self.dead_mount("dead"):
+            self.walk_about_a_dead_folder()
+
+    def walk_about_a_dead_folder(self):
+        self.open()
+        self.until_rows("alpha", "beta", "dead", "one.txt", "two.txt")  # it is listed without being asked
+        self.keys("Tab", "Tab", "Tab", "Tab", "d", "Return")
+        self.gallery.until_state(FOLDER, "value", self.folder + "/dead")
+        self.until_rows()
+        self.keys("shift+Tab", "shift+Tab", "Return")  # up again, while it is being read
+        self.until_rows("alpha", "beta", "dead", "one.txt", "two.txt")
+        self.gallery.ask(f"settext {NAME} {self.folder}/dead/new.txt")
+        self.keys("shift+Tab", "shift+Tab", "End", "a", "b")
+        self.until_name(self.folder + "/dead/new.txtab")
+        self.gallery.until_state("saveDlg.buttons.save", "enabled", "0")  # nobody said that it may be written to
+        self.keys("Escape")
+        self.gallery.until_state(self.chosen, "value", "cancelled")
 
     def test_a_folder_without_access_is_seen_and_not_entered(self):
         if os.geteuid() == 0:  # who may read everything
