@@ -32,6 +32,7 @@ UiProcess::UiProcess(const std::string& executable, const std::vector<std::strin
     words.push_back(std::to_string(pair[1]));
     words.insert(words.end(), args.begin(), args.end());
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (std::string& word : words)
         argv.push_back(word.data());
     argv.push_back(nullptr);

@@ -43,7 +43,7 @@ struct Arguments {
 /// Hands lines of the terminal, or of a pipe, to the commands.
 class LineReader : private io::IoHandler {
 public:
-    explicit LineReader(democore::Commands* target) : commands(target), io(new io::FdIo(0, /*ownFd=*/false)) {
+    explicit LineReader(democore::Commands* target) : commands(target), io(new io::FdIo(0, /*ownFd_=*/false)) {
         io->setHandler(this);
     }
     ~LineReader() override {
@@ -89,13 +89,11 @@ bool parse(int argc, char** argv, Arguments& args) {
             args.terminal = true;
         else if (word == "-nomirror")
             args.mirror = false;
-        else if (!next)
-            return false;
-        else if (word == "-mode")
+        else if (next && word == "-mode")
             args.mode = argv[++i];
-        else if (word == "-ui")
+        else if (next && word == "-ui")
             args.program = argv[++i];
-        else if (word == "-script")
+        else if (next && word == "-script")
             args.scripts.emplace_back(argv[++i]);
         else
             return false;

@@ -44,7 +44,7 @@ mui::MuLayout* group(mui::MuLayout* page, const char* title) {
 }
 
 Gallery::Gallery() : dialog(mui::MuDialog::create("gallery", "Gallery", {hxutil::scaled(1900), hxutil::scaled(1340)})) {
-    dialog->addObserver(this, true);
+    dialog->addObserver(this, /*add=*/true);
     auto* split = mui::MuSplitter::create(dialog.get(), "split", mui::Orientation::Horizontal);
     names = mui::MuList::create(split, "names", mui::MuList::KeepSelection);
     names->addColumn(mui::MuList::ColumnType::Text, nullptr);
@@ -67,12 +67,12 @@ Gallery::Gallery() : dialog(mui::MuDialog::create("gallery", "Gallery", {hxutil:
     names->setSelected(0);
     pager->setPage(0);
     dialog->setDefaultFocus(names);
-    dialog->setShown(true);
+    dialog->setShown(/*shown=*/true);
 }
 
 Gallery::~Gallery() {
     pages.clear();
-    dialog->addObserver(this, false);
+    dialog->addObserver(this, /*add=*/false);
 }
 
 void Gallery::muChanged(mui::MuElement* element) {

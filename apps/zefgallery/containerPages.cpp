@@ -60,7 +60,7 @@ public:
         auto* frame = mui::MuFrame::create(handles, "splitframe", mui::MuFrame::Type::Line);
         frame->setMargin(0);
         frame->setBgColour("contentBg");
-        auto* split = mui::MuSplitter::create(frame, "split", mui::Orientation::Horizontal, false,
+        auto* split = mui::MuSplitter::create(frame, "split", mui::Orientation::Horizontal, /*thin=*/false,
                                               mui::MuSplitter::Mode::MinSizes);
         for (const char* text : {"Left", "Middle", "Right"})
             mui::MuText::create(mui::MuFrame::create(split, ""), text, text);
@@ -176,10 +176,10 @@ public:
         mui::MuLayout* wheels = row(waiting);
         spinner = std::make_unique<mui::MuSpinner>(wheels, plat::isDarkMode());
         run = mui::MuCheck::create(wheels, "run", "&Turns");
-        run->addObserver(this, true);
+        run->addObserver(this, /*add=*/true);
     }
 
-    ~ImagesPage() override { run->addObserver(this, false); }
+    ~ImagesPage() override { run->addObserver(this, /*add=*/false); }
 
 private:
     void muChanged(mui::MuElement*) override { spinner->setRunning(run->isChecked()); }

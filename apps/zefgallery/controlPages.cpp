@@ -25,8 +25,8 @@ public:
         mui::MuLayout* ordinary = group(page, "Ordinary, disabled, locked; with an icon, with a popup, an icon alone");
         mui::MuLayout* line = row(ordinary);
         MuButton::create(line, "normal", "&Normal");
-        MuButton::create(line, "disabled", "&Disabled")->setEnabled(false);
-        MuButton::create(line, "locked", "&Locked")->setLocked(true);
+        MuButton::create(line, "disabled", "&Disabled")->setEnabled(/*enabled=*/false);
+        MuButton::create(line, "locked", "&Locked")->setLocked(/*locked=*/true);
         MuButton::create(line, "icon", "With &icon")->setImage("user", small());
         popup = MuButton::create(line, "popup", "&Popup", MuButton::Type::Normal, MuButton::PopupArrow);
         MuButton::create(line, "alone", nullptr)->setImage("group", small());
@@ -42,22 +42,22 @@ public:
         image->setImage(MuButton::ImageHover, "sdHamburger_hover");
         image->setTooltip("An image with another one for the pointer");
         MuButton::create(line, "link", "A &link", MuButton::Type::Link);
-        MuButton::create(line, "deadlink", "A disabled link", MuButton::Type::Link)->setEnabled(false);
+        MuButton::create(line, "deadlink", "A disabled link", MuButton::Type::Link)->setEnabled(/*enabled=*/false);
         mui::MuLayout* guarded =
             group(page, "Takes a deliberate act only: no injected key or click, none that was under way");
-        MuButton::create(row(guarded), "deliberate", "&Accept")->setDeliberate(true);
+        MuButton::create(row(guarded), "deliberate", "&Accept")->setDeliberate(/*on=*/true);
         last = mui::MuEdit::create(group(page, "What was pressed last"), "last", nullptr);
-        last->setLocked(true);
+        last->setLocked(/*locked=*/true);
         menu.reset(mui::MuPopupMenu::create("gallery"));
         menu->addItem("&Plain", nullptr, nullptr, this);
         menu->addItem("With an &image", "connections", nullptr, this);
-        menu->addItem("&Checked", nullptr, nullptr, this)->setChecked(true);
+        menu->addItem("&Checked", nullptr, nullptr, this)->setChecked(/*on=*/true);
         menu->addSeparator();
-        menu->addItem("&Disabled", nullptr, nullptr, this)->setEnabled(false);
+        menu->addItem("&Disabled", nullptr, nullptr, this)->setEnabled(/*on=*/false);
         menu->addItem("Asks for more &rights", nullptr, nullptr, this, ui::Menu::NeedsElevation);
-        page->addObserver(this, true);
+        page->addObserver(this, /*add=*/true);
     }
-    ~ButtonsPage() override { page->addObserver(this, false); }
+    ~ButtonsPage() override { page->addObserver(this, /*add=*/false); }
 
 private:
     void muActivated(mui::MuElement* element) override {
@@ -80,19 +80,19 @@ public:
         mui::MuLayout* marks = group(page, "Off, on, indeterminate, disabled, and a label that wraps");
         marks->setSpacing(hxutil::scaled(8));
         MuCheck::create(marks, "off", "O&ff");
-        MuCheck::create(marks, "on", "&On")->setChecked(true);
-        MuCheck::create(marks, "third", "&Neither")->setIndeterminate(true);
+        MuCheck::create(marks, "on", "&On")->setChecked(/*on=*/true);
+        MuCheck::create(marks, "third", "&Neither")->setIndeterminate(/*on=*/true);
         auto* disabled = MuCheck::create(marks, "disabled", "Disabled, on");
-        disabled->setChecked(true);
-        disabled->setEnabled(false);
+        disabled->setChecked(/*on=*/true);
+        disabled->setEnabled(/*enabled=*/false);
         MuCheck::create(marks, "long",
                         "Wenn eine Verbindung getrennt wird, die Sitzung dieses Benutzers sperren, den Ton ausschalten "
                         "und den Bildschirm erst wieder zeigen, wenn sich jemand vor Ort angemeldet hat");
         mui::MuLayout* radios = row(group(page, "One of several"));
         auto* several = new MuCheck::Group; // deletes itself with its last member
-        MuCheck::create(radios, "first", "Fi&rst", several)->setChecked(true);
+        MuCheck::create(radios, "first", "Fi&rst", several)->setChecked(/*on=*/true);
         MuCheck::create(radios, "second", "&Second", several);
-        MuCheck::create(radios, "gone", "Third", several)->setEnabled(false);
+        MuCheck::create(radios, "gone", "Third", several)->setEnabled(/*enabled=*/false);
         MuCheck::create(radios, "fourth", "Fo&urth", several);
         mui::MuLayout* drops =
             group(page, "Lists that drop: plain, editable, of sixty, too long, disabled, without items");
@@ -106,7 +106,7 @@ public:
         cut->setSelected(0);
         auto* dead = mui::MuChoice::create(drops, "dead", "Disabled:");
         fill(dead, 3);
-        dead->setEnabled(false);
+        dead->setEnabled(/*enabled=*/false);
         mui::MuChoice::create(drops, "none", "Without items:");
         mui::alignLabels(drops);
         mui::MuLayout* sliders = row(group(page, "From 0 to 8: in use, disabled, upright"));
@@ -115,14 +115,14 @@ public:
         sliders->setChildLayout(slider, mui::MuLayout::Fixed | mui::MuLayout::Centre, hxutil::scaled(400));
         value = mui::MuStatic::create(sliders, "value", "3");
         auto* deadSlider = mui::MuSlider::create(sliders, "deadslider", 0, 8);
-        deadSlider->setEnabled(false);
+        deadSlider->setEnabled(/*enabled=*/false);
         sliders->setChildLayout(deadSlider, mui::MuLayout::Fixed | mui::MuLayout::Centre, hxutil::scaled(400));
         mui::MuLayout* upright = column(sliders);
         upright->setChildLayout(mui::MuSlider::create(upright, "vertical", 0, 4, mui::Orientation::Vertical),
                                 mui::MuLayout::Fixed, hxutil::scaled(160));
-        slider->addObserver(this, true);
+        slider->addObserver(this, /*add=*/true);
     }
-    ~ChoicesPage() override { slider->addObserver(this, false); }
+    ~ChoicesPage() override { slider->addObserver(this, /*add=*/false); }
 
 private:
     static void fill(mui::MuChoice* choice, int count) {

@@ -26,12 +26,12 @@ public:
     explicit SearchBox(mui::MuLayout* parent) {
         box = mui::MuSuperbox::create(parent, "search", "&Search:", this, hxutil::scaled(400));
         box->setPlaceholder("One of 500 computers: type, or press Down");
-        box->addObserver(this, true);
+        box->addObserver(this, /*add=*/true);
     }
     ~SearchBox() override {
-        box->addObserver(this, false);
+        box->addObserver(this, /*add=*/false);
         if (list)
-            list->addObserver(this, false);
+            list->addObserver(this, /*add=*/false);
     }
 
 private:
@@ -66,7 +66,7 @@ private:
             list = mui::MuList::create(box->getPopup(), "found");
             list->addColumn(mui::MuList::ColumnType::Text, nullptr);
             list->setEmptyText("No computer has that name.");
-            list->addObserver(this, true);
+            list->addObserver(this, /*add=*/true);
         }
         list->removeAllRows();
         for (int i = 0; i < 500; ++i) {
@@ -74,11 +74,11 @@ private:
             if (name.find(box->getText()) != std::string::npos)
                 list->addRow({plat::String(name.c_str())});
         }
-        box->showPopup(true);
+        box->showPopup(/*show=*/true);
     }
     void take() {
         box->setText(list->getCell(list->getSelected(), 0));
-        box->showPopup(false);
+        box->showPopup(/*show=*/false);
     }
 
     mui::MuSuperbox* box;
@@ -103,10 +103,10 @@ public:
                       "point goes to its end, and which therefore shows that end at first");
         auto* disabled = MuEdit::create(page, "disabled", "Disabled:");
         disabled->setText("Can't be changed");
-        disabled->setEnabled(false);
+        disabled->setEnabled(/*enabled=*/false);
         auto* locked = MuEdit::create(page, "locked", "Locked:");
         locked->setText("Set by policy");
-        locked->setLocked(true);
+        locked->setLocked(/*locked=*/true);
         MuEdit::create(page, "scripts", "S&cripts:")->setText("Ελληνικά, Русский, 日本語, العربية, עברית");
         search = std::make_unique<SearchBox>(page);
         mui::alignLabels(page);
@@ -129,21 +129,21 @@ public:
         encryption->addItem(0, "Immer eingeschaltet");
         encryption->addItem(1, "Bevorzugt ausgeschaltet, wenn die Gegenseite zustimmt");
         encryption->setSelected(0);
-        encryption->setLocked(true);
+        encryption->setLocked(/*locked=*/true);
         mui::MuEdit::create(form, "name", "&Name dieses Rechners:")->setText("Arbeitsplatz im Erdgeschoss");
         mui::MuEdit::create(form, "port", "&Port:")->setText("5900");
         mui::MuEdit::create(form, "idle", "Bei &Untätigkeit trennen nach:")->setText("10 Minuten");
         const int toFields = mui::alignLabels(form);
-        indented(form, toFields, "clip", "&Zwischenablage in beide Richtungen übertragen", true);
-        indented(form, toFields, "print", "Auf &Druckern der Gegenseite drucken", false);
+        indented(form, toFields, "clip", "&Zwischenablage in beide Richtungen übertragen", /*checked=*/true);
+        indented(form, toFields, "print", "Auf &Druckern der Gegenseite drucken", /*checked=*/false);
 
         mui::MuLayout* framed = group(page, "In a frame");
         auto* frame = mui::MuFrame::create(framed, "", mui::MuFrame::Type::Titled, "Wenn die letzte Verbindung endet");
         mui::MuLayout* inside = framedColumn(frame);
         auto* whenLast = new mui::MuCheck::Group; // deletes itself with its last member
-        mui::MuCheck::create(inside, "nothing", "N&ichts tun", whenLast)->setChecked(true);
+        mui::MuCheck::create(inside, "nothing", "N&ichts tun", whenLast)->setChecked(/*on=*/true);
         mui::MuCheck::create(inside, "lock", "Den Bildschirm s&perren", whenLast);
-        mui::MuCheck::create(inside, "logout", "Den Benutzer a&bmelden", whenLast)->setLocked(true);
+        mui::MuCheck::create(inside, "logout", "Den Benutzer a&bmelden", whenLast)->setLocked(/*locked=*/true);
     }
 
 private:

@@ -116,17 +116,17 @@ const std::vector<Row>& rows() {
         {[](MuContainer* p) { return button(p, MuButton::HoverBorder); }},
         {[](MuContainer* p) { return MuButton::create(p, "b", "Ein Verweis", MuButton::Type::Link); }},
         {imageButton},
-        {[](MuContainer* p) { return check(p, false, 1); }, {8, 50}},
-        {[](MuContainer* p) { return check(p, false, 0); }, {8, 50}},
-        {[](MuContainer* p) { return check(p, false, 2); }, {8, 50}},
-        {[](MuContainer* p) { return check(p, true, 1); }, {8, 50}},
-        {[](MuContainer* p) { return check(p, true, 0); }, {8, 50}},
+        {[](MuContainer* p) { return check(p, /*radio=*/false, 1); }, {8, 50}},
+        {[](MuContainer* p) { return check(p, /*radio=*/false, 0); }, {8, 50}},
+        {[](MuContainer* p) { return check(p, /*radio=*/false, 2); }, {8, 50}},
+        {[](MuContainer* p) { return check(p, /*radio=*/true, 1); }, {8, 50}},
+        {[](MuContainer* p) { return check(p, /*radio=*/true, 0); }, {8, 50}},
         {[](MuContainer* p) { return edit(p, nullptr, "hafen.example"); }},
         {[](MuContainer* p) { return edit(p, nullptr, ""); }},
         {[](MuContainer* p) { return edit(p, "&Port:", "5900"); }, {80, 50}},
         {[](MuContainer* p) { return edit(p, nullptr, "geheim", mui::MuEdit::Type::Password); }},
-        {[](MuContainer* p) { return choice(p, false); }, {92, 50}},
-        {[](MuContainer* p) { return choice(p, true); }, {92, 50}},
+        {[](MuContainer* p) { return choice(p, /*editable=*/false); }, {92, 50}},
+        {[](MuContainer* p) { return choice(p, /*editable=*/true); }, {92, 50}},
         {slider, {50, 50}},
         {[](MuContainer* p) { return mui::MuText::create(p, "t", "Text, <a href=\"x\">Verweis</a>"); }, {80, 50}},
         {list, {30, 60}},
@@ -145,7 +145,7 @@ public:
         mui::MuLayout* head = row(page);
         for (const char* name : stateNames) {
             auto* title = mui::MuStatic::create(head, "", name);
-            title->setBold(true);
+            title->setBold(/*bold=*/true);
             head->setChildLayout(title, mui::MuLayout::Fixed, width);
         }
         for (const Row& each : rows()) {

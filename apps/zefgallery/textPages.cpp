@@ -34,7 +34,8 @@ public:
         for (const int size : {120, 160})
             mui::MuText::create(sizes, "bold", ("<b>Size " + std::to_string(size) + ", bold</b>").c_str())
                 ->setFontSize(size);
-        mui::MuText::create(sizes, "selectable", "Press and drag over this text, then copy it.")->setSelectable(true);
+        mui::MuText::create(sizes, "selectable", "Press and drag over this text, then copy it.")
+            ->setSelectable(/*selectable=*/true);
         mui::MuLine::create(sizes, "colour", mui::MuLine::Type::Colour);
         mui::MuLayout* literal = group(page, "Plain text shows its <b>markup</b>; too long and unwrapped, disabled");
         mui::MuStatic::create(literal, "static", "<b>not bold</b> & \"quoted\"");
@@ -42,8 +43,8 @@ public:
             mui::MuStatic::create(literal, "cut",
                                   "A line that is not wrapped however narrow the window becomes, and that "
                                   "therefore is cut with dots at its end, as every such line should be, always");
-        cut->setWrap(false);
-        mui::MuText::create(literal, "disabled", paragraph)->setEnabled(false);
+        cut->setWrap(/*wrap=*/false);
+        mui::MuText::create(literal, "disabled", paragraph)->setEnabled(/*enabled=*/false);
         mui::MuText::create(literal, "endless", std::string(300, 'w').c_str());
     }
 };
@@ -110,7 +111,7 @@ public:
             {"guest", "", "", ""}};
         for (const auto& line : cells)
             rich->addRow({plat::String(line[0]), plat::String(line[1]), plat::String(line[2]), plat::String(line[3])});
-        rich->setRowSelectable(2, false);
+        rich->setRowSelectable(2, /*selectable=*/false);
         rich->setCellColour(2, 1, "#c86464");
         rich->setSelected(0);
         rich->setVisibleRows(5);
@@ -131,14 +132,14 @@ public:
         disabled->addColumn(mui::MuList::ColumnType::Text, nullptr);
         disabled->addRow({plat::String("A row")});
         disabled->setSelected(0);
-        disabled->setEnabled(false);
+        disabled->setEnabled(/*enabled=*/false);
         for (mui::MuList* each : {empty, disabled}) {
             each->setVisibleRows(3);
             pair->setChildLayout(each, mui::MuLayout::Stretch);
         }
-        filter->addObserver(this, true);
+        filter->addObserver(this, /*add=*/true);
     }
-    ~ListsPage() override { filter->addObserver(this, false); }
+    ~ListsPage() override { filter->addObserver(this, /*add=*/false); }
 
 private:
     void muChanged(mui::MuElement*) override { fill(); }

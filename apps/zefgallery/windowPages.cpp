@@ -74,16 +74,16 @@ public:
             special.push_back(mui::MuButton::create(others, name, name));
         notify = mui::MuButton::create(others, "Notify", "&Notify");
         about = mui::MuButton::create(others, "About", "&About...");
-        page->addObserver(this, true);
+        page->addObserver(this, /*add=*/true);
     }
     ~WindowsPage() override {
-        page->addObserver(this, false);
+        page->addObserver(this, /*add=*/false);
         for (const auto& dialog : dialogs)
             if (dialog)
-                dialog->addObserver(this, false);
+                dialog->addObserver(this, /*add=*/false);
         for (const auto& dialog : specials)
             if (dialog)
-                dialog->addObserver(this, false);
+                dialog->addObserver(this, /*add=*/false);
     }
 
 private:
@@ -128,7 +128,7 @@ private:
     static mui::MuEdit* result(mui::MuLayout* parent, const char* name) {
         mui::MuEdit* const field = mui::MuEdit::create(parent, name, nullptr);
         field->setFieldWidth(hxutil::scaled(1000));
-        field->setLocked(true);
+        field->setLocked(/*locked=*/true);
         return field;
     }
 
@@ -148,10 +148,10 @@ private:
             mui::MuEdit::create(body, "field", "&Field:")->setText("and something to type in");
             bars[index] =
                 std::make_unique<mui::MuButtonBar>(dialog.get(), mui::MuButtonBar::Ok | mui::MuButtonBar::Cancel);
-            dialog->addObserver(this, true);
+            dialog->addObserver(this, /*add=*/true);
             dialogs[index] = std::move(dialog);
         }
-        dialogs[index]->setShown(true);
+        dialogs[index]->setShown(/*shown=*/true);
     }
 
     void ask(size_t index) {
@@ -180,16 +180,16 @@ private:
             dialog.reset(mui::MuDialog::create(name, name, {hxutil::scaled(1000), hxutil::scaled(500)}, 0, top));
             auto* body = mui::MuLayout::create(dialog.get(), "", mui::Orientation::Vertical);
             mui::MuEdit::create(body, "field", "&Field:")->setText("and something to type in");
-            dialog->addObserver(this, true);
+            dialog->addObserver(this, /*add=*/true);
         }
         switch (specialBars[index] ? -1 : static_cast<int>(index)) {
         case 0: {
             ui::MenuBar* bar = dialog->menuBar();
             ui::Menu* file = bar->getMenu(ui::MenuBar::File);
-            file->addItem("&Options...", nullptr, nullptr, this)->setChecked(true);
+            file->addItem("&Options...", nullptr, nullptr, this)->setChecked(/*on=*/true);
             file->addSeparator();
             file->addItem("&Stop", nullptr, nullptr, this, ui::Menu::NeedsElevation);
-            bar->getMenu(ui::MenuBar::Edit)->addItem("&Paste", nullptr, nullptr, this)->setEnabled(false);
+            bar->getMenu(ui::MenuBar::Edit)->addItem("&Paste", nullptr, nullptr, this)->setEnabled(/*on=*/false);
             bar->addAbout(this);
             specialBars[index] = std::make_unique<MuButtonBar>(dialog.get(), MuButtonBar::Ok);
             break;
@@ -209,9 +209,9 @@ private:
         default:
             break;
         }
-        dialog->setShown(true);
+        dialog->setShown(/*shown=*/true);
         if (index == 3)
-            hider->setEnabled(true);
+            hider->setEnabled(/*on=*/true);
     }
 
     // ui::Menu::ActionCallback

@@ -65,7 +65,7 @@ int runServerUi(int argc, char** argv) {
     setupToolkit();
     setupInspection();
     const int fd = static_cast<int>(strtol(argv[2], nullptr, 10));
-    ServerUiApp app(new io::FdIo(fd, /*ownFd=*/true, /*connecting=*/false, linkReadBytes));
+    ServerUiApp app(new io::FdIo(fd, /*ownFd_=*/true, /*connecting=*/false, linkReadBytes));
     return loop.run();
 }
 

@@ -1,6 +1,7 @@
 #include "crypto/Pbkdf2.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace crypto {
 
@@ -27,7 +28,7 @@ void Pbkdf2::firstRound() {
                                      static_cast<uint8_t>(number >> 8), static_cast<uint8_t>(number)};
         prf.update(salt.data(), static_cast<size_t>(salt.size()));
         prf.update(bigEndian, sizeof bigEndian);
-        prf.digest(last.data() + block * digestBytes, digestBytes);
+        prf.digest(last.data() + std::ptrdiff_t{block} * digestBytes, digestBytes);
     }
     std::copy(last.begin(), last.end(), sum.begin());
     rounds = 1;
@@ -40,8 +41,8 @@ void Pbkdf2::addRounds(unsigned count) {
     }
     const int digestBytes = prf.getDigestBytes();
     for (int block = 0; block < blocks; ++block) {
-        uint8_t* const u = last.data() + block * digestBytes;
-        uint8_t* const t = sum.data() + block * digestBytes;
+        uint8_t* const u = last.data() + std::ptrdiff_t{block} * digestBytes;
+        uint8_t* const t = sum.data() + std::ptrdiff_t{block} * digestBytes;
         for (unsigned i = 0; i < count; ++i) {
             prf.update(u, static_cast<size_t>(digestBytes));
             prf.digest(u, digestBytes);

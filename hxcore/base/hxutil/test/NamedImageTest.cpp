@@ -3,10 +3,9 @@
 #include "fakes.h"
 #include "hxutil/NamedImageFinder.h"
 #include "hxutil/NamedImageLoader.h"
-#include "plat/LogDest.h"
-#include "plat/LogSrc.h"
 #include "plat/SysColors.h"
 #include "plat/builtInResource.h"
+#include "plat/test/CapturedLog.h"
 #include "registerBuiltInResources.h"
 
 #include <gtest/gtest.h>
@@ -79,26 +78,6 @@ TEST(NamedImageFinder, SizesAskedFor) {
     EXPECT_EQ(outcome({{"other", {1, 1}}}, {12, 6}), "Bad image name 'im'");
 }
 
-/// Collects what is logged.
-class LogRecorder : public plat::LogDest {
-public:
-    LogRecorder() : plat::LogDest("imageTest") {
-        plat::logSetSpec("*:imageTest:100");
-        plat::logActivate();
-        plat::logApply();
-        texts.clear();
-    }
-    ~LogRecorder() override {
-        plat::logSetSpec(nullptr);
-        plat::logApply();
-    }
-    void write(int level, const char* source, const char* text) override {
-        if (std::string(source) == "NamedImage")
-            texts.push_back(std::to_string(level) + " " + text);
-    }
-    std::vector<std::string> texts;
-};
-
 TEST(NamedImagePixelBuffer, LoadsScalesAndKeeps) {
     registerBuiltInResources();
     const auto natural = NamedImagePixelBuffer::get("sdOkay");
@@ -113,20 +92,19 @@ TEST(NamedImagePixelBuffer, LoadsScalesAndKeeps) {
 }
 
 TEST(NamedImagePixelBuffer, MissingImagesAreEmptyAndLoggedOnce) {
-    LogRecorder log;
+    plat::CapturedLog log;
     EXPECT_TRUE(NamedImagePixelBuffer::getQuiet("missingQuiet")->isEmpty());
-    EXPECT_TRUE(log.texts.empty());
+    EXPECT_TRUE(log.lines.empty());
     EXPECT_TRUE(NamedImagePixelBuffer::get("missing", {8, 8})->isEmpty());
     EXPECT_TRUE(NamedImagePixelBuffer::get("missing", {8, 8})->isEmpty());
-    EXPECT_EQ(log.texts, std::vector<std::string>{"0 Bad image name 'missing'"});
+    EXPECT_EQ(log.lines, std::vector<std::string>{"0 NamedImage: Bad image name 'missing'"});
     EXPECT_TRUE(NamedImagePixelBuffer::get(nullptr)->isEmpty());
     EXPECT_TRUE(NamedImagePixelBuffer::get("sdOkay", {8, 0})->isEmpty());
     static const char junk[] = "no image at all";
     plat::addBuiltInResource("junk.png", sizeof junk, junk);
-    log.texts.clear();
+    log.lines.clear();
     EXPECT_TRUE(NamedImagePixelBuffer::get("junk")->isEmpty());
-    ASSERT_EQ(log.texts.size(), 1U);
-    EXPECT_EQ(log.texts[0].substr(0, 12), "0 junk.png: ");
+    EXPECT_EQ(log.count("0 NamedImage: junk.png: "), 1);
 }
 
 class DarkColours : public plat::SysColors {
@@ -142,13 +120,13 @@ public:
 
 TEST(NamedImagePixelBuffer, TakesTheDarkFormWhereThereIsOne) {
     registerBuiltInResources();
-    LogRecorder log;
+    plat::CapturedLog log;
     const auto plain = NamedImagePixelBuffer::get("sdUser");
     EXPECT_EQ(NamedImagePixelBuffer::getThemed("sdUser").get(), plain.get());
     const DarkColours dark;
     EXPECT_EQ(NamedImagePixelBuffer::getThemed("sdUser").get(), NamedImagePixelBuffer::get("sdUser_darkbg").get());
     EXPECT_EQ(NamedImagePixelBuffer::getThemed("sdOkay").get(), NamedImagePixelBuffer::get("sdOkay").get());
-    EXPECT_TRUE(log.texts.empty()) << "silently";
+    EXPECT_TRUE(log.lines.empty()) << "silently";
 }
 
 std::vector<std::string> words(const std::string& text) {

@@ -4,6 +4,7 @@
 #include "plat/LogDest.h"
 #include "plat/LogSrc.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -25,11 +26,12 @@ public:
         lines.push_back(std::to_string(level) + " " + srcName + ": " + text);
     }
 
-    bool has(const std::string& line) const {
-        for (const std::string& each : lines)
-            if (each == line)
-                return true;
-        return false;
+    bool has(const std::string& line) const { return std::find(lines.begin(), lines.end(), line) != lines.end(); }
+
+    /// How many lines hold `part`.
+    int count(const std::string& part) const {
+        return static_cast<int>(std::count_if(
+            lines.begin(), lines.end(), [&](const std::string& each) { return each.find(part) != std::string::npos; }));
     }
 
     std::vector<std::string> lines; ///< "level source: text"

@@ -1,7 +1,6 @@
 #include "plat/Configuration.h"
 #include "plat/Exception.h"
-#include "plat/LogDest.h"
-#include "plat/LogSrc.h"
+#include "plat/test/CapturedLog.h"
 #include "plat/test/inChild.h"
 #include "plat/test/thrown.h"
 
@@ -254,18 +253,8 @@ TEST(ConfigParameter, CopyFromUnsetsWhatTheOtherLacks) {
 }
 
 TEST(ConfigParameter, ChangesAreLoggedWithoutSecrets) {
-    struct Lines : LogDest {
-        Lines() : LogDest("lines") {}
-        void write(int level, const char* src, const char* text) override {
-            all += std::to_string(level) + " " + src + ": " + text + "\n";
-        }
-        std::string all;
-    };
     inChild([] {
-        Lines lines;
-        logSetSpec("*:lines:110");
-        logActivate();
-        lines.all.clear();
+        const CapturedLog log;
         Configuration config("Test");
         config.addInt("Number", "d", 1);
         config.addBinary("Secret", "d", nullptr, 0);
@@ -280,12 +269,13 @@ TEST(ConfigParameter, ChangesAreLoggedWithoutSecrets) {
         config.setLogChanges(false);
         config.set("Number", "4");
         config.get("Number").unset(10);
-        EXPECT_EQ(lines.all, "110 ConfigParameter: set Number(int) to 2, priority 0\n"
-                             "100 ConfigParameter: set Number(int) to 3, priority 10\n"
-                             "100 ConfigParameter: unset Number(int) priority 10, now 2, priority 0\n"
-                             "100 ConfigParameter: set Secret(binary) to <binary>, priority 10\n"
-                             "100 ConfigParameter: unset Secret(binary) priority 10, now <binary>, priority 0\n"
-                             "0 ConfigParameter: Bool parameter Flag: invalid value 'maybe'\n");
+        EXPECT_EQ(log.lines, (std::vector<std::string>{
+                                 "110 ConfigParameter: set Number(int) to 2, priority 0",
+                                 "100 ConfigParameter: set Number(int) to 3, priority 10",
+                                 "100 ConfigParameter: unset Number(int) priority 10, now 2, priority 0",
+                                 "100 ConfigParameter: set Secret(binary) to <binary>, priority 10",
+                                 "100 ConfigParameter: unset Secret(binary) priority 10, now <binary>, priority 0",
+                                 "0 ConfigParameter: Bool parameter Flag: invalid value 'maybe'"}));
     });
 }
 

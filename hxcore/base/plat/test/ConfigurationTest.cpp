@@ -1,7 +1,6 @@
 #include "plat/Configuration.h"
 #include "plat/Exception.h"
-#include "plat/LogDest.h"
-#include "plat/LogSrc.h"
+#include "plat/test/CapturedLog.h"
 #include "plat/test/inChild.h"
 #include "plat/test/thrown.h"
 #include "plat/translate.h"
@@ -309,16 +308,8 @@ TEST(ConfigurationUsage, AStrictFailureIsTranslated) {
 }
 
 TEST(ConfigurationDump, ShowsWhatWasChangedAndWhy) {
-    struct Lines : LogDest {
-        Lines() : LogDest("lines") {}
-        void write(int level, const char*, const char* text) override {
-            all += std::to_string(level) + " " + text + "\n";
-        }
-        std::string all;
-    };
     inChild([] {
-        Lines lines;
-        logSetSpec("Configuration:lines:100");
+        CapturedLog log;
         Configuration config("Test");
         for (const char* name : {"c", "B", "a", "odd", "both", "_hidden", "plain"})
             config.addInt(name, "d", 1);
@@ -331,14 +322,14 @@ TEST(ConfigurationDump, ShowsWhatWasChangedAndWhy) {
         config.set("B", "2");
         config.set("_hidden", "2");
         config.set("a", "7", -1);
+        log.lines.clear();
         config.dump();
-        EXPECT_EQ(lines.all, "30 both=3 (Policy overriding preference)\n"
-                             "30 c=2 (Policy)\n"
-                             "30 B=2 (Preference)\n"
-                             "30 secret=<binary> (Preference)\n"
-                             "30 odd=2 (Priority 5)\n"
-                             "100 a=1 (Default)\n"
-                             "100 plain=1 (Default)\n");
+        EXPECT_EQ(log.lines,
+                  (std::vector<std::string>{"30 Configuration: both=3 (Policy overriding preference)",
+                                            "30 Configuration: c=2 (Policy)", "30 Configuration: B=2 (Preference)",
+                                            "30 Configuration: secret=<binary> (Preference)",
+                                            "30 Configuration: odd=2 (Priority 5)", "100 Configuration: a=1 (Default)",
+                                            "100 Configuration: plain=1 (Default)"}));
     });
 }
 

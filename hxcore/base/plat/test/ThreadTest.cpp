@@ -46,13 +46,6 @@ public:
     Thread* current = nullptr;
 };
 
-int countWord(const CapturedLog& log, const std::string& word) {
-    int count = 0;
-    for (const std::string& line : log.lines)
-        count += line.find("Thread: " + word) != std::string::npos;
-    return count;
-}
-
 TEST(Thread, RunsOnceAndIsJoined) {
     CapturedLog log;
     Job job;
@@ -69,7 +62,7 @@ TEST(Thread, RunsOnceAndIsJoined) {
         EXPECT_EQ(job.current, &thread);
     }
     for (const char* word : {"started  ", "stopped  ", "join     ", "joined   ", "destroy  ", "destroyed"})
-        EXPECT_EQ(countWord(log, std::string(word) + " worker "), 1) << word;
+        EXPECT_EQ(log.count("Thread: " + std::string(word) + " worker "), 1) << word;
 }
 
 TEST(Thread, FailureIsLoggedAndDestructionJoins) {
@@ -81,11 +74,8 @@ TEST(Thread, FailureIsLoggedAndDestructionJoins) {
         thread.start();
     }
     EXPECT_EQ(job.runs, 1);
-    EXPECT_EQ(countWord(log, "failed    worker "), 1);
-    bool told = false;
-    for (const std::string& line : log.lines)
-        told |= line.ends_with(": no luck");
-    EXPECT_TRUE(told);
+    EXPECT_EQ(log.count("Thread: failed    worker "), 1);
+    EXPECT_EQ(log.count(": no luck"), 1);
 }
 
 TEST(Thread, DetachedDeletesItself) {

@@ -3,9 +3,8 @@
 #include "streamTesting.h"
 
 #include "plat/Configuration.h"
-#include "plat/LogDest.h"
-#include "plat/LogSrc.h"
 #include "plat/MBuf.h"
+#include "plat/test/CapturedLog.h"
 #include "plat/test/thrown.h"
 #include "rdr/MemOutStream.h"
 
@@ -146,23 +145,8 @@ TEST(BufferedOutStream, WithoutABufferItIsFull) {
     EXPECT_EQ(out.length(), 0U);
 }
 
-class DumpLines : public plat::LogDest {
-public:
-    DumpLines() : LogDest("dump") {
-        plat::logSetSpec("InStream:dump:110,OutStream:dump:110");
-        plat::logActivate();
-        plat::logApply();
-    }
-    ~DumpLines() override { plat::logSetSpec(nullptr); }
-    void write(int, const char* srcName, const char* text) override {
-        lines.push_back(std::string(srcName) + ":" + text);
-    }
-
-    std::vector<std::string> lines;
-};
-
 TEST(BufferedStreams, DumpWhatPassesToTheLog) {
-    const DumpLines log;
+    const plat::CapturedLog log;
     ThrottledStream out;
     out.setDump(true);
     out.writeStr("0123456789abcdef\n%%");
@@ -170,10 +154,11 @@ TEST(BufferedStreams, DumpWhatPassesToTheLog) {
     TrickleStream in("x\xff");
     in.setDump(true);
     in.readU16();
-    EXPECT_EQ(log.lines, (std::vector<std::string>{
-                             "OutStream: --> 0000  30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66  0123456789abcdef",
-                             "OutStream: --> 0010  0a 25                                            .%",
-                             "InStream: <-- 0000  78 ff                                            x."}));
+    EXPECT_EQ(log.lines,
+              (std::vector<std::string>{
+                  "110 OutStream:  --> 0000  30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66  0123456789abcdef",
+                  "110 OutStream:  --> 0010  0a 25                                            .%",
+                  "110 InStream:  <-- 0000  78 ff                                            x."}));
 }
 
 } // namespace
