@@ -15,6 +15,8 @@ namespace {
 constexpr png_uint_32 maxSide = 4096;
 constexpr png_alloc_size_t maxChunkBytes = 1 << 20;
 constexpr png_uint_32 maxChunks = 64;
+constexpr png_byte unusedChunks[] = "eXIf\0iCCP\0iTXt\0sPLT\0tEXt\0zTXt"; // what else may be packed, or large
+constexpr int unusedChunkCount = sizeof unusedChunks / 5;
 } // namespace
 
 // libpng leaves a failing call by longjmp: what calls it here has no objects to destroy, and throws outside.
@@ -65,6 +67,7 @@ struct PngFile::Reader {
         png_set_user_limits(png, maxSide, maxSide);
         png_set_chunk_malloc_max(png, maxChunkBytes);
         png_set_chunk_cache_max(png, maxChunks);
+        png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, unusedChunks, unusedChunkCount);
         png_set_read_fn(png, this, onRead);
         png_read_info(png, info);
         png_set_expand(png);

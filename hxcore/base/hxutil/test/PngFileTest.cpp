@@ -1,5 +1,6 @@
 #include "hxutil/PngFile.h"
 
+#include "plat/test/inChild.h"
 #include "rfb/PixelBuffer.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <sys/resource.h>
 #include <vector>
 
 using hxutil::PngFile;
@@ -26,7 +28,33 @@ struct Spec {
     int bitDepth, colourType, interlace;
     Bytes samples;
     Bytes transparency = {};
+    size_t besideBytes = 0; // of zTXt, iTXt and iCCP chunks each, before they are packed
 };
+
+/// What an image may carry beside its pixels.
+void addBeside(png_structp png, png_infop info, size_t bytes) {
+    std::string text(bytes, 'a');
+    png_text texts[2] = {};
+    char key[] = "Comment", language[] = "en";
+    for (png_text& each : texts) {
+        each.key = each.lang_key = key;
+        each.lang = language;
+        each.text = text.data();
+        each.text_length = each.itxt_length = text.size();
+    }
+    texts[0].compression = PNG_TEXT_COMPRESSION_zTXt;
+    texts[1].compression = PNG_ITXT_COMPRESSION_zTXt;
+    texts[0].itxt_length = texts[1].text_length = 0;
+    png_set_text(png, info, texts, 2);
+    Bytes profile(bytes); // of RGB in XYZ, of nothing but its head (ICC.1, 7.2)
+    for (size_t i = 0; i < 4; ++i)
+        profile[i] = static_cast<uint8_t>(bytes >> (24 - 8 * i)); // its own length
+    const uint8_t white[] = {0, 0, 0xf6, 0xd6, 0, 1, 0, 0, 0, 0, 0xd3, 0x2d};
+    std::memcpy(&profile[12], "mntrRGB XYZ ", 12);
+    std::memcpy(&profile[36], "acsp", 4);
+    std::memcpy(&profile[68], white, sizeof white);
+    png_set_iCCP(png, info, "profile", PNG_COMPRESSION_TYPE_BASE, profile.data(), static_cast<png_uint_32>(bytes));
+}
 
 Bytes encode(const Spec& spec) {
     Bytes out;
@@ -52,6 +80,8 @@ Bytes encode(const Spec& spec) {
         colour.red = spec.transparency[1], colour.green = spec.transparency[3], colour.blue = spec.transparency[5];
         png_set_tRNS(png, info, nullptr, 0, &colour);
     }
+    if (spec.besideBytes)
+        addBeside(png, info, spec.besideBytes);
     png_write_info(png, info);
     const size_t rowBytes = png_get_rowbytes(png, info);
     std::vector<png_bytep> rows;
@@ -181,6 +211,27 @@ TEST(PngFile, SizesAreLimitedAndBombsEnd) {
     Bytes tall = encode({4096, 1, 1, PNG_COLOR_TYPE_PALETTE, PNG_INTERLACE_NONE, {}});
     std::copy_n(largest.begin(), headerBytes, tall.begin());
     EXPECT_EQ(failureOf(tall).substr(0, 6), "test: ");
+}
+
+// Small chunks that unpack to much, beside the pixels: nobody looks into them.
+TEST(PngFile, WhatLiesBesideThePixelsIsNotUnpacked) {
+    constexpr size_t besideBytes = 48 << 20;
+    Spec spec = rgba;
+    spec.besideBytes = besideBytes;
+    const Bytes bomb = encode(spec);
+    EXPECT_LT(bomb.size(), besideBytes / 100);
+    for (const char* chunk : {"zTXt", "iTXt", "iCCP"})
+        EXPECT_NE(std::search(bomb.begin(), bomb.end(), chunk, chunk + 4), bomb.end()) << chunk;
+    EXPECT_EQ(decode(bomb), decode(encode(rgba)));
+#ifndef __SANITIZE_ADDRESS__
+    plat::inChild([&] {
+        rlimit limit{};
+        ASSERT_EQ(getrlimit(RLIMIT_DATA, &limit), 0);
+        limit.rlim_cur = 16 << 20; // above what is held already counts as used up: any large block is refused
+        ASSERT_EQ(setrlimit(RLIMIT_DATA, &limit), 0);
+        EXPECT_EQ(decode(bomb), decode(encode(rgba)));
+    });
+#endif
 }
 
 TEST(PngFileDeathTest, WantsABufferOfItsFormat) {

@@ -2,6 +2,7 @@
 #include "mui/tx/test/DialogTxTest.h"
 
 #include "io/FdSelectManager.h"
+#include "mui/MuAutoHider.h"
 #include "mui/MuButton.h"
 #include "mui/MuButtonBar.h"
 #include "mui/MuLayout.h"
@@ -101,6 +102,27 @@ TEST_F(PopupsTxTest, ASuperboxTypesOnUnderItsPopupAndAPressOutsideClosesIt) {
     ASSERT_TRUE(waitFor([&] { return window->isMapped(); }));
     dialog->setShown(false);
     EXPECT_TRUE(waitFor([&] { return !popup->isShown() && !window->isMapped(); }));
+}
+
+TEST_F(PopupsTxTest, ADialogHidesWhileThePointerStaysAway) {
+    const auto pointTo = [](int x, int y) { XWarpPointer(tx::dpy, tx::none, tx::rootWindow, 0, 0, 0, 0, x, y); };
+    constexpr int longerThanTheDelay = 10; // turns of 10 ms
+    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
+    const std::unique_ptr<MuAutoHider> hider = MuAutoHider::create(dialog.get());
+    hider->setDelay(30);
+    dialog->setPosition({200, 200});
+    pointTo(250, 250);
+    ASSERT_TRUE(showAndWait(*dialog));
+    hider->setEnabled(true);
+    int turns = 0;
+    waitFor([&] { return ++turns > longerThanTheDelay; });
+    EXPECT_TRUE(dialog->isShown()) << "the pointer is over it";
+    pointTo(100, 100);
+    EXPECT_TRUE(waitFor([&] { return !dialog->isShown(); })) << "it has left";
+    // One that comes up where the pointer isn't has to be started: nothing leaves it.
+    ASSERT_TRUE(showAndWait(*dialog));
+    hider->setEnabled(true);
+    EXPECT_TRUE(waitFor([&] { return !dialog->isShown(); }));
 }
 
 TEST_F(PopupsTxTest, APopupMenuStaysOnTheScreenAndCallsWhatIsChosen) {
