@@ -1,4 +1,6 @@
 // Fields, alone and in forms.
+#include "hxutil/Font.h"
+#include "hxutil/getFont.h"
 #include "hxutil/metrics.h"
 #include "mui/MuCheck.h"
 #include "mui/MuChoice.h"
@@ -20,11 +22,14 @@
 namespace gallery {
 namespace {
 
+/// In pixels, of a list without a heading.
+int heightOfRows(int count) { return count * (hxutil::getFont(120, 400)->height + 2 * 4) + 2 * 2; }
+
 /// A field that filters a list of 500 under it. Arrows choose a row, Enter or a click takes it.
 class SearchBox : private mui::MuSuperbox::Callback, private mui::MuObserver {
 public:
     explicit SearchBox(mui::MuLayout* parent) {
-        box = mui::MuSuperbox::create(parent, "search", "&Search:", this, hxutil::scaled(400));
+        box = mui::MuSuperbox::create(parent, "search", "&Search:", this, heightOfRows(8));
         box->setPlaceholder("One of 500 computers: type, or press Down");
         box->addObserver(this, /*add=*/true);
     }

@@ -83,14 +83,14 @@ MuElement* slider(MuContainer* parent) {
     auto* frame = mui::MuLayout::create(parent, nullptr, mui::Orientation::Horizontal);
     auto* made = mui::MuSlider::create(frame, "s", 0, 4);
     made->setValue(2);
-    frame->setChildLayout(made, mui::MuLayout::Fixed, hxutil::scaled(columnUnits));
+    frame->setChildLayout(made, mui::MuLayout::Fixed, hxutil::scaled(columnUnits - 8));
     return made;
 }
 
 MuElement* scroll(MuContainer* parent) {
     auto* frame = mui::MuLayout::create(parent, nullptr, mui::Orientation::Horizontal);
     auto* made = mui::MuScroll::create(frame, "s", mui::MuScroll::Both);
-    frame->setChildLayout(made, mui::MuLayout::Fixed, hxutil::scaled(columnUnits));
+    frame->setChildLayout(made, mui::MuLayout::Fixed, hxutil::scaled(columnUnits - 8));
     mui::MuStatic::create(made, "t", "Mehr, als in die Ansicht passt\nund noch mehr\nund noch mehr\nund\nnoch\nmehr");
     return made;
 }

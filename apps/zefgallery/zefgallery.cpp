@@ -1,11 +1,13 @@
 // A program that shows the whole toolkit: zefgallery [parameters], such as -ppmm=8 -_DarkMode -TextSizeFactor=200.
 #include "mui/MuiComms.h"
+#include "mui/tx/followDesktop.h"
 #include "mui/tx/muFactories.h"
 #include "mui/wvw/MuiWvw.h"
 #include "plat/Configuration.h"
 #include "plat/Exception.h"
 #include "product/init.h"
 #include "registerBuiltInResources.h"
+#include "tx/DesktopSettings.h"
 #include "tx/TXWindowIcon.h"
 #include "ui/tx/AppLoop.h"
 #include "zefgallery/Gallery.h"
@@ -31,8 +33,10 @@ int run(char** argv) {
     plat::Configuration::global().setFromArgsStrict(argv + 1, &usage);
     registerBuiltInResources();
     ui::AppLoop loop;
+    tx::DesktopSettings desktop; // first: the toolkit takes scale and theme when it is made
     mui::MuiWvw toolkit;
     mui::Mui::setInstance(&toolkit);
+    mui::followDesktop(desktop);
     tx::setWindowIcon("zefserver");
     mui::fillFactories();
     mui::MuiComms::initFromParameter(mui::Mui::instance(), nullptr);

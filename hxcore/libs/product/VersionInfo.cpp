@@ -53,7 +53,7 @@ plat::String VersionInfo::acknowledgementsUri() const {
 plat::String VersionInfo::makeMarkup() const {
     plat::DString out;
     for (const char* key : legalKeys)
-        out.format("<div>%s</div>", LOC_TEXT(key));
+        out.format("<div>%s</div><br/>", LOC_TEXT(key));
     loc::format(out, LOC_RAW("product_info_marked_up_fmt"), {productUri(), acknowledgementsUri()});
     return out.take();
 }

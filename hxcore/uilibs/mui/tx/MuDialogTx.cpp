@@ -94,7 +94,9 @@ public:
     // wvw::WLayout
     void paint(rfb::FullFramePixelBuffer& pb) override {
         paintChildren(pb);
-        rfb::frameRect(pb, getRect(), pixel(pb, getStyle().focus), borderWidth);
+        // The colour of the focus is black, which ends nothing where all is dark.
+        const wvw::WStyle& look = getStyle();
+        rfb::frameRect(pb, getRect(), pixel(pb, look.dark ? look.bevelDark : look.focus), borderWidth);
     }
     bool sizeChanged(wvw::Widget* origin) override {
         if (origin == this)

@@ -52,7 +52,7 @@ plat::String withSlash(const plat::String& path) {
 WFileDialog::WFileDialog(tx::TXWindow* owner, const char* title, const char* path, unsigned flags)
     : TXDialog(owner, title, /*centred=*/true), browser(flags), label(&canvas(), LOC_TEXT("ui_wfiledialog_path")),
       edit(&canvas(), pathLimitBytes), hidden(&canvas(), LOC_TEXT("ui_wfiledialog_show_hidden")),
-      ok(&canvas(), LOC_TEXT("ui_wfiledialog_ok")), cancel(&canvas(), LOC_TEXT("ui_wfiledialog_cancel")),
+      cancel(&canvas(), LOC_TEXT("ui_wfiledialog_cancel")), ok(&canvas(), LOC_TEXT("ui_wfiledialog_ok")),
       list(&canvas(), static_cast<WFileList::Callback*>(this), static_cast<WFileList::ItemGetter*>(this)) {
     label.setTransparent(true);
     hidden.getCheck().setState((flags & DirBrowser::ShowHidden) != 0 ? wvw::WCheckBox::State::On
@@ -208,16 +208,16 @@ void WFileDialog::arrange() {
     const auto place = [this](wvw::Widget& widget, int x, int y, int width, int height) {
         canvas().setChildRect(&widget, rfb::Rect::xywh(x, y, std::max(1, width), std::max(1, height)));
     };
-    const int editTop = lowest - gap / 2 - rowHeight;
-    place(list, gap, gap, size.x - 2 * gap, editTop - gap / 2 - gap);
+    const int editTop = lowest - gap - rowHeight;
+    place(list, gap, gap, size.x - 2 * gap, editTop - 2 * gap);
     place(label, gap, editTop + (rowHeight - label.getPreferredSize().y) / 2, labelWidth, label.getPreferredSize().y);
     const int editLeft = gap + labelWidth + gap / 2;
     place(edit, editLeft, editTop, size.x - gap - editLeft, rowHeight);
     const rfb::Point check = hidden.getPreferredSize();
-    const int buttonsLeft = size.x - gap - 2 * buttonWidth - gap / 2;
+    const int buttonsLeft = size.x - 2 * gap - 2 * buttonWidth;
     place(hidden, gap, lowest + (rowHeight - check.y) / 2, std::min(check.x, buttonsLeft - 2 * gap), check.y);
-    place(ok, buttonsLeft, lowest, buttonWidth, rowHeight);
-    place(cancel, buttonsLeft + buttonWidth + gap / 2, lowest, buttonWidth, rowHeight);
+    place(cancel, buttonsLeft, lowest, buttonWidth, rowHeight);
+    place(ok, buttonsLeft + buttonWidth + gap, lowest, buttonWidth, rowHeight);
 }
 
 } // namespace ui

@@ -65,8 +65,8 @@ private:
     wvw::WLabel label;
     wvw::WEdit edit;
     wvw::WLabelCheckBoxHK hidden;
-    wvw::WLabelButton ok;
     wvw::WLabelButton cancel;
+    wvw::WLabelButton ok;
     WFileList list;
     std::unique_ptr<tx::TXMsgBox> error;
     std::unique_ptr<tx::TXMsgBox> closedError; // which may be on the stack still
