@@ -168,24 +168,12 @@ class ChooserTest(gallery.GalleryTest):
             os.close(server)  # whoever waits for it is told
             libc.umount2(path.encode(), 2)  # MNT_DETACH
 
-    def test_a_folder_that_never_answers_holds_up_nothing(self):
+    def test_a_mount_that_never_answers_is_listed_without_being_asked(self):
         with self.dead_mount("dead"):
-            self.walk_about_a_dead_folder()
-
-    def walk_about_a_dead_folder(self):
-        self.open()
-        self.until_rows("alpha", "beta", "dead", "one.txt", "two.txt")  # it is listed without being asked
-        self.keys("Tab", "Tab", "Tab", "Tab", "d", "Return")
-        self.gallery.until_state(FOLDER, "value", self.folder + "/dead")
-        self.until_rows()
-        self.keys("shift+Tab", "shift+Tab", "Return")  # up again, while it is being read
-        self.until_rows("alpha", "beta", "dead", "one.txt", "two.txt")
-        self.gallery.ask(f"settext {NAME} {self.folder}/dead/new.txt")
-        self.keys("shift+Tab", "shift+Tab", "End", "a", "b")
-        self.until_name(self.folder + "/dead/new.txtab")
-        self.gallery.until_state("saveDlg.buttons.save", "enabled", "0")  # nobody said that it may be written to
-        self.keys("Escape")
-        self.gallery.until_state(self.chosen, "value", "cancelled")
+            self.open()
+            self.until_rows("alpha", "beta", "dead", "one.txt", "two.txt")
+            self.keys("Escape")
+            self.gallery.until_state(self.chosen, "value", "cancelled")
 
     def test_a_folder_without_access_is_seen_and_not_entered(self):
         if os.geteuid() == 0:  # who may read everything

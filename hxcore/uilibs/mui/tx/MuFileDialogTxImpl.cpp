@@ -23,6 +23,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mui {
@@ -33,18 +34,28 @@ constexpr uint32_t keyUp = 0xff52;
 constexpr uint32_t keyDown = 0xff54;
 constexpr int maxDropped = 200; // folders under the folder's field
 constexpr int nameColumn = 1;   // of the files; the image stands before it
-constexpr unsigned listPatienceMs = 40;
-constexpr unsigned typingPatienceMs = 500; // what is typed is completed at once, or with a later key
-constexpr unsigned lookMs = 50;
-constexpr int mostLooks = 20 * 1000 / lookMs;
 enum FilterRow { AllWithHidden = 0, All = 1, Custom = 2 };
 
 bool isAbsolutePath(const char* path) { return plat::path::isAbsolute(path); }
 
-bool isFolder(const char* path) { return askPath(path) == PathKind::Folder; }
+bool isFolder(const char* path) {
+    struct stat info {};
+    return stat(path, &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+bool exists(const char* path) {
+    struct stat info {};
+    return lstat(path, &info) == 0;
+}
 
 /// A file system that takes no files is no failure: one may still look around in it.
-bool meansReadOnly(int error) { return error == EACCES || error == EROFS; }
+bool isWritable(const char* dir, bool missingIsFailure) {
+    if (access(dir, W_OK) == 0)
+        return true;
+    if (errno != EACCES && errno != EROFS && (missingIsFailure || (errno != ENOENT && errno != ENOTDIR)))
+        throw plat::StdlibException("access");
+    return false;
+}
 
 /// Units that grow with the text as well. No further than its font does: the density has grown them already.
 int textScaled(int units) {
@@ -91,7 +102,7 @@ const char* typedName(const char* text) {
 } // namespace
 
 MuFileDialogTxImpl::MuFileDialogTxImpl(MuDialog* parent, MuFileDialog::Callback* callback_)
-    : callback(callback_), timer(this), readingTimer(this),
+    : callback(callback_), timer(this),
       dialog(MuDialog::create("saveDlg", "", {textScaled(1300), textScaled(900)}, MuDialog::Modal, parent)) {
     makeElements();
     findPlaces();
@@ -122,6 +133,7 @@ void MuFileDialogTxImpl::makeElements() {
     browseLyt->setChildLayout(places, MuLayout::Fixed, textScaled(300));
     files = MuList::create(browseLyt, "files", MuList::Heading);
     files->setCallback(this);
+    files->setEmptyText(LOC_TEXT("mui_filedlgtx_nothing"));
     browseLyt->setChildLayout(files, MuLayout::Stretch);
     auto* filterLyt = MuLayout::create(mainLyt, "filterLyt", Orientation::Horizontal);
     filterLyt->setChildLayout(MuSpacer::create(filterLyt, "sp"), MuLayout::Stretch);
@@ -139,8 +151,7 @@ void MuFileDialogTxImpl::findPlaces() {
         placeList.push_back({plat::String(LOC_TEXT("mui_filedlgtx_place_home")), home});
     const char* const stated = getenv("XDG_DESKTOP_DIR");
     const plat::String desktop = stated && *stated ? plat::String(stated) : plat::path::join(home.c_str(), "Desktop");
-    const PathKind there = isAbsolutePath(desktop.c_str()) ? askPath(desktop.c_str()) : PathKind::Missing;
-    if (there == PathKind::Folder || there == PathKind::Other)
+    if (isAbsolutePath(desktop.c_str()) && exists(desktop.c_str()))
         placeList.push_back({plat::path::baseName(desktop.c_str()), desktop});
     placeList.push_back({plat::String(LOC_TEXT("mui_filedlgtx_place_root")), plat::String("/")});
     for (const Place& place : placeList)
@@ -219,9 +230,13 @@ void MuFileDialogTxImpl::enterFolder(const char* path) {
     folder->setText(currentDir.c_str());
     folder->showPopup(false);
     upBtn->setEnabled(strcmp(currentDir.c_str(), "/") != 0);
-    files->removeAllRows();
-    entries.clear();
-    currentDirWritable = false;
+    try {
+        currentDirWritable = isWritable(currentDir.c_str(), /*missingIsFailure=*/true);
+    } catch (const plat::Exception& failure) {
+        currentDirWritable = false;
+        fail(failure.what());
+        return;
+    }
     updateOk();
     const auto here = std::find_if(placeList.begin(), placeList.end(), [&](const Place& place) {
         return strcmp(place.path.c_str(), currentDir.c_str()) == 0;
@@ -242,30 +257,8 @@ FolderFilter MuFileDialogTxImpl::folderFilter(bool includeHidden) const {
 void MuFileDialogTxImpl::refreshList() {
     files->removeAllRows();
     entries.clear();
-    files->setEmptyText(LOC_TEXT("mui_filedlgtx_reading"));
-    reading = std::make_unique<FolderReading>(currentDir.c_str(), folderFilter(/*includeHidden=*/false));
-    looks = 0;
-    if (reading->wait(listPatienceMs))
-        takeList();
-    else
-        readingTimer.start(lookMs);
-}
-
-void MuFileDialogTxImpl::endReading() {
-    reading.reset();
-    readingTimer.cancel();
-}
-
-void MuFileDialogTxImpl::takeList() {
-    const std::unique_ptr<FolderReading> over = std::move(reading);
-    endReading();
-    files->setEmptyText(LOC_TEXT("mui_filedlgtx_nothing"));
-    const int error = over->writeError();
-    currentDirWritable = error == 0;
     try {
-        if (error != 0 && !meansReadOnly(error))
-            throw plat::SystemException("access", error);
-        entries = over->takeEntries();
+        entries = listFolder(currentDir.c_str(), folderFilter(/*includeHidden=*/false));
     } catch (const plat::Exception& failure) {
         fail(failure.what());
         return;
@@ -321,20 +314,11 @@ void MuFileDialogTxImpl::dropFolders() {
     }
     const plat::String dir = typedDir(text.c_str());
     const char* const base = typedName(text.c_str());
-    const bool hidden = *base == '.';
-    // One that has not answered yet is not asked again for each key.
-    if (!dropping || droppingDir != dir || droppingHidden != hidden)
-        dropping = std::make_unique<FolderReading>(dir.c_str(), FolderFilter{hidden, {}});
-    droppingDir = dir;
-    droppingHidden = hidden;
     std::vector<FolderEntry> found;
-    if (dropping->wait(typingPatienceMs)) {
-        const std::unique_ptr<FolderReading> over = std::move(dropping);
-        try {
-            found = over->takeEntries();
-        } catch (const plat::Exception&) {
-            found.clear(); // while it is typed, a path need not lead anywhere
-        }
+    try {
+        found = listFolder(dir.c_str(), {/*hidden=*/*base == '.', {}});
+    } catch (const plat::Exception&) {
+        found.clear(); // while it is typed, a path need not lead anywhere
     }
     for (const FolderEntry& entry : found)
         if (entry.isDir && entry.accessible && folders->getRowCount() < maxDropped &&
@@ -396,8 +380,6 @@ bool MuFileDialogTxImpl::accept(MuEdit*, const char* newText, uint32_t character
     const plat::String dir = typedDir(newText);
     if (strcmp(dir.c_str(), completionDir.c_str()) != 0)
         completeIn(dir);
-    else
-        takeCompletions(0);
     const std::string typed = newText;
     if (character < 1 || (character == '.' && typed.ends_with("/.")))
         return true;
@@ -419,17 +401,9 @@ void MuFileDialogTxImpl::completeIn(const plat::String& dir) {
     completionDir = dir;
     completions.clear();
     completionDirWritable = false;
-    completing = std::make_unique<FolderReading>(dir.c_str(), folderFilter(/*includeHidden=*/true));
-    takeCompletions(typingPatienceMs);
-}
-
-void MuFileDialogTxImpl::takeCompletions(unsigned patienceMs) {
-    if (!completing || !completing->wait(patienceMs))
-        return;
-    const std::unique_ptr<FolderReading> over = std::move(completing);
-    completionDirWritable = over->writeError() == 0;
     try {
-        completions = over->takeEntries();
+        completionDirWritable = isWritable(dir.c_str(), /*missingIsFailure=*/false);
+        completions = listFolder(dir.c_str(), folderFilter(/*includeHidden=*/true));
     } catch (const plat::Exception&) {
         completions.clear(); // a folder that can't be read has nothing to complete with
     }
@@ -490,8 +464,7 @@ plat::String MuFileDialogTxImpl::chosenPath() const {
 
 void MuFileDialogTxImpl::finish() {
     const plat::String path = chosenPath();
-    // What gives no answer may be there.
-    if (saveMode && filesMode && askPath(path.c_str()) != PathKind::Missing) {
+    if (saveMode && filesMode && exists(path.c_str())) {
         const unsigned answer =
             MuMessageBox::ask(dialog.get(), dialog->getTitle(), MuMessageBox::Icon::Question,
                               {LOC_TEXT("mui_filedlgtx_overwrite")}, MuButtonBar::Yes | MuButtonBar::No);
@@ -505,7 +478,6 @@ void MuFileDialogTxImpl::closeWithResult(const char* text) {
     if (failed)
         return;
     result = plat::String(text);
-    endReading();
     folder->showPopup(false);
     dialog->setShown(false);
     timer.start(0);
@@ -518,14 +490,7 @@ void MuFileDialogTxImpl::fail(const char* message) {
     failed = true;
 }
 
-bool MuFileDialogTxImpl::timerExpired(plat::Timer* expired) {
-    if (expired == &readingTimer) {
-        if (reading->wait(0))
-            takeList();
-        else if (++looks >= mostLooks)
-            fail(plat::SystemExceptionFmt(ETIMEDOUT, "opendir(%s)", currentDir.c_str()).what());
-        return reading != nullptr;
-    }
+bool MuFileDialogTxImpl::timerExpired(plat::Timer*) {
     MuFileDialog::Callback* const told = callback;
     const plat::String text = result;
     if (failed)

@@ -8,7 +8,7 @@
 #include "mui/MuList.h"
 #include "mui/MuObserver.h"
 #include "mui/MuSuperbox.h"
-#include "mui/tx/FolderReading.h"
+#include "mui/tx/listFolder.h"
 #include "plat/Timer.h"
 
 #include <vector>
@@ -23,9 +23,6 @@ class MuLayout;
 ///
 /// A name that begins with "/" is a path, which is completed as it is typed. The folder's field takes a path as well,
 /// and drops the folders that it may mean.
-///
-/// Folders are read while they are waited for, which is as good as at once, but not for longer than is felt: a list
-/// that is late comes when it comes, and what doesn't answer for long is a failure.
 class MuFileDialogTxImpl : private MuObserver,
                            private MuList::Callback,
                            private MuEdit::Filter,
@@ -80,15 +77,12 @@ private:
     plat::String droppedFolder(); // the one chosen among them; null if there is none
     void begin(const char* path);
     void refreshList();
-    void takeList();   // of the reading that is over
-    void endReading(); // nobody waits for it any more
     void showEntry(size_t index);
     const FolderEntry& entryOf(int row); // of the files
     FolderFilter folderFilter(bool includeHidden) const;
 
     // The name
     void completeIn(const plat::String& dir);
-    void takeCompletions(unsigned patienceMs); // if they have come by then
     void fileSelected();
     void nameTyped();
     void fileActivated(int row);
@@ -104,14 +98,7 @@ private:
     MuFileDialog::Callback* callback;
     plat::String result; // the path, or the message after a failure; null for cancel
     bool failed = false;
-    plat::Timer timer;                      // runs the callback from the event loop
-    std::unique_ptr<FolderReading> reading; // of currentDir, while it has not answered
-    plat::Timer readingTimer;
-    int looks = 0;                             // for its answer
-    std::unique_ptr<FolderReading> completing; // likewise, of completionDir
-    std::unique_ptr<FolderReading> dropping;   // likewise, for the popup of `folder`
-    plat::String droppingDir;
-    bool droppingHidden = false;
+    plat::Timer timer; // runs the callback from the event loop
     std::vector<FolderEntry> completions;
     plat::String completionDir;
     bool completionDirWritable = false;
