@@ -1,5 +1,7 @@
 #include "mui/MuAnimation.h"
 
+#include "plat/SysColors.h"
+
 namespace mui {
 namespace {
 constexpr unsigned spinnerIntervalMs = 80;
@@ -63,6 +65,12 @@ void MuAnimation::imageGone(MuImage*) {
     timer.cancel();
 }
 
+void MuAnimation::setFrames(const std::vector<plat::String>& names) {
+    imageNames = names;
+    if (image)
+        showFrame(frame);
+}
+
 void MuAnimation::showFrame(size_t index) {
     seen = false;
     if (imageNames.empty())
@@ -72,6 +80,14 @@ void MuAnimation::showFrame(size_t index) {
 }
 
 MuSpinner::MuSpinner(MuContainer* parent, bool darkBackground, const rfb::Point& spinnerSize)
-    : MuAnimation(parent, "spinner", spinnerIntervalMs, spinnerNames(darkBackground), spinnerSize) {}
+    : MuAnimation(parent, "spinner", spinnerIntervalMs, spinnerNames(darkBackground), spinnerSize),
+      dark(darkBackground), followsTheme(darkBackground == plat::isDarkMode()) {}
+
+void MuSpinner::imageStyleChanged(MuImage*) {
+    if (!followsTheme || dark == plat::isDarkMode())
+        return;
+    dark = !dark;
+    setFrames(spinnerNames(dark));
+}
 
 } // namespace mui

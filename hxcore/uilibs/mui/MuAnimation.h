@@ -24,6 +24,10 @@ public:
     bool isRunning() const { return running; }
     MuImage* getImage() { return image; } ///< null once it is gone
 
+protected:
+    void setFrames(const std::vector<plat::String>& imageNames); ///< at the same place in the turn
+    void imageStyleChanged(MuImage*) override {}
+
 private:
     bool timerExpired(plat::Timer*) override;
     // MuImage::Watcher
@@ -43,10 +47,16 @@ private:
     plat::Timer timer;
 };
 
-/// The wheel that says "wait", an element "spinner".
+/// The wheel that says "wait", an element "spinner". On the background of the theme it changes with the theme.
 class MuSpinner : public MuAnimation {
 public:
     MuSpinner(MuContainer* parent, bool darkBackground, const rfb::Point& size = {0, 0});
+
+private:
+    void imageStyleChanged(MuImage*) override;
+
+    bool dark;
+    bool followsTheme;
 };
 
 } // namespace mui

@@ -32,6 +32,12 @@ void MuImage::setImage(const char* newName, const rfb::Point& size) {
     imageSize = size;
 }
 
+void MuImage::styleChanged() {
+    if (watcher)
+        watcher->imageStyleChanged(this);
+    MuElement::styleChanged();
+}
+
 plat::String MuImage::getState() {
     const char* value = imageName.isEmpty() ? "<unknown>" : imageName.c_str();
     return plat::strFormat("element Image\nvalue %s\nimSize %d,%d\n%s", oneLine(value).c_str(), imageSize.x,

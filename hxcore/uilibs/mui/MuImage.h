@@ -15,6 +15,7 @@ public:
         virtual ~Watcher() = default;
         virtual void imagePainted(MuImage* image) = 0; ///< it was in view; called while painting: change nothing here
         virtual void imageGone(MuImage* image) = 0;    ///< called at its end
+        virtual void imageStyleChanged(MuImage*) {}    ///< the theme may have turned dark or light
     };
 
     /// `size` in pixels, (0,0) for the natural one; `imageName` may be null: nothing to see.
@@ -31,6 +32,7 @@ public:
 
     // MuElement
     const char* getType() override { return "image"; }
+    void styleChanged() override;
     plat::String getState() override;
 
 protected:

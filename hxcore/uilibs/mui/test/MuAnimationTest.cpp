@@ -1,6 +1,7 @@
 #include "mui/MuAnimation.h"
 
 #include "mui/test/FakeElements.h"
+#include "plat/SysColors.h"
 #include "plat/test/FakeClock.h"
 
 #include <gtest/gtest.h>
@@ -72,6 +73,17 @@ TEST_F(AnimationTest, TheSpinnerNamesItsFrames) {
     for (int i = 0; i < 11; ++i)
         pass(80);
     EXPECT_STREQ(dark.getImage()->getImageName(), "spinnerblack11");
+    // On the background of the theme it turns with it; on one of its own it stays.
+    struct Dark : plat::SysColorsGeneric {
+        bool isDark() override { return true; }
+    } theme;
+    plat::setSysColors(&theme);
+    dialog.styleChanged();
+    EXPECT_STREQ(light.getImage()->getImageName(), "spinnerblack00");
+    EXPECT_STREQ(dark.getImage()->getImageName(), "spinnerblack11");
+    plat::setSysColors(nullptr);
+    dialog.styleChanged();
+    EXPECT_STREQ(light.getImage()->getImageName(), "spinner00");
 }
 
 } // namespace
