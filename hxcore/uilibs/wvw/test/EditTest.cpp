@@ -5,9 +5,15 @@
 #include "wvw/WMenu.h"
 
 #include "hxutil/Font.h"
+#include "plat/Configuration.h"
+#include "plat/test/CapturedLog.h"
+#include "plat/test/TempDir.h"
 #include "rfb/keySymbols.h"
 
+#include <algorithm>
 #include <functional>
+
+#include <unistd.h>
 
 namespace wvw {
 namespace {
@@ -274,6 +280,38 @@ TEST_F(EditTest, MultiKeyWithoutATableLetsKeysPass) {
     EXPECT_TRUE(window.key(0xfe51)); // a dead accent waits for its letter
     type("e");
     EXPECT_STREQ(edit.getText(), "ae");
+}
+
+/// A file as keyboards of old came with: pairs of a spacing and a dead key, triples of what two of them combine to.
+void composeByFile() {
+    const plat::TempDir dir;
+    plat::writeTextFile(dir / "keys", "# grave\n60 fe50\n0xe0 fe50 61\n\nc0 fe50 41 # A\nnonsense\n1 2 3 4\n");
+    plat::Configuration::global().set("DeadKeyFile", (dir / "keys").c_str());
+    const plat::CapturedLog log;
+    rfb::DeadKeyUtil keys;
+    using Keys = std::vector<uint32_t>;
+    const auto typed = [&keys](const Keys& pressed) {
+        Keys all;
+        for (const uint32_t key : pressed)
+            for (const uint32_t one : keys.compose(key, /*down=*/true))
+                all.push_back(one);
+        return all;
+    };
+    EXPECT_EQ(typed({0xfe50, 'a'}), Keys{0xe0});
+    EXPECT_EQ(typed({0xfe50, key::ShiftL, 'A'}), (Keys{key::ShiftL, 0xc0}));
+    EXPECT_EQ(typed({key::MultiKey, '`', 'a'}), Keys{0xe0});
+    EXPECT_EQ(typed({'`', 'a'}), (Keys{'`', 'a'}));                // not armed
+    EXPECT_EQ(typed({key::MultiKey, '`', 'x'}), (Keys{'`', 'x'})); // nothing that they combine to
+    EXPECT_EQ(typed({key::MultiKey, 'y', '`', 'a'}), (Keys{'y', '`', 'a'}));
+    for (const char* line :
+         {"spacing 0x60 dead 0xfe50", "comb 0xe0 dead 0xfe50 base 0x61", "Got 1 dead keys", "Got 2 comps"})
+        EXPECT_TRUE(std::ranges::any_of(log.lines, [line](const std::string& l) { return l.ends_with(line); })) << line;
+    _exit(testing::Test::HasFailure() ? 1 : 0);
+}
+
+TEST(DeadKeyDeath, AFileSaysWhatTheyCombineTo) { // it is read once in a process
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(composeByFile(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(EditTest, TheMenuPastes) {

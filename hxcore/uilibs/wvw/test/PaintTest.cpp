@@ -1,13 +1,19 @@
 #include "wvw/test/FakeParent.h"
 
 #include "wvw/WCanvas.h"
+#include "wvw/WCheckBox.h"
 #include "wvw/WChoice.h"
 #include "wvw/WDiscreteSlider.h"
+#include "wvw/WLabelChoice.h"
 #include "wvw/WLabelWidget.h"
+#include "wvw/WMenu.h"
 #include "wvw/WRichText.h"
 #include "wvw/WTabSheets.h"
 #include "wvw/WTable.h"
+#include "wvw/WTooltip.h"
 
+#include "hxutil/Font.h"
+#include "plat/test/CapturedLog.h"
 #include "rfb/keySymbols.h"
 
 #include <climits>
@@ -158,6 +164,53 @@ TEST_F(PaintTest, AStyleReachesDownToTheNextOwnOne) {
     inner.setStyle(nullptr);
     window.paint();
     EXPECT_EQ(window.pixelAt(20, 10), 0xc80000u);
+}
+
+// What dialogs are laid out by; the children are 30 by 20.
+TEST(PreferredSizeTest, IsThatOfTheContentAndTheEdgesOfItsKind) {
+    Box child;
+    WBevelButton empty;
+    WBevelButton button;
+    button.setChild(&child);
+    Box inSheet;
+    WSheet sheet;
+    sheet.setChild(&inSheet);
+    WTabSheets sheets;
+    sheets.addSheet("Title", nullptr);
+    WTab* const tab = sheets.getTab(0);
+    WEdit edit;
+    edit.setText("Some text");
+    WTooltip tip;
+    tip.setText("Help");
+    WLabel help(nullptr, "Help");
+    WMenuItem separator("");
+    WMenuItem item("&Item");
+    const Point label = WLabel(nullptr, "Item").getPreferredSize();
+    const hxutil::Font& font = *defaultStyle().font;
+    const struct {
+        Widget& widget;
+        Point size;
+    } cases[] = {
+        {empty, {6, 6}},
+        {button, {36, 26}},
+        {sheet, {50, 40}},
+        {edit, {font.stringWidth("Some text") + 12, font.height + 8}},
+        {tip, help.getPreferredSize() + Point(4, 4)},
+        {separator, {2, 5}},
+        {item, label + Point(3, 2)},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.widget.getPreferredSize(), c.size) << &c - cases;
+    EXPECT_EQ(tab->getPreferredSize(), tab->getLabel().getPreferredSize() + Point(6, 10));
+    EXPECT_EQ(WArrowButton(nullptr, WArrow::Direction::Up).getPreferredSize(), Point(8, 8));
+    EXPECT_EQ(WDiscreteSlider().getPreferredSize(), Point(10, 26));
+    EXPECT_EQ(WDiscreteSlider(nullptr, /*vertical=*/true).getPreferredSize(), Point(26, 10));
+    EXPECT_EQ(WCheckBox(nullptr, "WCheck_check").getPreferredSize(), Point(16, 16));
+
+    const plat::CapturedLog log;
+    WLabelEdit labelled(nullptr, "Label");
+    labelled.setVAlign(7);
+    EXPECT_TRUE(log.has("0 WLabelWidget: Unexpected vertical alignment: 7"));
 }
 
 struct Cells : WTable::Callback {

@@ -94,7 +94,13 @@ TEST_F(TableTest, KeysStepOverRefusedRowsAndStopAtTheEnds) {
 TEST_F(TableTest, AnEmptyTableHasNoBarAndNothingToSelect) {
     table.select(3);
     window.changes.clear();
+    int row = 0;
+    int column = 0;
+    const Point besideRows = inRow(1, 190);
+    EXPECT_FALSE(table.hitTest(besideRows, row, column)); // the bar
     table.setRowCount(0);
+    EXPECT_TRUE(table.hitTest(besideRows, row, column));
+    EXPECT_EQ(row, -1);
     EXPECT_EQ(table.getSelectedRow(), -1);
     EXPECT_EQ(window.changes, std::vector<Widget*>{&table});
     table.takeFocus();
