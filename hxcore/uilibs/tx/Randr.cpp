@@ -134,7 +134,7 @@ Output wholeScreen() {
     output.name = plat::strFormat("Screen %d", DefaultScreen(dpy));
     output.primary = true;
     output.active = true;
-    output.rect = rfb::Rect::xywh(0, 0, DisplayWidth(dpy, DefaultScreen(dpy)), DisplayHeight(dpy, DefaultScreen(dpy)));
+    output.rect = rfb::Rect({0, 0}, getScreenSize());
     return output;
 }
 

@@ -58,6 +58,22 @@ CutBufferEventHandler& cutBufferHandler() {
     return handler;
 }
 
+/// Keeps up with the screen, whose size a user of the session may change at any time; Xlib itself does not.
+class ScreenSizeHandler : public TXEventHandler {
+public:
+    bool handleEvent(XEvent* event) override {
+        const XConfigureEvent& e = event->xconfigure;
+        if (event->type == ConfigureNotify && e.window == rootWindow && !e.send_event)
+            state().screenSize = {e.width, e.height};
+        return false;
+    }
+};
+
+ScreenSizeHandler& screenSizeHandler() {
+    static ScreenSizeHandler handler;
+    return handler;
+}
+
 /// Xlib calls this once the connection is broken; it must not return.
 ///
 /// Whatever runs now, a destructor or an exit handler, might ask the server something, so the process ends here. Files
@@ -163,13 +179,16 @@ void TXInit(const char* displayName) {
     if (ownCmap.value())
         colormap = XCreateColormap(dpy, rootWindow, DefaultVisual(dpy, DefaultScreen(dpy)), AllocNone);
     getDefaultFont();
+    state().screenSize = {DisplayWidth(dpy, DefaultScreen(dpy)), DisplayHeight(dpy, DefaultScreen(dpy))};
     addRootEventHandler(&cutBufferHandler(), /*add=*/true, PropertyChangeMask);
+    addRootEventHandler(&screenSizeHandler(), /*add=*/true, StructureNotifyMask);
 }
 
 void TXClose() {
     if (!dpy)
         return;
     addRootEventHandler(&cutBufferHandler(), /*add=*/false);
+    addRootEventHandler(&screenSizeHandler(), /*add=*/false);
     InputMethod::instance().close();
     TXState& shared = state();
     if (shared.defaultFont)
@@ -288,10 +307,7 @@ rfb::Point getPointerPosition() {
     return {rootX, rootY};
 }
 
-rfb::Point getScreenSize() {
-    const int screen = DefaultScreen(dpy);
-    return {DisplayWidth(dpy, screen), DisplayHeight(dpy, screen)};
-}
+rfb::Point getScreenSize() { return state().screenSize; }
 
 rfb::Point getDecorationSize() { return {decorationWidth.value(), decorationHeight.value()}; }
 

@@ -1,6 +1,7 @@
 // What all windows share; for the sources of this library only.
 #pragma once
 
+#include "rfb/Rect.h"
 #include "tx/TXEventHandler.h"
 #include "tx/atoms.h"
 #include "tx/xlib.h"
@@ -35,6 +36,7 @@ struct TXState {
     std::map<unsigned, Cursor> cursors; // by shape of the cursor font
     Window timeWindow = none;           // hidden, of getServerTime
     Time cutBufferTime = 0;
+    rfb::Point screenSize;            // of the default screen
     unsigned long requestsAtRead = 0; // NextRequest when the socket was last read empty
     bool shmFailed = false;           // an error came back for a request that was thought fine
     int shmOpcode = -1;

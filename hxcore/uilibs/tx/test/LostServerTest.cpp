@@ -8,6 +8,9 @@
 #include "plat/test/TempDir.h"
 #include "tx/TXDialog.h"
 #include "tx/TXMsgBox.h"
+#include "tx/TXWRoot.h"
+#include "tx/WindowManager.h"
+#include "tx/dynXrandr.h"
 #include "wvw/WCanvas.h"
 
 #include <poll.h>
@@ -141,6 +144,38 @@ void usePrivateColours() {
 TEST(SwitchesDeathTest, AColormapOfOurOwnAndEachRequestForItself) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(usePrivateColours(), testing::ExitedWithCode(0), "");
+}
+
+/// The session's user, or a viewer, gives the screen another size: menus and messages must stay on it.
+void changeScreen() {
+    static const plat::DynamicFn<decltype(::XRRSetCrtcConfig)> setCrtc{tx::dynXrandr::library, "XRRSetCrtcConfig"};
+    static const plat::DynamicFn<decltype(::XRRSetScreenSize)> setSize{tx::dynXrandr::library, "XRRSetScreenSize"};
+    const XServer server;
+    tx::TXInit(server.display());
+    const plat::TimerManager timers;
+    tx::TXWindow window(100, 50);
+    XSync(tx::dpy, False);
+    Client other;
+    XRRScreenResources* const resources = tx::dynXrandr::XRRGetScreenResources(other.display, other.root());
+    setCrtc(other.display, resources, resources->crtcs[0], tx::currentTime, 0, 0, tx::none, RR_Rotate_0, nullptr, 0);
+    setSize(other.display, other.root(), 500, 400, 100, 80);
+    XEvent forged{};
+    forged.xconfigure.type = ConfigureNotify;
+    forged.xconfigure.event = forged.xconfigure.window = other.root();
+    forged.xconfigure.width = forged.xconfigure.height = 9;
+    XSendEvent(other.display, other.root(), False, StructureNotifyMask, &forged);
+    other.sync();
+    XSync(tx::dpy, False);
+    tx::processEvents();
+    window.centreOnScreen();
+    const bool follows = tx::TXWRoot::instance().screenSize() == rfb::Point(500, 400) &&
+                         tx::WindowManager::getWorkArea() == rfb::Rect(0, 0, 500, 400);
+    _exit(follows && window.getRootPosition() == rfb::Point(195, 160) ? 0 : 1);
+}
+
+TEST(ScreenDeathTest, ANewSizeOfTheScreenCountsAtOnce) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(changeScreen(), testing::ExitedWithCode(0), "");
 }
 
 /// A dialog with buttons from nothing to a picture that rests, through the relay.
