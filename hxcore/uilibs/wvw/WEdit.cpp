@@ -422,6 +422,8 @@ void WEdit::detach() {
     dragging = false;
     pressTimer.cancel();
     scrollTimer.cancel();
+    if (menu)
+        menu->hide();
     Widget::detach();
 }
 
@@ -455,8 +457,10 @@ bool WEdit::mouseMove(const Point& position, Widget* origin) {
 
 bool WEdit::mouseDown(int button, Widget* origin) {
     if (origin == this && button == 1 && isEnabled() && parent) {
-        takeFocus();
         const WidgetWatch self(this);
+        takeFocus();
+        if (!self.alive() || !parent)
+            return true;
         const plat::String pasted = parent->getPrimaryText(); // first: our own selection may be what it is
         if (!self.alive() || !parent)
             return true;

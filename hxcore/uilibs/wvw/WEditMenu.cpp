@@ -28,6 +28,8 @@ void WEditMenu::show(Widget* widget, const rfb::Point& position) {
         menu->show(root, widget->getRootPosition(position));
 }
 
+void WEditMenu::hide() { menu->dismiss(); }
+
 bool WEditMenu::activated(Widget* origin) {
     for (size_t i = 0; i < items.size(); ++i) {
         if (items[i].get() == origin) {

@@ -33,6 +33,7 @@ public:
     ~WEditMenu() override;
 
     void show(Widget* widget, const rfb::Point& position); ///< position in the widget, which is attached
+    void hide();
 
     // WInputHandler
     bool activated(Widget* origin) override;

@@ -212,6 +212,8 @@ bool WLabel::sizeChanged(Widget* origin) {
 
 void WLabel::detach() {
     dragging = false;
+    if (menu)
+        menu->hide();
     Widget::detach();
 }
 

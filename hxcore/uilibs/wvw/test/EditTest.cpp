@@ -324,6 +324,10 @@ TEST_F(EditTest, TheMenuPastes) {
     window.popupOf(menu)->key(key::Down);
     window.popupOf(menu)->key(key::Return);
     EXPECT_STREQ(edit.getText(), "pasted");
+    window.click(20, 10, /*button=*/2);
+    EXPECT_TRUE(window.anyPopup());
+    root.removeChild(&edit); // it holds the pointer, and goes with its field
+    EXPECT_FALSE(window.anyPopup());
 }
 
 TEST_F(EditTest, UndoTakesBackWholeStepsAndRedoBringsThemAgain) {

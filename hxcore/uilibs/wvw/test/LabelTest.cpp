@@ -149,6 +149,9 @@ TEST_F(LabelTest, TheRightButtonOffersToCopyAndToSelectAll) {
     window.popupOf(menu)->key(key::Down);
     window.popupOf(menu)->key(key::Return);
     EXPECT_STREQ(window.clipboard.c_str(), "one two");
+    ASSERT_TRUE(openMenu());
+    root.removeChild(&label);
+    EXPECT_EQ(window.anyPopup(), nullptr);
 }
 
 TEST_F(LabelTest, AMnemonicIsUnderlined) {
