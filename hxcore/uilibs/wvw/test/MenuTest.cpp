@@ -63,6 +63,14 @@ TEST_F(MenuTest, ArrowsSkipWhatCannotBeChosenAndWrap) {
     EXPECT_EQ(chosen, (std::vector<Widget*>{&quit}));
     EXPECT_EQ(hidden, 1);
     EXPECT_EQ(window.popupOf(&menu), nullptr);
+
+    open.setEnabled(false);
+    show();
+    popup().key(key::Home);
+    EXPECT_EQ(menu.getSelected(), &more);
+    popup().key(key::End);
+    popup().key(key::Space);
+    EXPECT_EQ(chosen, (std::vector<Widget*>{&quit, &quit}));
 }
 
 TEST_F(MenuTest, LettersChooseCapitalsIncludedButNotWhatIsOff) {
@@ -241,17 +249,6 @@ TEST_F(MenuTest, AChoiceMayDeleteTheMenu) {
         EXPECT_EQ(killer.menu, nullptr);
         EXPECT_EQ(window.anyPopup(), nullptr);
     }
-}
-
-TEST_F(MenuTest, HomeAndEndSkipWhatCannotBeChosen) {
-    open.setEnabled(false);
-    show();
-    popup().key(key::Home);
-    EXPECT_EQ(menu.getSelected(), &more);
-    popup().key(key::End);
-    EXPECT_EQ(menu.getSelected(), &quit);
-    popup().key(key::Space);
-    EXPECT_EQ(chosen, (std::vector<Widget*>{&quit}));
 }
 
 // A button that opened the menu is let go somewhere: only a way through the menu makes that a choice.

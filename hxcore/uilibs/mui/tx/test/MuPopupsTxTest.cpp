@@ -1,30 +1,17 @@
-// Superboxes, popup menus, menu bars, and inspection under a dialog that blocks.
+// Superboxes, popup menus and menu bars.
 #include "mui/tx/test/DialogTxTest.h"
 
-#include "io/FdSelectManager.h"
 #include "mui/MuAutoHider.h"
 #include "mui/MuButton.h"
-#include "mui/MuButtonBar.h"
 #include "mui/MuLayout.h"
 #include "mui/MuList.h"
-#include "mui/MuMessageBox.h"
 #include "mui/MuPopupMenu.h"
 #include "mui/MuSuperbox.h"
-#include "mui/MuiComms.h"
-#include "os/AppInfo.h"
-#include "os/UnixIo.h"
 #include "tx/TXState.h"
 #include "tx/TXWParent.h"
 #include "ui/MenuBar.h"
 
 #include <X11/keysym.h>
-
-#include <sys/socket.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <cstring>
-#include <thread>
 
 namespace mui {
 namespace {
@@ -174,64 +161,6 @@ TEST_F(PopupsTxTest, AMenuBarIsTheUppermostPanelAndTheOnlyOne) {
     EXPECT_GT(element->getSize().y, 10);
     dialog.reset();
     EXPECT_EQ(ui::MenuBar::instance(), nullptr);
-}
-
-// One driver opens a question that blocks; a second one answers it.
-TEST_F(PopupsTxTest, InspectionGoesOnUnderADialogThatBlocks) {
-    os::AppInfo::setPathComp(plat::strFormat("zefpopups%d", static_cast<int>(getpid())).c_str());
-    os::AppInfo::setApp("app");
-    io::FdSelectManager loop(/*nested=*/true);
-    MuiComms::init(&toolkit);
-    MuiComms::instance()->setEnabled(true);
-    const std::string path = MuiComms::instance()->getPipeName();
-    ASSERT_FALSE(path.empty());
-
-    std::unique_ptr<MuDialog> dialog(MuDialog::create("d", "Title", {300, 200}));
-    MuButton* ask = MuButton::create(dialog.get(), "ask", "Ask");
-    struct Asker : MuObserver {
-        void muActivated(MuElement* element) override {
-            answer = MuMessageBox::ask(MuDialog::topLevel(element), "Title", MuMessageBox::Icon::Question, {"Sure?"},
-                                       MuButtonBar::Yes | MuButtonBar::No);
-        }
-        unsigned answer = 0;
-    } asker;
-    ask->addObserver(&asker, true);
-    ASSERT_TRUE(showAndWait(*dialog));
-
-    std::string second;
-    std::thread driver([&] {
-        const auto request = [&](int fd, const char* line) {
-            char reply[200] = {};
-            timeval limit{5, 0};
-            setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
-            if (send(fd, line, strlen(line), MSG_NOSIGNAL) < 0 || recv(fd, reply, sizeof reply - 1, 0) <= 0)
-                return std::string("<nothing>");
-            return std::string(reply);
-        };
-        const int first = os::connectUnixSocket(path.c_str());
-        send(first, "click d.ask\n", 12, MSG_NOSIGNAL);
-        for (int tries = 0; tries < 200; ++tries) {
-            const int fd = os::connectUnixSocket(path.c_str());
-            second = request(fd, "click messagebox.buttons.yes\n");
-            close(fd);
-            if (second == "1\n\n")
-                break;
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        second += request(first, "version\n"); // the click's answer comes first
-        close(first);
-    });
-    for (int i = 0; i < 500 && asker.answer == 0; ++i)
-        loop.poll(20);
-    for (int i = 0; i < 20; ++i)
-        loop.poll(10);
-    driver.join();
-    EXPECT_EQ(asker.answer, static_cast<unsigned>(MuButtonBar::Yes));
-    EXPECT_EQ(second.substr(0, 6), "1\n\n1\n\n");
-    MuiComms::destroy();
-    while (loop.poll(0)) {
-    }
-    rmdir(path.substr(0, path.rfind('/')).c_str());
 }
 
 } // namespace
