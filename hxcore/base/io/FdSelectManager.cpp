@@ -42,7 +42,7 @@ int waitSelect(int nFds, fd_set& read, fd_set& write, fd_set& except, int timeou
     // A millisecond more, or select may return just before the timer is due.
     if (timeoutMs >= 1 && timeoutMs <= 0x7ffffffe)
         ++timeoutMs;
-    timeval limit{timeoutMs / 1000, (timeoutMs % 1000) * 1000};
+    timeval limit{timeoutMs / 1000, (timeoutMs % 1000) * 1000L};
     const int ready = select(nFds, &read, &write, &except, timeoutMs < 0 ? nullptr : &limit);
     if (ready < 0 && errno != EINTR)
         throw plat::SystemException("select", errno);

@@ -69,7 +69,7 @@ void parseOptionalPort(std::string_view text, plat::String& host, int& port, int
 }
 
 plat::String format(const char* host, int port, int defaultPort, int displayLimit) {
-    const plat::String name = bracketHost(host);
+    plat::String name = bracketHost(host);
     if (port == defaultPort)
         return name;
     if (displayLimit == 0)

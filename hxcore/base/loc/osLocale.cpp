@@ -144,7 +144,7 @@ std::string environmentLocale() {
     const std::string former = std::setlocale(LC_MESSAGES, nullptr);
     const char* const name = std::setlocale(LC_MESSAGES, "");
     if (name) {
-        const std::string found = name;
+        std::string found = name;
         std::setlocale(LC_MESSAGES, former.c_str());
         return found;
     }

@@ -294,5 +294,12 @@ TEST(CircularVector, KeepsOrderWhenItGrowsAndWraps) {
     EXPECT_DEATH(queue.popFront(), "count > 0");
 }
 
+TEST(MonoTime, NeverGoesBack) {
+    const int64_t first = monoTicks();
+    bool jumped = true;
+    EXPECT_GE(monoTime(noTimeLimit, &jumped), first);
+    EXPECT_FALSE(jumped);
+}
+
 } // namespace
 } // namespace plat

@@ -73,6 +73,26 @@ protected:
         event.xkey.type = KeyRelease;
         XSendEvent(tx::dpy, event.xkey.window, False, KeyReleaseMask, &event);
     }
+    /// A click at a place of the screen, as the window gets it.
+    static void click(tx::TXWindow* window, int rootX, int rootY) {
+        const rfb::Point corner = window->getRootPosition();
+        XEvent event{};
+        event.xbutton.type = ButtonPress;
+        event.xbutton.window = window->win();
+        event.xbutton.root = tx::rootWindow;
+        event.xbutton.button = 1;
+        event.xbutton.x = rootX - corner.x;
+        event.xbutton.y = rootY - corner.y;
+        event.xbutton.x_root = rootX;
+        event.xbutton.y_root = rootY;
+        event.xbutton.same_screen = True;
+        XSendEvent(tx::dpy, window->win(), False, ButtonPressMask, &event);
+        event.xbutton.type = ButtonRelease;
+        event.xbutton.state = Button1Mask;
+        XSendEvent(tx::dpy, window->win(), False, ButtonReleaseMask, &event);
+        XSync(tx::dpy, False);
+        tx::processEvents();
+    }
 
     plat::TimerManager timers;
     MuiWvw toolkit;

@@ -210,24 +210,9 @@ TEST_F(DialogTxTest, APressOutsideEndsATransientOne) {
     dialog->setPosition({300, 300});
     dialog->addObserver(this, true);
     ASSERT_TRUE(showAndWait(*dialog));
-    const auto press = [&](int x, int y) {
-        XEvent event{};
-        event.xbutton.type = ButtonPress;
-        event.xbutton.window = windowOf(*dialog)->win();
-        event.xbutton.root = tx::rootWindow;
-        event.xbutton.button = 1;
-        event.xbutton.x = x - 300;
-        event.xbutton.y = y - 300;
-        event.xbutton.x_root = x;
-        event.xbutton.y_root = y;
-        event.xbutton.same_screen = True;
-        XSendEvent(tx::dpy, event.xbutton.window, False, ButtonPressMask, &event);
-        XSync(tx::dpy, False);
-        tx::processEvents();
-    };
-    press(350, 350);
+    click(windowOf(*dialog), 350, 350);
     EXPECT_TRUE(dialog->isShown());
-    press(10, 10);
+    click(windowOf(*dialog), 10, 10);
     EXPECT_FALSE(dialog->isShown());
     EXPECT_NE(heard.find("d/3 "), std::string::npos);
 }

@@ -19,26 +19,6 @@ namespace {
 class PopupsTxTest : public DialogTxTest, protected ui::Menu::ActionCallback {
 protected:
     void menuAction(ui::Menu::Item* item) override { heard += std::string(item->getText()) + " "; }
-
-    static void press(tx::TXWindow* window, int rootX, int rootY) {
-        const rfb::Point corner = window->getRootPosition();
-        XEvent event{};
-        event.xbutton.type = ButtonPress;
-        event.xbutton.window = window->win();
-        event.xbutton.root = tx::rootWindow;
-        event.xbutton.button = 1;
-        event.xbutton.x = rootX - corner.x;
-        event.xbutton.y = rootY - corner.y;
-        event.xbutton.x_root = rootX;
-        event.xbutton.y_root = rootY;
-        event.xbutton.same_screen = True;
-        XSendEvent(tx::dpy, window->win(), False, ButtonPressMask, &event);
-        event.xbutton.type = ButtonRelease;
-        event.xbutton.state = Button1Mask;
-        XSendEvent(tx::dpy, window->win(), False, ButtonReleaseMask, &event);
-        XSync(tx::dpy, False);
-        tx::processEvents();
-    }
 };
 
 TEST_F(PopupsTxTest, ASuperboxTypesOnUnderItsPopupAndAPressOutsideClosesIt) {
@@ -72,10 +52,10 @@ TEST_F(PopupsTxTest, ASuperboxTypesOnUnderItsPopupAndAPressOutsideClosesIt) {
     // A press inside is the list's.
     heard.clear();
     const rfb::Point corner = popup->getPosition();
-    press(window, corner.x + 20, corner.y + 10);
+    click(window, corner.x + 20, corner.y + 10);
     EXPECT_TRUE(waitFor([&] { return heard.find("list/0 list/1 ") != std::string::npos; })) << heard;
     EXPECT_TRUE(popup->isShown());
-    press(window, corner.x + 20, corner.y - 5);
+    click(window, corner.x + 20, corner.y - 5);
     EXPECT_TRUE(waitFor([&] { return !popup->isShown(); }));
     EXPECT_FALSE(window->grabsPointer() || window->grabsKeyboard());
     // Escape closes the popup, and only then the dialog.
