@@ -1,6 +1,7 @@
 """The whole toolkit in one window, by the keyboard alone: the focus goes round and is always seen, keys do what they say."""
 import hashlib
 import os
+import re
 import subprocess
 import time
 import unittest
@@ -79,21 +80,73 @@ class GalleryTest(unittest.TestCase):
         for index, name in enumerate(PAGES):
             with self.subTest(page=name):
                 self.go_to(index)
-                # Once round, since the mark comes with the first key, and fields keep what they were left with.
-                stops = [self.picture()]
-                while len(stops) < 100:
-                    self.keys("Tab")
-                    now = self.picture()
-                    if now in stops:
-                        break
-                    stops.append(now)
-                self.assertLess(len(stops), 100, "never comes round")
-                circle = stops[stops.index(now):]
-                self.assertGreaterEqual(2 * len(circle), len(stops), "two stops look alike")
-                if len(circle) > 1:
-                    self.keys("shift+Tab")
-                    back = self.picture()
-                    self.assertTrue(back != now and back in stops, "backwards is another way")
+                self.tab_round()
+
+    def tab_round(self):
+        """Tab leads from stop to stop, each of which looks different, and round; gives how many there are."""
+        # Once round before, since the mark comes with the first key, and fields keep what they were left with.
+        stops = [self.picture()]
+        while len(stops) < 100:
+            self.keys("Tab")
+            now = self.picture()
+            if now in stops:
+                break
+            stops.append(now)
+        self.assertLess(len(stops), 100, "never comes round")
+        circle = stops[stops.index(now):]
+        self.assertGreaterEqual(2 * len(circle), len(stops), "two stops look alike")
+        if len(circle) > 1:
+            self.keys("shift+Tab")
+            back = self.picture()
+            self.assertTrue(back != now and back in stops, "backwards is another way")
+        return len(circle)
+
+    def until_keyboard(self, title):
+        """It is in a window of that title other than the gallery's; or, for None, in that."""
+        def there():
+            window, name = (subprocess.run(["xdotool", "getwindowfocus", *more], capture_output=True, text=True,
+                                           check=False).stdout.strip() for more in ([], ["getwindowname"]))
+            return window == self.window if title is None else window != self.window and name == title
+        until(there, f"the keyboard in {title or 'the gallery'}")
+
+    def test_every_window_is_opened_used_and_closed_by_keys(self):
+        """One button of the page after the other."""
+        self.start()
+        self.go_to(10)
+        page = self.gallery.page(10)
+        boxes = [("Gallery", 1, "button 1", "button 1")] * 3 + [("Gallery", 2, "button 16", "button 8"),
+                                                                ("Gallery", 3, "button 2", "button 8")]
+        kinds = ["Plain", "Fixed", "Modal", "Blocking", "Popup", "Above", "Undecorated", "Nofocus", "Transient", "Stays"]
+        choosers = [("Open", 7, "cancelled", None), ("Save", 8, "cancelled", None),
+                    ("Folder", 8, "cancelled", os.getcwd()), ("Choose plainly", 5, "cancelled", None)]
+        windows = [(name, 3 if name == "Plain" else None, "", "") for name in kinds] + boxes + choosers
+        windows += [("Menus", 2, "", ""), ("Steps", 4, "", ""), ("Saves", 4, "", ""), ("Hides", None, "", ""),
+                    ("Notify", None, None, None), ("About Gallery", 3, "", "")]
+        self.keys("Tab")  # the handle beside the list
+        for title, stops, escaped, returned in windows:
+            self.keys("Tab")
+            for key, result in [("Escape", escaped), ("Return", returned)]:
+                if result is None:
+                    continue
+                self.keys("Return")
+                if title == "Popup":  # has no keyboard of its own
+                    self.gallery.until_state(title, "shown", "1" if key == "Escape" else "0")
+                    continue
+                if title == "Transient":  # has it without being a window that the manager knows
+                    self.gallery.until_state(title, "shown", "1")
+                    self.keys(key)
+                    self.gallery.until_state(title, "shown", "0")
+                    continue
+                if title == "Nofocus":
+                    xdotool("windowfocus", "--sync", until(lambda: self.find("^Nofocus$"), "its window"))
+                self.until_keyboard(title)
+                if key == "Escape" and stops:  # how many Tab makes
+                    self.assertEqual(self.tab_round(), stops, title)
+                self.keys(key)
+                self.until_keyboard(None)
+                if result:
+                    name = "answer" if title == "Gallery" else "chosen"
+                    self.gallery.until_state(f"{page}.{name}", "value", result)
 
     def test_buttons_and_menus_answer_keys(self):
         self.start()

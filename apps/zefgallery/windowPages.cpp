@@ -151,7 +151,9 @@ private:
             dialog->addObserver(this, /*add=*/true);
             dialogs[index] = std::move(dialog);
         }
-        dialogs[index]->setShown(/*shown=*/true);
+        // A popup has no keyboard of its own: what opened it closes it.
+        const bool again = (kinds[index].flags & mui::MuDialog::Popup) && dialogs[index]->isShown();
+        dialogs[index]->setShown(!again);
     }
 
     void ask(size_t index) {
@@ -192,6 +194,7 @@ private:
             bar->getMenu(ui::MenuBar::Edit)->addItem("&Paste", nullptr, nullptr, this)->setEnabled(/*on=*/false);
             bar->addAbout(this);
             specialBars[index] = std::make_unique<MuButtonBar>(dialog.get(), MuButtonBar::Ok);
+            dialog->setActionButton(mui::MuDialog::ActionCancel, specialBars[index]->getButton(MuButtonBar::Ok));
             break;
         }
         case 1:
@@ -204,6 +207,7 @@ private:
             break;
         case 3:
             specialBars[index] = std::make_unique<MuButtonBar>(dialog.get(), MuButtonBar::Continue);
+            dialog->setActionButton(mui::MuDialog::ActionCancel, specialBars[index]->getButton(MuButtonBar::Continue));
             hider = mui::MuAutoHider::create(dialog.get());
             break;
         default:

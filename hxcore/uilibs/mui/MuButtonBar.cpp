@@ -11,28 +11,28 @@
 
 namespace mui {
 namespace {
-enum class Role { None, Default, Cancel };
-
 struct ButtonKind {
     unsigned button;
     const char* name;
     const char* key;
-    Role role;
+    bool isDefault; // may become the default action
 };
 
 // In the order in which they stand; the gap comes before "apply".
 constexpr ButtonKind kinds[] = {
-    {MuButtonBar::Back, "back", "ui_button_back", Role::Cancel},
-    {MuButtonBar::Next, "next", "ui_button_next", Role::Default},
-    {MuButtonBar::Apply, "apply", "ui_button_apply", Role::None},
-    {MuButtonBar::Cancel, "cancel", "ui_button_cancel", Role::Cancel},
-    {MuButtonBar::No, "no", "ui_button_no", Role::Cancel},
-    {MuButtonBar::Save, "save", "ui_button_save", Role::Default},
-    {MuButtonBar::Open, "open", "ui_button_open", Role::Default},
-    {MuButtonBar::Ok, "ok", "ui_button_ok", Role::Default},
-    {MuButtonBar::Yes, "yes", "ui_button_yes", Role::Default},
-    {MuButtonBar::Continue, "continue", "ui_button_continue", Role::Default},
+    {MuButtonBar::Back, "back", "ui_button_back", /*isDefault=*/false},
+    {MuButtonBar::Next, "next", "ui_button_next", /*isDefault=*/true},
+    {MuButtonBar::Apply, "apply", "ui_button_apply", /*isDefault=*/false},
+    {MuButtonBar::Cancel, "cancel", "ui_button_cancel", /*isDefault=*/false},
+    {MuButtonBar::No, "no", "ui_button_no", /*isDefault=*/false},
+    {MuButtonBar::Save, "save", "ui_button_save", /*isDefault=*/true},
+    {MuButtonBar::Open, "open", "ui_button_open", /*isDefault=*/true},
+    {MuButtonBar::Ok, "ok", "ui_button_ok", /*isDefault=*/true},
+    {MuButtonBar::Yes, "yes", "ui_button_yes", /*isDefault=*/true},
+    {MuButtonBar::Continue, "continue", "ui_button_continue", /*isDefault=*/true},
 };
+// Those that may become the cancel action, the first there is of them: in a row with both, Escape leaves a wizard.
+constexpr MuButtonBar::Button cancelling[] = {MuButtonBar::Cancel, MuButtonBar::No, MuButtonBar::Back};
 constexpr unsigned wizardButtons = MuButtonBar::Cancel | MuButtonBar::Back | MuButtonBar::Next;
 } // namespace
 
@@ -68,6 +68,9 @@ void MuButtonBar::addButtons(unsigned buttons) {
         if (buttons & kind.button)
             addButton(kind.button);
     }
+    for (const Button button : cancelling)
+        if (!dialog->getActionButton(MuDialog::ActionCancel))
+            dialog->setActionButton(MuDialog::ActionCancel, getButton(button));
 }
 
 void MuButtonBar::addButton(unsigned button) {
@@ -75,9 +78,8 @@ void MuButtonBar::addButton(unsigned button) {
         if (kind.button != button)
             continue;
         MuButton* element = MuButton::create(bar, kind.name, LOC_TEXT(kind.key));
-        const int action = kind.role == Role::Default ? MuDialog::ActionDefault : MuDialog::ActionCancel;
-        if (kind.role != Role::None && !dialog->getActionButton(action))
-            dialog->setActionButton(action, element);
+        if (kind.isDefault && !dialog->getActionButton(MuDialog::ActionDefault))
+            dialog->setActionButton(MuDialog::ActionDefault, element);
     }
 }
 

@@ -32,7 +32,7 @@ public:
     explicit MuButtonBar(MuDialog* dialog, unsigned buttons = 0);
 
     /// Replaces the buttons by those of the mask; the first of its default kinds becomes the dialog's default action,
-    /// "cancel", "no" or "back" its cancel action.
+    /// "cancel", else "no", else "back" its cancel action.
     void addButtons(unsigned buttons);
     MuButton* addCustom(const char* name, const char* label); ///< at the end, natural width
     MuButton* getButton(Button button);                       ///< null if the mask had it not

@@ -163,6 +163,8 @@ TEST_F(DialogTest, AButtonBarHasItsOrderItsActionsAndItsGap) {
     bar.addButtons(1023);
     EXPECT_EQ(names(), "- - back next - apply cancel no save open ok yes continue ");
     EXPECT_STREQ(dialog.getActionButton(MuDialog::ActionDefault)->getName(), "next");
+    EXPECT_STREQ(dialog.getActionButton(MuDialog::ActionCancel)->getName(), "cancel");
+    bar.addButtons(MuButtonBar::Back | MuButtonBar::Next);
     EXPECT_STREQ(dialog.getActionButton(MuDialog::ActionCancel)->getName(), "back");
     bar.addButtons(MuButtonBar::Ok | MuButtonBar::Apply);
     EXPECT_EQ(names(), "- - apply ok ");
