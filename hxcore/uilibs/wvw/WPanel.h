@@ -9,7 +9,7 @@ namespace wvw {
 /// An etched frame with a title, around a content layout.
 class WPanel : public WLayout {
 public:
-    static constexpr int margin = 6; // pixels
+    static int margin(); ///< pixels between the frame and the content
 
     explicit WPanel(WLayout* layout = nullptr, const char* titleText = nullptr);
 

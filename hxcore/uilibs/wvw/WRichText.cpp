@@ -118,7 +118,8 @@ void WRichText::paint(rfb::FullFramePixelBuffer& pb) {
         paintRun(pb, i);
     for (int i = 0; i < count && hasFocus(); ++i) {
         const Rect& run = runs->getRuns()[static_cast<size_t>(i)].rect;
-        const Rect around(run.tl.x - focusRoom, run.tl.y - 1, run.br.x + focusRoom, run.br.y + 1);
+        // A cell has a spare row at its top: one row higher, the frame would strike the descenders of the line above.
+        const Rect around(run.tl.x - focusRoom, run.tl.y, run.br.x + focusRoom, run.br.y + 1);
         if (runs->sameLink(i, focusRun))
             drawFocus(pb, around.intersect(getRect()), /*dotted=*/true);
     }

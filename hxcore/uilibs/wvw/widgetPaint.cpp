@@ -2,8 +2,11 @@
 #include "wvw/Widget.h"
 
 #include "hxutil/TextLine.h"
+#include "hxutil/metrics.h"
 #include "rfb/PixelBuffer.h"
 #include "rfb/renderOps.h"
+
+#include <algorithm>
 
 namespace wvw {
 namespace {
@@ -11,21 +14,25 @@ namespace {
 using rfb::Point;
 using rfb::Rect;
 
-/// One pixel in every two along the frame, in two colours by turns, clockwise from the upper left corner.
+constexpr int dotUnits = 2;
+
+/// Dots and gaps of one length along the frame, in two colours by turns, clockwise from the upper left corner.
 class DotPen {
 public:
     DotPen(rfb::FullFramePixelBuffer& target, uint32_t first, uint32_t second) : pb(target), pixels{first, second} {}
 
     void along(Point from, Point step, int count) {
         for (int i = 0; i < count; ++i, ++phase, from = from + step) {
-            if (phase % 2 == 0)
-                rfb::setPixel(pb, from, pixels[phase / 2 % 2]);
+            const int dot = phase / length;
+            if (dot % 2 == 0)
+                rfb::setPixel(pb, from, pixels[dot / 2 % 2]);
         }
     }
 
 private:
     rfb::FullFramePixelBuffer& pb;
     uint32_t pixels[2];
+    int length = std::max(1, hxutil::scaled(dotUnits));
     int phase = 0;
 };
 

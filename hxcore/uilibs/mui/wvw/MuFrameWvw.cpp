@@ -53,7 +53,7 @@ rfb::Point MuFrameWvw::getContentOrigin() { return panel ? panel->getContent().g
 rfb::Point MuFrameWvw::chrome() {
     if (!panel)
         return {0, 0};
-    return {2 * wvw::WPanel::margin, 2 * wvw::WPanel::margin + panel->getTitle().getPreferredSize().y};
+    return {2 * wvw::WPanel::margin(), 2 * wvw::WPanel::margin() + panel->getTitle().getPreferredSize().y};
 }
 
 void MuFrameWvw::setSize(const rfb::Point& size) {
@@ -66,7 +66,7 @@ void MuFrameWvw::setSize(const rfb::Point& size) {
 int MuFrameWvw::getMinWidth(int height) {
     const rfb::Point around = chrome() + margin + margin;
     const int content = child && child->isShown() ? child->getMinWidth(std::max(0, height - around.y)) : 0;
-    const int title = panel ? panel->getTitle().getPreferredSize().x + 2 * wvw::WPanel::margin : 0;
+    const int title = panel ? panel->getTitle().getPreferredSize().x + 2 * wvw::WPanel::margin() : 0;
     return std::max(content + around.x, title);
 }
 

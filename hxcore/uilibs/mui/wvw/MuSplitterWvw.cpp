@@ -1,11 +1,15 @@
 #include "mui/wvw/MuSplitterWvw.h"
 
+#include "hxutil/metrics.h"
 #include "rfb/PixelBuffer.h"
+
+#include <algorithm>
 
 namespace mui {
 namespace {
 constexpr int gripDots = 7;
-constexpr int gripStep = 4; // pixels from dot to dot
+constexpr int gripStepUnits = 8; // from dot to dot
+constexpr int gripUnits = 4;
 } // namespace
 
 /// What keys and pointer find between two panes. The splitter paints it, and hears of the pointer as everything above
@@ -131,10 +135,13 @@ void MuSplitterWvw::paintHandle(rfb::FullFramePixelBuffer& pb, const rfb::Rect& 
     const rfb::Colour light = wvw::themeColour("contentBg", look.contentBg);
     const rfb::Point middle((area.tl.x + area.br.x - 1) / 2, (area.tl.y + area.br.y - 1) / 2);
     const bool upright = getOrientation() == Orientation::Horizontal;
+    const int side = std::max(2, hxutil::scaled(gripUnits));
+    const int lift = side / 2;
+    const int step = std::max(4, hxutil::scaled(gripStepUnits));
     for (int i = -(gripDots / 2); i <= gripDots / 2; ++i) {
-        const rfb::Point dot = upright ? middle + rfb::Point(0, i * gripStep) : middle + rfb::Point(i * gripStep, 0);
-        widget.fill(pb, rfb::Rect::xywh(dot.x, dot.y, 2, 2).intersect(area), light);
-        widget.fill(pb, rfb::Rect::xywh(dot.x - 1, dot.y - 1, 2, 2).intersect(area), ink);
+        const rfb::Point dot = upright ? middle + rfb::Point(0, i * step) : middle + rfb::Point(i * step, 0);
+        widget.fill(pb, rfb::Rect::xywh(dot.x, dot.y, side, side).intersect(area), light);
+        widget.fill(pb, rfb::Rect::xywh(dot.x - lift, dot.y - lift, side, side).intersect(area), ink);
     }
 }
 
