@@ -22,6 +22,11 @@ ConsentGuard::Scope::Scope(std::shared_ptr<ConsentGuard> guard_, const XEvent& e
         outer = std::exchange(guard->current, guard->judge(event));
 }
 
+ConsentGuard::Scope::Scope(std::shared_ptr<ConsentGuard> guard_, Verdict known) : guard(std::move(guard_)) {
+    if (guard)
+        outer = std::exchange(guard->current, known);
+}
+
 ConsentGuard::Scope::~Scope() {
     if (guard)
         guard->current = outer;
@@ -70,6 +75,11 @@ void ConsentGuard::noteVisibility(int state) {
     visibility = state;
 }
 
+void ConsentGuard::givenAway(const XKeyEvent& event) {
+    if (event.type == KeyPress)
+        keys[event.keycode] = Verdict::Method;
+}
+
 ConsentGuard::Verdict ConsentGuard::verdict() const {
     if (current == Verdict::NoInput && !isLocalOnly())
         return Verdict::Deliberate; // our own doing, such as inspection
@@ -96,6 +106,8 @@ const char* ConsentGuard::describe(Verdict verdict) {
         return "injected";
     case Verdict::Unknown:
         return "of unknown source";
+    case Verdict::Method:
+        return "by way of an input method";
     }
     return "";
 }
@@ -164,7 +176,7 @@ ConsentGuard::Verdict ConsentGuard::judgeMotion(const XMotionEvent& event) const
         return Verdict::Forged;
     Verdict verdict = Verdict::NotFresh;
     for (unsigned button = Button1; button <= Button5; button++) {
-        if (!(event.state & Button1Mask << (button - Button1)))
+        if (!(event.state & unsigned{Button1Mask} << (button - Button1)))
             continue;
         const auto press = buttons.find(button);
         verdict = press == buttons.end() ? Verdict::NotFresh : press->second;

@@ -35,6 +35,7 @@ public:
         Hidden,   ///< a key, while nobody can see the window
         Injected, ///< not by a device of this computer
         Unknown,  ///< injected perhaps: the server doesn't tell
+        Method,   ///< by way of an input method, which is another client
     };
 
     static constexpr int pointerDelayMs = 500;
@@ -44,6 +45,7 @@ public:
     class Scope {
     public:
         Scope(std::shared_ptr<ConsentGuard> guard, const XEvent& event); ///< null is none
+        Scope(std::shared_ptr<ConsentGuard> guard, Verdict known);       ///< without an event of the server
         ~Scope();
         Scope(const Scope&) = delete;
         Scope& operator=(const Scope&) = delete;
@@ -59,6 +61,9 @@ public:
     /// The window came into view: the delays begin, and what is held down stays without effect until it is let go.
     /// Takes two round trips.
     void shown();
+
+    /// The press being handled is an input method's from here on: neither what comes back nor its release counts.
+    void givenAway(const XKeyEvent& event);
 
     Verdict verdict() const; ///< on the event being handled
     bool isIgnored() const { return current == Verdict::Forged || current == Verdict::Injected; }

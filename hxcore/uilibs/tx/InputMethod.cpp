@@ -110,18 +110,24 @@ void InputMethod::setCursor(InputMethodClient* client, Window window, const rfb:
     if (!link.isOpen()) {
         if (entered)
             start();
-    } else if (stage == Stage::Open && contextWindow != window) {
-        makeContext();
-    } else if (context) {
-        focusContext(/*in=*/true);
-        if (moved && !stalled)
-            sendSpot(/*probe=*/false);
+        return;
     }
+    followCursor();
+    if (moved && context && !stalled)
+        sendSpot(/*probe=*/false);
+}
+
+/// The context is for the window that takes text, and knows whether one does.
+void InputMethod::followCursor() {
+    if (current && stage == Stage::Open && contextWindow != currentWindow)
+        makeContext();
+    else
+        focusContext(current != nullptr);
 }
 
 void InputMethod::forget(InputMethodClient* client) {
     std::erase_if(sent, [client](const Sent& one) { return one.client == client; });
-    std::replace(delivering.begin(), delivering.end(), client, static_cast<InputMethodClient*>(nullptr));
+    std::erase_if(due, [client](const Due& one) { return one.client == client; });
     if (client == current)
         current = nullptr;
     if (client == contextClient)
@@ -151,8 +157,14 @@ void InputMethod::start() {
 }
 
 void InputMethod::ximAppeared() {
-    if (current)
+    // The one that hangs may have a successor.
+    if (stalled && link.isReplaced()) {
+        link.close();
+        ximLost(/*ended=*/true);
+    } else if (current) {
         start();
+    }
+    giveDue();
 }
 
 void InputMethod::ximConnected() {
@@ -189,6 +201,7 @@ void InputMethod::makeContext() {
         return; // made for the right window when the answer comes
     dropContext();
     contextAsked = true;
+    contextQuestion = lastAsked + 1;
     contextClient = current;
     contextWindow = currentWindow;
     xim::Writer out(xim::CreateIc);
@@ -233,8 +246,9 @@ void InputMethod::sendSpot(bool probe) {
     ask(out);
 }
 
+/// One that is late is told when it answers again.
 void InputMethod::focusContext(bool in) {
-    if (!context || contextFocused == in)
+    if (!context || contextFocused == in || stalled)
         return;
     contextFocused = in;
     xim::Writer out(in ? xim::SetIcFocus : xim::UnsetIcFocus);
@@ -274,16 +288,33 @@ void InputMethod::answered() {
     log.info("the input method answers again");
 }
 
-/// False for what no method would say.
+bool InputMethod::filterEvent(const XEvent& event) {
+    const bool ours = link.filterEvent(event);
+    giveDue();
+    return ours;
+}
+
 bool InputMethod::ximMessage(const xim::Message& message) {
+    const bool wasStalled = stalled;
+    if (!handleMessage(message))
+        return false;
+    if (wasStalled && !stalled)
+        followCursor();
+    return true;
+}
+
+/// False for what no method would say.
+bool InputMethod::handleMessage(const xim::Message& message) {
     const xim::Bytes body = message.body;
     switch (message.opcode) {
     case xim::ConnectReply: {
+        if (stage != Stage::Opening)
+            return false;
         answered();
         xim::Writer open(xim::Open);
         open.string8(localeName());
         ask(open);
-        return stage == Stage::Opening;
+        return true;
     }
     case xim::OpenReply:
         answered();
@@ -306,21 +337,8 @@ bool InputMethod::ximMessage(const xim::Message& message) {
             makeContext();
         return true;
     }
-    case xim::CreateIcReply: {
-        xim::Reader in(body);
-        in.skip(2);
-        if (!std::exchange(contextAsked, false))
-            return false;
-        answered();
-        context = in.u16();
-        if (contextWindow == none)
-            dropContext(); // its window went meanwhile
-        if (current && contextWindow != currentWindow)
-            makeContext();
-        else
-            focusContext(current != nullptr);
-        return in.ok();
-    }
+    case xim::CreateIcReply:
+        return contextMade(body);
     case xim::SetIcValuesReply:
         answered();
         return true;
@@ -338,23 +356,39 @@ bool InputMethod::ximMessage(const xim::Message& message) {
     }
     case xim::ForwardEvent: {
         xim::ForwardedEvent key;
-        return !parse(body, &key) || keyReturned(key); // any other event is of no use
+        if (parse(body, &key)) // any other event is of no use
+            keyReturned(key);
+        return true;
     }
     case xim::Commit: {
         xim::CommitBody text;
-        return parse(body, &text) && textCommitted(text);
-    }
-    case xim::Sync: {
-        xim::Writer reply(xim::SyncReply);
-        reply.u16(im).u16(context);
-        link.send(reply);
+        if (!parse(body, &text))
+            return false;
+        textCommitted(text);
         return true;
     }
+    case xim::Sync:
+        sync(xim::synchronous, im, context);
+        return true;
     case xim::AuthRequired:
         return false;
     default:
         return true; // what methods may tell, and needn't be known
     }
+}
+
+bool InputMethod::contextMade(xim::Bytes body) {
+    xim::Reader in(body);
+    in.skip(2);
+    const uint16_t made = in.u16();
+    if (!in.ok() || made == 0 || !std::exchange(contextAsked, false))
+        return false;
+    answered();
+    context = made;
+    if (contextWindow == none)
+        dropContext(); // its window went meanwhile
+    followCursor();
+    return true;
 }
 
 /// A refusal is an answer. Without a context, keys are used as they are.
@@ -366,7 +400,8 @@ bool InputMethod::handleError(xim::Bytes body) {
     in.skip(6);
     const unsigned code = in.u16();
     log.debug("the input method refuses: %u", code);
-    if (std::exchange(contextAsked, false)) {
+    if (contextAsked && lastAnswered >= contextQuestion) {
+        contextAsked = false;
         styles.erase(styles.begin());
         if (current)
             makeContext();
@@ -404,8 +439,9 @@ bool InputMethod::takeKey(InputMethodClient* client, const XKeyEvent& event) {
     if (!context || stalled || client != current || contextWindow != currentWindow)
         return false;
     if (lastAsked - lastAnswered >= maxAsked) {
+        sent.push_back({event, client, lastAsked}); // behind those that wait
         timerExpired(&answerTimer);
-        return false;
+        return true;
     }
     if (triggers(event))
         return true;
@@ -443,23 +479,38 @@ bool InputMethod::holdBack(InputMethodClient* client, const XKeyEvent& event) {
 
 /// Those whose turn it is.
 void InputMethod::useHeldKeys() {
-    const auto due = [this](const Sent& one) { return one.held && !one.used && one.question <= lastAnswered; };
-    for (auto one = sent.begin(); (one = std::find_if(sent.begin(), sent.end(), due)) != sent.end();) {
-        Sent key = *one;
-        sent.erase(one);
-        deliver(key);
+    for (auto one = sent.begin(); one != sent.end();) {
+        if (one->held && !one->used && one->question <= lastAnswered) {
+            use(*one);
+            one = sent.erase(one);
+        } else {
+            ++one;
+        }
     }
 }
 
+/// What was begun in the field before belongs there.
+bool InputMethod::isLate() const {
+    return stalled || !current || !context || contextWindow != currentWindow || lastAnswered < leftUpTo;
+}
+
+void InputMethod::sync(uint16_t flags, uint16_t ofIm, uint16_t ofIc) {
+    if (!(flags & xim::synchronous))
+        return;
+    xim::Writer reply(xim::SyncReply);
+    reply.u16(ofIm).u16(ofIc);
+    link.send(reply);
+}
+
 /// The method gave a key back, or made one up.
-bool InputMethod::keyReturned(const xim::ForwardedEvent& key) {
+void InputMethod::keyReturned(const xim::ForwardedEvent& key) {
+    sync(key.flags, key.im, key.ic);
     const auto found = std::find_if(sent.begin(), sent.end(), [&key](const Sent& one) {
         return !one.held && one.event.type == key.type && one.event.keycode == key.keycode &&
                static_cast<uint32_t>(one.event.time) == key.time;
     });
-    const unsigned ours = life;
     if (found != sent.end()) {
-        Sent back = *found;
+        const Sent back = *found;
         // The ones before it became text, or waited for that.
         for (auto one = sent.begin(); one != found; ++one)
             one->question = std::min(one->question, lastAnswered);
@@ -467,8 +518,8 @@ bool InputMethod::keyReturned(const xim::ForwardedEvent& key) {
         sent.erase(passed, found + 1);
         useHeldKeys();
         if (!back.used)
-            deliver(back);
-    } else if (current && context && key.ic == context) {
+            use(back);
+    } else if (!isLate() && key.ic == context) {
         XKeyEvent made{};
         made.type = key.type;
         made.display = dpy;
@@ -479,37 +530,27 @@ bool InputMethod::keyReturned(const xim::ForwardedEvent& key) {
         made.keycode = key.keycode;
         made.state = key.state;
         made.same_screen = True;
-        current->inputMethodKey(&made);
+        due.push_back({current, made, {}});
     }
-    if (life == ours && (key.flags & xim::synchronous)) {
-        xim::Writer reply(xim::SyncReply);
-        reply.u16(key.im).u16(key.ic);
-        link.send(reply);
-    }
-    return true;
 }
 
-bool InputMethod::textCommitted(const xim::CommitBody& body) {
+void InputMethod::textCommitted(const xim::CommitBody& body) {
+    sync(body.flags, body.im, body.ic);
+    if (isLate() || body.ic != context)
+        return;
     std::string utf8;
     if (!body.text.empty())
         utf8 = fromCompoundText(body.text, link.compoundText());
-    if (utf8.empty() && body.keysym != 0) {
+    const uint32_t character = rfb::unicodeFromKeysym(body.keysym); // 0 for none
+    if (utf8.empty() && character != 0) {
         char encoded[8];
         char* end = static_cast<char*>(encoded);
-        plat::encodeUtf8(rfb::unicodeFromKeysym(body.keysym), &end);
+        plat::encodeUtf8(character, &end);
         utf8.assign(static_cast<char*>(encoded), end);
     }
-    const unsigned ours = life;
-    // What was begun in the field before belongs there.
-    const bool late = stalled || lastAnswered < leftUpTo;
-    if (current && !late && body.ic == context && !utf8.empty())
-        current->inputMethodText(plat::repairUtf8(utf8.data(), static_cast<int>(utf8.size())));
-    if (life == ours && (body.flags & xim::synchronous)) {
-        xim::Writer reply(xim::SyncReply);
-        reply.u16(body.im).u16(body.ic);
-        link.send(reply);
-    }
-    return true;
+    const plat::String text = plat::repairUtf8(utf8.data(), static_cast<int>(utf8.size()));
+    if (!text.isEmpty())
+        due.push_back({current, {}, text});
 }
 
 // The method fails.
@@ -519,37 +560,39 @@ bool InputMethod::timerExpired(plat::Timer*) {
     stalled = true;
     answerTimer.cancel();
     useSentKeys();
+    giveDue();
     return false;
 }
 
 /// Those whose question has no answer. They stay in the list, to be known when they come back after all.
 void InputMethod::useSentKeys() {
-    std::vector<Sent> keys;
     for (Sent& one : sent) {
         if (one.question > lastAnswered && !std::exchange(one.used, true))
-            keys.push_back(one);
-    }
-    for (Sent& one : keys) {
-        const auto kept = [&one](const Sent& other) { return other.client == one.client; };
-        if (std::any_of(sent.begin(), sent.end(), kept))
-            deliver(one);
+            use(one);
     }
 }
 
-/// The client may end in any call.
-void InputMethod::deliver(Sent& key) {
-    const size_t depth = delivering.size();
-    delivering.push_back(key.client);
-    key.client->inputMethodKey(&key.event);
-    if (key.released && delivering[depth])
-        key.client->inputMethodKey(&key.release);
-    delivering.pop_back();
+void InputMethod::use(const Sent& key) {
+    due.push_back({key.client, key.event, {}});
+    if (key.released)
+        due.push_back({key.client, key.release, {}});
+}
+
+/// In any call the client may end, or run a loop of its own, which goes on here.
+void InputMethod::giveDue() {
+    while (!due.empty()) {
+        Due one = due.front();
+        due.pop_front();
+        if (one.text.isEmpty())
+            one.client->inputMethodKey(&one.event);
+        else
+            one.client->inputMethodText(one.text);
+    }
 }
 
 /// Keys under way are used as they are.
-void InputMethod::ximLost() {
+void InputMethod::ximLost(bool ended) {
     answerTimer.cancel();
-    life++;
     stage = Stage::Opening;
     context = im = 0;
     contextClient = nullptr;
@@ -559,16 +602,18 @@ void InputMethod::ximLost() {
     styles.clear();
     triggerKeys = {};
     forwardMask = KeyPressMask;
-    const unsigned upTo = lastAsked; // a key may lead into a field, and so to the next conversation
     useSentKeys();
     sent.clear();
-    lastAnswered = leftUpTo = upTo;
+    lastAnswered = leftUpTo = lastAsked;
+    if (ended && current)
+        start(); // the next one may have come first
 }
 
 void InputMethod::close() {
     current = nullptr;
     link.close();
-    ximLost();
+    ximLost(/*ended=*/true);
+    due.clear();
     link.release();
 }
 

@@ -18,7 +18,8 @@ namespace tx {
 class InputMethodClient {
 public:
     virtual ~InputMethodClient() = default;
-    virtual void inputMethodKey(XKeyEvent* event) = 0;          ///< a key that the method doesn't use, or that it made
+    /// A key that the method doesn't use, or with `send_event` one that it made. It may be late.
+    virtual void inputMethodKey(XKeyEvent* event) = 0;
     virtual void inputMethodText(const plat::String& text) = 0; ///< UTF-8
 };
 
@@ -45,8 +46,7 @@ public:
     /// True if the method has taken the key; what becomes of it comes through the client.
     bool takeKey(InputMethodClient* client, const XKeyEvent& event);
 
-    /// True for an event between us and the method.
-    bool filterEvent(const XEvent& event) { return link.filterEvent(event); }
+    bool filterEvent(const XEvent& event); ///< true for one between us and the method
 
     bool isReady() const { return context != 0 && !stalled; } ///< a method takes our keys
 
@@ -63,6 +63,12 @@ private:
         bool released = false; // meanwhile, in a way that the method isn't told of
         XKeyEvent release{};
     };
+    /// What a client gets next: a key, or a text.
+    struct Due {
+        InputMethodClient* client;
+        XKeyEvent event;
+        plat::String text;
+    };
     enum class Stage { Opening, Asking, Open };
 
     InputMethod() = default;
@@ -73,25 +79,31 @@ private:
     void ximAppeared() override;
     void ximConnected() override;
     bool ximMessage(const xim::Message& message) override;
-    void ximLost() override;
+    void ximLost(bool ended) override;
 
     void start();
     bool opened(xim::Bytes body);
+    bool handleMessage(const xim::Message& message);
+    bool contextMade(xim::Bytes body);
     bool handleError(xim::Bytes body);
-    bool keyReturned(const xim::ForwardedEvent& key);
-    bool textCommitted(const xim::CommitBody& body);
+    void keyReturned(const xim::ForwardedEvent& key);
+    void textCommitted(const xim::CommitBody& body);
+    bool isLate() const;
+    void sync(uint16_t flags, uint16_t ofIm, uint16_t ofIc);
     void ask(xim::Writer& writer);
     void answered();
     void makeContext();
     void dropContext();
     void focusContext(bool in);
+    void followCursor();
     void spotValue(xim::Writer* out, bool whole) const;
     void sendSpot(bool probe);
     bool triggers(const XKeyEvent& event);
     bool holdBack(InputMethodClient* client, const XKeyEvent& event);
     void useHeldKeys();
     void useSentKeys();
-    void deliver(Sent& key);
+    void use(const Sent& key);
+    void giveDue();
 
     XimLink link{this};
     Stage stage = Stage::Opening;
@@ -109,13 +121,13 @@ private:
     Window contextWindow = none;
     InputMethodClient* contextClient = nullptr;
     bool contextAsked = false;
+    unsigned contextQuestion = 0; // its number
     bool contextFocused = false;
     InputMethodClient* current = nullptr;
     Window currentWindow = none;
     rfb::Rect spot;
-    std::deque<Sent> sent;                      // and not given back
-    std::vector<InputMethodClient*> delivering; // in calls of theirs; null once forgotten
-    unsigned life = 0;                          // counts conversations: what a call back into a widget may end
+    std::deque<Sent> sent; // and not given back
+    std::deque<Due> due;   // given once all else is settled: a client may do anything in its calls
     plat::Timer answerTimer{this};
 };
 

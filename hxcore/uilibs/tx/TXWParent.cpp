@@ -64,7 +64,7 @@ int heightOf(const wvw::Widget* root) { return root ? root->getHeight() : 1; }
 KeySym latinKeysym(KeySym keysym, unsigned keycode) {
     if (keysym < 0x100 || (keysym >= 0xFE00 && keysym <= 0xFFFF))
         return keysym; // Latin, or no letter
-    for (unsigned group = 0; group < 4; group++) {
+    for (int group = 0; group < 4; group++) {
         const KeySym other = XkbKeycodeToKeysym(dpy, static_cast<KeyCode>(keycode), group, 0);
         if (other >= XK_a && other <= XK_z)
             return other;
@@ -316,9 +316,7 @@ bool TXWParent::handleEvent(XEvent* event) {
     switch (event->type) {
     case KeyPress:
     case KeyRelease:
-        tellInputMethod(/*in=*/true); // the keyboard is here
-        if (inputBlocked || !InputMethod::instance().takeKey(this, event->xkey))
-            handleKey(&event->xkey);
+        handleServerKey(&event->xkey);
         break;
     case ButtonPress:
     case ButtonRelease:
@@ -360,6 +358,15 @@ void TXWParent::noteOrigin(const XEvent& event) {
     originKnown = true;
 }
 
+void TXWParent::handleServerKey(XKeyEvent* event) {
+    tellInputMethod(/*in=*/true);                      // the keyboard is here
+    const std::shared_ptr<ConsentGuard> judge = guard; // the method may give back other keys at once
+    if (inputBlocked || !InputMethod::instance().takeKey(this, *event))
+        handleKey(event);
+    else if (judge)
+        judge->givenAway(*event);
+}
+
 void TXWParent::handleKey(XKeyEvent* event) {
     if (event->type == KeyPress)
         handleKeyPress(event);
@@ -367,11 +374,15 @@ void TXWParent::handleKey(XKeyEvent* event) {
         keyEvent(event->keycode, 0, /*down=*/false);
 }
 
-// What comes from an input method is never a deliberate act.
+// What comes from an input method is never a deliberate act. Keys that nobody pressed don't move the focus there
+// either, or the next real one would be for a button that it wasn't meant for.
 
 void TXWParent::inputMethodKey(XKeyEvent* event) {
-    const ConsentGuard::Scope notJudged(guard, XEvent{});
-    handleKey(event);
+    const ConsentGuard::Scope judged(guard, ConsentGuard::Verdict::Method);
+    if (guard && event->send_event)
+        refuseInput();
+    else
+        handleKey(event);
 }
 
 /// A secret is for no other program to read.
@@ -381,7 +392,7 @@ void TXWParent::tellInputMethod(bool in) {
 }
 
 void TXWParent::inputMethodText(const plat::String& text) {
-    const ConsentGuard::Scope notJudged(guard, XEvent{});
+    const ConsentGuard::Scope judged(guard, ConsentGuard::Verdict::Method);
     if (!inputBlocked)
         typeText(text);
 }

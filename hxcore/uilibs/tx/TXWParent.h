@@ -117,6 +117,7 @@ private:
     void inputMethodKey(XKeyEvent* event) override;
     void inputMethodText(const plat::String& text) override;
 
+    void handleServerKey(XKeyEvent* event);
     void handleKey(XKeyEvent* event);
     void handleKeyPress(XKeyEvent* event);
     void tellInputMethod(bool in);

@@ -5,6 +5,7 @@
 #include "tx/TX.h"
 
 #include <cstring>
+#include <optional>
 #include <utility>
 
 namespace tx {
@@ -51,12 +52,20 @@ bool XimLink::open(const std::string& name) {
     return true;
 }
 
-/// Its end is the end of the server.
+/// Its end is the end of the server. Anybody can name any window: one of ours has no need of it, and where we listen
+/// already for another reason we listen on.
 bool XimLink::watch(Window window) {
+    if (window == rootWindow || window == own || findWindow(window))
+        return false;
     ErrorCatcher catcher(100);
-    XSelectInput(dpy, window, StructureNotifyMask);
+    XWindowAttributes attributes{};
+    if (!XGetWindowAttributes(dpy, window, &attributes))
+        return false;
+    XSelectInput(dpy, window, attributes.your_event_mask | StructureNotifyMask);
     return !catcher.failed();
 }
+
+bool XimLink::isReplaced() const { return owner != none && XGetSelectionOwner(dpy, atoms[Selection]) != owner; }
 
 void XimLink::close() {
     owner = server = none;
@@ -75,15 +84,15 @@ void XimLink::release() {
 
 Atom XimLink::compoundText() const { return atoms.size() > CompoundText ? atoms[CompoundText] : none; }
 
-void XimLink::lose(const char* why) {
+void XimLink::lose(const char* why, bool ended) {
     log.info("input method gone: %s", why);
     close();
-    callback->ximLost();
+    callback->ximLost(ended);
 }
 
 void XimLink::connected(const XClientMessageEvent& event) {
     const auto window = static_cast<Window>(event.data.l[0]);
-    if (server != none || event.format != 32 || window == none || window == own || findWindow(window))
+    if (server != none || event.format != 32 || window == none)
         return;
     if (!watch(window)) {
         lose("its window is none");
@@ -121,10 +130,9 @@ bool XimLink::filterEvent(const XEvent& event) {
         return false;
     if (event.type == DestroyNotify) {
         const Window gone = event.xdestroywindow.window;
-        if (gone == none || (gone != owner && gone != server))
-            return false;
-        lose("ended");
-        return true;
+        if (!event.xany.send_event && gone != none && (gone == owner || gone == server))
+            lose("ended", /*ended=*/true);
+        return false; // others may wait for the same
     }
     if (event.xany.window != own)
         return false;
@@ -141,10 +149,17 @@ void XimLink::receive(const XClientMessageEvent& event) {
     if (server == none)
         return;
     if (event.format == 32) {
-        const Property value = getWindowProperty(own, static_cast<Atom>(event.data.l[1]), AnyPropertyType,
-                                                 /*remove=*/true, xim::maxMessageBytes);
-        const std::span<const char> bytes = value.bytes();
-        receive({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()}, /*single=*/false);
+        std::optional<Property> value;
+        {
+            ErrorCatcher catcher(100); // the name may be none
+            value = getWindowProperty(own, static_cast<Atom>(event.data.l[1]), AnyPropertyType, /*remove=*/true,
+                                      xim::maxMessageBytes);
+        }
+        const std::span<const char> bytes = value->bytes();
+        if (value->isTruncated())
+            lose("a message too long");
+        else
+            receive({reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()}, /*single=*/false);
         return;
     }
     if (event.format != 8)
@@ -162,12 +177,10 @@ void XimLink::receive(const XClientMessageEvent& event) {
 }
 
 void XimLink::receive(xim::Bytes data, bool single) {
-    const Window from = server;
     xim::Message message;
-    for (bool more = true; more && server == from && xim::takeMessage(data, &message); more = !single) {
+    for (bool more = true; more && xim::takeMessage(data, &message); more = !single) {
         if (!callback->ximMessage(message)) {
-            if (server == from)
-                lose(("it has no sense: " + std::to_string(message.opcode)).c_str());
+            lose(("it has no sense: " + std::to_string(message.opcode)).c_str());
             return;
         }
     }
@@ -175,7 +188,7 @@ void XimLink::receive(xim::Bytes data, bool single) {
 
 /// A server that comes touches this property in any case.
 bool XimLink::handleEvent(XEvent* event) {
-    if (event->type == PropertyNotify && event->xproperty.atom == atoms[Servers] && owner == none)
+    if (event->type == PropertyNotify && event->xproperty.atom == atoms[Servers])
         callback->ximAppeared();
     return false;
 }

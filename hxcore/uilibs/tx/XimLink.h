@@ -19,10 +19,10 @@ public:
     class Callback {
     public:
         virtual ~Callback() = default;
-        virtual void ximAppeared() = 0; ///< a server has announced itself
+        virtual void ximAppeared() = 0; ///< a server has announced itself; another one may be connected
         virtual void ximConnected() = 0;
         virtual bool ximMessage(const xim::Message& message) = 0; ///< false for what no server would say
-        virtual void ximLost() = 0;                               ///< and never connected, or has no sense
+        virtual void ximLost(bool ended) = 0; ///< maybe never connected; `ended` false for one that has no sense
     };
 
     explicit XimLink(Callback* target) : callback(target) {}
@@ -33,6 +33,7 @@ public:
     void release(); ///< before the display goes
 
     bool isOpen() const { return owner != none; }
+    bool isReplaced() const;               ///< another one owns the name: one round trip
     bool send(xim::Writer& writer);        ///< false while there is no server to send to
     bool filterEvent(const XEvent& event); ///< true for an event that was ours
     Atom compoundText() const;
@@ -42,7 +43,7 @@ private:
     bool handleEvent(XEvent* event) override;
 
     bool watch(Window window);
-    void lose(const char* why);
+    void lose(const char* why, bool ended = false);
     void connected(const XClientMessageEvent& event);
     void receive(const XClientMessageEvent& event);
     void receive(xim::Bytes data, bool single);

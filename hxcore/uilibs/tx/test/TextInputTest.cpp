@@ -1,9 +1,12 @@
 // Text that takes more than a key: dead keys, compose sequences, and an input method, which may be no good.
+#include "TestInput.h"
 #include "XTest.h"
 #include "plat/DynamicFn.h"
 #include "tx/ComposeSequences.h"
 #include "tx/InputMethod.h"
+#include "wvw/WBevelButton.h"
 #include "wvw/WEdit.h"
+#include "wvw/WLayout.h"
 
 #include <X11/keysym.h>
 #include <xcb-imdkit/encoding.h>
@@ -274,10 +277,214 @@ struct RawServer {
         std::memcpy(event.xclient.data.b, data, format == 32 ? sizeof(event.xclient.data) : 20);
         client.send(asked, event);
     }
+    /// A whole message, in a property.
+    void sayLong(std::vector<uint8_t> message) {
+        const size_t words = (message.size() + 3) / 4 - 1;
+        message.resize(4 * words + 4);
+        message[2] = static_cast<uint8_t>(words);
+        const std::string name = "SLOT" + std::to_string(slots++ % 32); // others may be unread
+        client.setProperty(asked, name.c_str(), "STRING", 8, message.data(), static_cast<int>(message.size()));
+        const long where[5] = {static_cast<long>(message.size()), static_cast<long>(client.atom(name.c_str()))};
+        say("_XIM_PROTOCOL", 32, where);
+    }
+    /// Up to a context, number 7 of method 1.
+    void converse() {
+        const long hello[5] = {static_cast<long>(window)};
+        say("_XIM_XCONNECT", 32, hello);
+        sayLong({2, 0, 0, 0, 1, 0, 0, 0});
+        std::vector<uint8_t> opened = {31, 0, 0, 0, 1, 0, 24, 0, 0, 0, 0, 0, 15, 0};
+        for (const char c : std::string("queryInputStyle"))
+            opened.push_back(static_cast<uint8_t>(c));
+        opened.insert(opened.end(), {0, 0, 0, 0, 0, 0, 0});
+        sayLong(opened);
+        sayLong({39, 0, 0, 0, 1, 0, 0, 0, 0, 0});
+        sayLong({45, 0, 0, 0, 1, 0, 12, 0, 0, 0, 8, 0, 1, 0, 0, 0, 8, 4, 0, 0}); // nothing for preedit and status
+        sayLong({51, 0, 0, 0, 1, 0, 7, 0});
+    }
+    /// A key that nobody pressed.
+    void press(unsigned keycode) {
+        std::vector<uint8_t> message = {60, 0, 0, 0, 1, 0, 7, 0, 0, 0, 0, 0, KeyPress, static_cast<uint8_t>(keycode)};
+        message.resize(12 + 32);
+        sayLong(message);
+    }
+    void commit(uint32_t keysym) {
+        std::vector<uint8_t> message = {63, 0, 0, 0, 1, 0, 7, 0, 4, 0, 0, 0};
+        for (int shift = 0; shift < 32; shift += 8)
+            message.push_back(static_cast<uint8_t>(keysym >> shift));
+        sayLong(message);
+    }
+    /// The keys that have come, given back or only answered.
+    int answerKeys(bool back) {
+        int keys = 0;
+        XEvent event;
+        while (XCheckTypedWindowEvent(client.display, window, ClientMessage, &event)) {
+            if (event.xclient.format != 32 || event.xclient.message_type != client.atom("_XIM_PROTOCOL")) {
+                if (event.xclient.format == 8 && event.xclient.data.b[0] == 54)
+                    sayLong({55, 0, 0, 0, 1, 0, 7, 0});
+                continue;
+            }
+            Atom type = 0;
+            int format = 0;
+            unsigned long count = 0;
+            unsigned long after = 0;
+            unsigned char* data = nullptr;
+            XGetWindowProperty(client.display, window, static_cast<Atom>(event.xclient.data.l[1]), 0, 100, True,
+                               AnyPropertyType, &type, &format, &count, &after, &data);
+            std::vector<uint8_t> message(data, data + count);
+            XFree(data);
+            if (count < 44 || message[0] != 60)
+                continue;
+            keys++;
+            if (back)
+                sayLong(message);
+        }
+        return keys;
+    }
     Client& client;
     Window window;
     Window asked = 0;
+    unsigned slots = 0;
 };
+
+// Any client can be the input method, or speak in its name.
+struct GrantingTest : TextInputTest, wvw::WInputHandler {
+    GrantingTest() {
+        layout.setSize({200, 100});
+        window.setSizeFromRoot();
+        layout.setChildRect(&field, rfb::Rect::xywh(0, 0, 200, 30));
+        layout.setChildRect(&button, rfb::Rect::xywh(0, 50, 100, 30));
+        button.setHandler(this);
+        button.setDeliberate(true);
+    }
+    ~GrantingTest() override {
+        window.show(false);
+        button.setHandler(nullptr);
+        other.sync();
+    }
+    bool activated(wvw::Widget*) override {
+        activations++;
+        return true;
+    }
+    void ready(RawServer& server) {
+        window.show(true);
+        pump();
+        XSetInputFocus(other.display, window.win(), RevertToPointerRoot, tx::currentTime);
+        pump();
+        field.takeFocus();
+        ASSERT_TRUE(wait([&] { return server.peer() != 0; }));
+        server.converse();
+        ASSERT_TRUE(wait([] { return tx::InputMethod::instance().isReady(); }));
+    }
+
+    wvw::WLayout layout;
+    wvw::WEdit field{&layout};
+    wvw::WLabelButton button{&layout, "Accept"};
+    tx::TXWParent window{&layout, nullptr, /*unmanaged=*/true};
+    TestInput input{other.display};
+    int activations = 0;
+};
+
+TEST_F(GrantingTest, NothingThatAMethodSendsAnswers) {
+    RawServer server(other);
+    ready(server);
+    input.key(XK_F5, true, /*afterMs=*/1100); // from here on a person's key would count
+    input.key(XK_F5, false);
+    pump();
+    // Keys that nobody pressed: to the button, and on it.
+    for (const KeySym keysym : {XK_Tab, XK_Return, XK_space})
+        server.press(input.keycode(keysym));
+    for (const uint32_t keysym : {0x41U, 0xff0dU, 0xff09U, 0x20U})
+        server.commit(keysym);
+    pump();
+    EXPECT_EQ(activations, 0);
+    EXPECT_EQ(layout.getFocusChild(), &field);
+    EXPECT_STREQ(field.getText(), "A "); // it may write, no more
+
+    // A key that was pressed in the field, given back once the button has the focus.
+    input.key(XK_Return, true);
+    pump();
+    button.takeFocus();
+    pump();
+    EXPECT_GT(server.answerKeys(/*back=*/true), 0);
+    pump();
+    EXPECT_EQ(activations, 0);
+    input.key(XK_Return, false);
+    pump();
+    EXPECT_EQ(activations, 0);
+
+    input.key(XK_Return, true, /*afterMs=*/5); // by the person, on the button
+    input.key(XK_Return, false);
+    pump();
+    EXPECT_EQ(activations, 1);
+}
+
+// What was typed for a method that hangs is used late, and then counts for nothing either.
+TEST_F(GrantingTest, KeysThatAMethodKeptDoNotAnswer) {
+    RawServer server(other);
+    ready(server);
+    input.key(XK_F5, true, /*afterMs=*/1100);
+    input.key(XK_F5, false);
+    pump();
+    EXPECT_GT(server.answerKeys(/*back=*/true), 0);
+    pump();
+    for (const bool down : {true, false})
+        input.key(XK_Return, down);
+    pump();
+    button.takeFocus();
+    EXPECT_TRUE(wait([] { return !tx::InputMethod::instance().isReady(); }));
+    EXPECT_EQ(activations, 0);
+}
+
+// The names of windows come from others too: ours hear as before, and secrets go nowhere.
+TEST_F(GrantingTest, AMethodThatPointsAtOurWindowsMakesThemDeafToNothing) {
+    XSetSelectionOwner(other.display, other.atom("@server=zeftest"), window.win(), CurrentTime);
+    window.show(true);
+    pump();
+    field.takeFocus();
+    const long hello[5] = {static_cast<long>(other.root())};
+    XSetInputFocus(other.display, window.win(), RevertToPointerRoot, tx::currentTime);
+    pump();
+    for (const bool down : {true, false})
+        input.key(XK_x, down);
+    EXPECT_TRUE(wait([&] { return std::string(field.getText()) == "x"; }));
+    {
+        RawServer server(other); // as it announces itself, it is asked
+        ASSERT_TRUE(wait([&] { return server.peer() != 0; }));
+        server.say("_XIM_XCONNECT", 32, hello);
+        pump();
+    }
+    RawServer server(other); // which the root window is still listened to for
+    ASSERT_TRUE(wait([&] { return server.peer() != 0; }));
+    server.converse();
+    ASSERT_TRUE(wait([] { return tx::InputMethod::instance().isReady(); }));
+    pump();
+    server.answerKeys(/*back=*/false);
+    field.setPassword(true);
+    for (const bool down : {true, false})
+        input.key(XK_x, down);
+    pump();
+    EXPECT_STREQ(field.getText(), "xx");
+    EXPECT_EQ(server.answerKeys(/*back=*/false), 0);
+    server.commit(0x41); // and nothing is written into them from there
+    server.press(input.keycode(XK_x));
+    pump();
+    EXPECT_STREQ(field.getText(), "xx");
+}
+
+// The one that hangs need not end for the next one to be used.
+TEST_F(TextInputTest, AServerThatTakesTheNameOfOneThatHangsIsUsed) {
+    RawServer hung(other);
+    show();
+    ASSERT_TRUE(wait([&] { return hung.peer() != 0; }));
+    hung.converse();
+    ASSERT_TRUE(wait([] { return tx::InputMethod::instance().isReady(); }));
+    key(Method::aKeycode);
+    EXPECT_TRUE(wait([&] { return text() == "a"; }));
+    RawServer next(other);
+    ASSERT_TRUE(wait([&] { return next.peer() != 0; }));
+    next.converse();
+    EXPECT_TRUE(wait([] { return tx::InputMethod::instance().isReady(); }));
+}
 
 TEST_F(TextInputTest, AServerThatSaysNothingDelaysNothing) {
     RawServer server(other);
