@@ -4,6 +4,7 @@
 #include "hxutil/dynFribidi.h"
 #include "hxutil/scripts.h"
 #include "hxutil/textChars.h"
+#include "plat/test/CapturedLog.h"
 #include "plat/utf8.h"
 #include "rfb/PixelBuffer.h"
 
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstring>
 #include <string>
 
 using hxutil::TextLine;
@@ -81,6 +83,43 @@ protected:
 
     NotingFont font;
 };
+
+/// Run with a library path on which the real one is hidden.
+class TextLineAloneTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (hxutil::dynFribidi::get_par_embedding_levels_ex.isAvailable())
+            GTEST_SKIP() << "libfribidi is there";
+    }
+
+    NotingFont font;
+};
+
+TEST_F(TextLineAloneTest, EachCharacterStandsInTheOrderOfTheText) {
+    const plat::CapturedLog log;
+    struct {
+        const char *text, *seen;
+    } const cases[] = {
+        {"car means \u05d0\u05d1\u05d2.", "car means \u05d0\u05d1\u05d2."},
+        {"\u0633\u0644\u0627\u0645 (x)", "\u0633\u0644\u0627\u0645 (x)"}, // neither joined nor mirrored
+        {"\u05d0\u05b8\u05d1", "\u05d0(\u05b8)\u05d1"},
+        {"a \u2068\u05d0\u05d1\u2069 1.", "a \u05d0\u05d1 1."},
+        {"a\u202e\u05d0", "a\u202e\u05d0"}, // shows itself
+    };
+    for (const auto& c : cases) {
+        const TextLine line(font, c.text);
+        EXPECT_EQ(font.seen(line), c.seen);
+        EXPECT_FALSE(line.isRightToLeft());
+        int x = -1;
+        for (size_t pos = 0; pos < std::strlen(c.text); pos = line.nextPlace(pos)) {
+            EXPECT_GT(line.caretX(pos), x) << c.text;
+            EXPECT_EQ(line.placeBeside(line.nextPlace(pos), /*right=*/false), pos) << c.text;
+            x = line.caretX(pos);
+        }
+        EXPECT_EQ(line.fitting(line.width()), std::strlen(c.text));
+    }
+    EXPECT_EQ(log.count("no fribidi"), 1); // however much text there is
+}
 
 TEST_F(TextLineTest, StandsInVisualOrder) {
     struct {
@@ -202,8 +241,9 @@ TEST_F(TextLineTest, LinesKeepTheDirectionAndTheShapesOfTheirParagraph) {
     EXPECT_EQ(TextLine(font, pieces, 2, 3).getClusters()[1].x, 10);
 }
 
-// What somebody may call himself costs no more than its length, and stays inside.
-TEST_F(TextLineTest, BearsHostileText) {
+// What somebody may call himself costs no more than its length, and stays inside, with the library and without.
+TEST(HostileTextLine, CostsNoMoreThanItsLengthAndStaysInside) {
+    const NotingFont font;
     const auto repeated = [](const char* unit, size_t bytes) {
         std::string text;
         while (text.size() < bytes)
