@@ -157,11 +157,18 @@ class GalleryTest(unittest.TestCase):
         self.gallery.until_state(last, "value", "link")
         self.keys("alt+p")
         self.gallery.until_state(last, "value", "popup")
+        self.picture()  # the menu has the keyboard
         self.keys("Down", "Down", "Return")
         self.gallery.until_state(last, "value", "With an &image")
-        self.keys("alt+p", "p")
+        self.keys("alt+p")
+        self.picture()
+        self.keys("p")
         self.gallery.until_state(last, "value", "&Plain")
-        self.keys("alt+p", "Escape", "alt+n")
+        self.keys("alt+p")
+        self.picture()
+        self.keys("Escape")
+        self.picture()
+        self.keys("alt+n")
         self.gallery.until_state(last, "value", "normal")
 
     def test_choices_fields_and_lists_answer_keys(self):

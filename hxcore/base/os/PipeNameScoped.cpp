@@ -33,7 +33,7 @@ plat::String dirOf(uid_t user) {
 long long pidOrOwn(int64_t pid) { return pid == PipeNameScoped::ownPid ? getpid() : pid; }
 
 plat::String fileOf(const char* name, int64_t pid, int counter) {
-    const plat::String base = plat::strFormat("%s%s", AppInfo::app(), plat::strOrEmpty(name));
+    plat::String base = plat::strFormat("%s%s", AppInfo::app(), plat::strOrEmpty(name));
     if (counter >= 0)
         return plat::strFormat("%s.%lld.%d", base.c_str(), pidOrOwn(pid), counter);
     if (pid == PipeNameScoped::noPid)

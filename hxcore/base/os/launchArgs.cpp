@@ -12,7 +12,8 @@
 
 namespace os {
 namespace {
-plat::BoolParameter lppDebug("_lppDebug", "Have launched processes write their errors to /tmp/lppDebug.log", false,
+plat::BoolParameter lppDebug("_lppDebug", "Have launched processes write their errors to /tmp/lppDebug.log",
+                             /*defaultValue=*/false,
                              /*isAdvanced=*/true);
 
 constexpr const char* dummyWord = "-dummy";

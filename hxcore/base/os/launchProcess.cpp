@@ -68,6 +68,7 @@ private:
 
 std::vector<std::string> stdStrings(const std::vector<plat::String>& texts) {
     std::vector<std::string> all;
+    all.reserve(texts.size());
     for (const plat::String& text : texts)
         all.emplace_back(text.c_str());
     return all;

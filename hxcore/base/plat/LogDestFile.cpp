@@ -42,7 +42,7 @@ BoolParameter& compactLog() {
     static BoolParameter param("CompactLog",
                                "Whether to produce more compact logging lines for readability.  Also produces times "
                                "in local timezone instead of UTC",
-                               false, /*isAdvanced=*/true);
+                               /*defaultValue=*/false, /*isAdvanced=*/true);
     return param;
 }
 

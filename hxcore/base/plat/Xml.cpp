@@ -15,7 +15,7 @@
 namespace plat {
 namespace {
 
-constexpr size_t chunkBytes = 64 * 1024;
+constexpr size_t chunkBytes = 64UL * 1024;
 
 /// Reasons of our own to refuse a document, numbered behind those of the parser.
 enum Refusal { RefusedDoctype = 1001, RefusedSize, RefusedDepth, RefusedAttributes, RefusedNodes };

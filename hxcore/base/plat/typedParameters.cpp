@@ -19,7 +19,8 @@ LogSrc& log() {
 
 // Makes a bad text from whatever source abort at its place, for the hunt after who sent it.
 BoolParameter& badUtf8Assert() {
-    static BoolParameter param("_BadUtf8Assert", "Make bad UTF-8 cause an assertion failure for debugging", false);
+    static BoolParameter param("_BadUtf8Assert", "Make bad UTF-8 cause an assertion failure for debugging",
+                               /*defaultValue=*/false);
     return param;
 }
 const BoolParameter& badUtf8AssertEntered = badUtf8Assert();
@@ -148,7 +149,8 @@ bool BoolParameter::setParam(const char* text, int priority) {
 String BoolParameter::toText(const bool& someValue) const { return someValue ? "1" : "0"; }
 
 ConfigParameter* BoolParameter::clone(Configuration* target) const {
-    auto* const copy = new BoolParameter(getName(), copyText(), false, isAdvanced(), target, flagList().c_str());
+    auto* const copy =
+        new BoolParameter(getName(), copyText(), /*defaultValue=*/false, isAdvanced(), target, flagList().c_str());
     copy->makeCopied();
     copy->copyValues(*this);
     return copy;
@@ -188,6 +190,7 @@ EnumParameter::EnumParameter(const char* paramName, ParamText text, const char* 
 void EnumParameter::makeNamesCopied() {
     std::vector<std::string> texts(names, names + max + 1);
     std::vector<const char*> table;
+    table.reserve(texts.size() + 1);
     for (const std::string& text : texts)
         table.push_back(text.c_str());
     table.push_back(nullptr);

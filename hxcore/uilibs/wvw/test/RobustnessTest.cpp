@@ -26,7 +26,7 @@ using rfb::Rect;
 
 const std::string longText = [] {
     std::string text;
-    while (text.size() < 65536)
+    while (text.size() < 16384) // far beyond the coordinates of a region
         text += "words und Wörter, 漢字 & mehr <b> ";
     return text;
 }();
