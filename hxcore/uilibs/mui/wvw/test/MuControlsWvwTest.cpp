@@ -5,6 +5,9 @@
 #include "mui/MuCheck.h"
 #include "mui/MuChoice.h"
 #include "mui/MuEdit.h"
+#include "mui/MuFrame.h"
+#include "mui/MuImage.h"
+#include "mui/MuLine.h"
 #include "mui/MuList.h"
 #include "mui/MuPager.h"
 #include "mui/MuScroll.h"
@@ -410,6 +413,56 @@ TEST_F(ControlsTest, AnElementMayGoInItsOwnEvent) {
         clock.advance(1000); // clicks that wait for a second one, carets
         toDelete = nullptr;
     }
+}
+
+// What a driver of the program reads; the rest of each is alike for all.
+TEST_F(ControlsTest, EachKindTellsItsTypeAndState) {
+    MuButton* const image = MuButton::create(column, "image", "", MuButton::Type::Image);
+    image->setImage("sdOkay");
+    MuButton* const link = MuButton::create(column, "link", "More", MuButton::Type::Link);
+    MuStatic* const text = MuStatic::create(column, "static", "Text", MuStatic::Align::Right);
+    text->setBold(true);
+    struct Box : MuSuperboxWvw {
+        Box() : MuSuperboxWvw("superbox", "Find", nullptr, 100) {}
+    };
+    auto* const box = new Box;
+    column->add(box);
+    box->setText("wanted");
+    const struct {
+        MuElement* element;
+        const char* type;
+        const char* state;
+    } cases[] = {
+        {image, "button", "element Button\ntype Image\nimage sdOkay\nshown "},
+        {link, "button", "element Button\ntype Link\nshown "},
+        {MuCheck::create(column, "radio", "One", new MuCheck::Group), "check",
+         "element Check\ntype Radio\nvalue 0\nindeterminate 0\nshown "},
+        {MuFrame::create(column, "frame", MuFrame::Type::Sunken), "frame", "element Frame\ntype Sunken\nmargin 8,8\n"},
+        {MuImage::create(column, "picture", nullptr, {7, 9}), "image",
+         "element Image\nvalue <unknown>\nimSize 7,9\nshown "},
+        {MuImage::create(column, "picture", "sdError"), "image", "element Image\nvalue sdError\nimSize 0,0\nshown "},
+        {column, "layout", "element Layout\ntype Vertical\nshown "},
+        {MuLine::create(column, "line", MuLine::Type::Colour, Orientation::Vertical), "line",
+         "element Line\ntype color type vertical\nshown "},
+        {MuLine::create(column, "line"), "line", "element Line\ntype etched type horizontal\nshown "},
+        {MuScroll::create(column, "scroll"), "scroll", "element Scroll\nstyle 1\nshown "},
+        {MuSplitter::create(column, "splitter", Orientation::Horizontal), "splitter", "element Splitter\n\nshown "},
+        {text, "static", "element Static\ntype Right\nbold 1\nshown "},
+        {box, "superbox", "element Superbox\nvalue wanted\npopup-dialogid \nshown "},
+    };
+    for (const auto& c : cases) {
+        EXPECT_STREQ(c.element->getType(), c.type);
+        EXPECT_EQ(std::string(c.element->getState().c_str()).substr(0, strlen(c.state)), c.state);
+    }
+    heard.clear();
+    EXPECT_TRUE(box->handleCommand("settext", "other"));
+    EXPECT_STREQ(box->getText(), "other");
+    EXPECT_TRUE(box->handleCommand("pressenter", "third"));
+    EXPECT_STREQ(box->getText(), "third");
+    EXPECT_FALSE(box->handleCommand("click", "1"));
+    EXPECT_EQ(takeHeard(), "superbox/0 ");
+    box->setEnabled(false);
+    EXPECT_FALSE(box->handleCommand("settext", "x"));
 }
 
 TEST_F(ControlsTest, AMenuBarHasItsStandardMenusInOrder) {
