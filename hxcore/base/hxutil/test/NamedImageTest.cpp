@@ -105,6 +105,16 @@ TEST(NamedImagePixelBuffer, MissingImagesAreEmptyAndLoggedOnce) {
     log.lines.clear();
     EXPECT_TRUE(NamedImagePixelBuffer::get("junk")->isEmpty());
     EXPECT_EQ(log.count("0 NamedImage: junk.png: "), 1);
+    // Two forms that don't fit each other are told even where nothing else would be.
+    registerBuiltInResources();
+    for (const auto& [odd, real] : {std::pair("odd.png", "zefserver.png"), std::pair("odd@2x.png", "sdOkay@2x.png")}) {
+        const plat::BuiltInResource resource = plat::findBuiltInResource(real);
+        plat::addBuiltInResource(odd, resource.size, resource.data);
+    }
+    const WithParameter ppmm("ppmm", "8");
+    log.lines.clear();
+    EXPECT_TRUE(NamedImagePixelBuffer::getQuiet("odd")->isEmpty());
+    EXPECT_EQ(log.lines, std::vector<std::string>{"0 NamedImage: Badly sized image 'odd': @2x/@1x images differ"});
 }
 
 class DarkColours : public plat::SysColors {
