@@ -44,6 +44,7 @@ mui::MuLayout* group(mui::MuLayout* page, const char* title) {
 }
 
 Gallery::Gallery() : dialog(mui::MuDialog::create("gallery", "Gallery", {hxutil::scaled(1900), hxutil::scaled(1340)})) {
+    dialog->setMinSize({hxutil::scaled(1500), hxutil::scaled(800)}); // rows of buttons stay whole
     dialog->addObserver(this, /*add=*/true);
     auto* split = mui::MuSplitter::create(dialog.get(), "split", mui::Orientation::Horizontal);
     names = mui::MuList::create(split, "names", mui::MuList::KeepSelection);

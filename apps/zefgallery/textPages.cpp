@@ -16,7 +16,8 @@ namespace {
 
 constexpr const char* paragraph =
     "A paragraph with <b>bold</b>, <a href=\"https://www.velthar.example\">a link</a> and "
-    "<font color=\"#d07030\">colour</font>, long enough that it has to be wrapped at whatever width the window leaves "
+    "<font color=\"warningText\">colour</font>, long enough that it has to be wrapped at whatever width the window "
+    "leaves "
     "it, so that the break of lines can be looked at, and a second <a href=\"app://two\">link that may well be broken "
     "over two lines</a>.";
 
