@@ -10,7 +10,8 @@ namespace tx {
 namespace {
 
 plat::LogSrc log("ConsentGuard");
-plat::BoolParameter localConsentOnly("LocalConsentOnly", plat::LocKey("tx_param_localconsentonly"), false);
+plat::BoolParameter localConsentOnly("LocalConsentOnly", plat::LocKey("tx_param_localconsentonly"),
+                                     /*defaultValue=*/false);
 
 /// The server's clock has 32 bits, and wraps.
 int msBetween(Time from, Time to) { return static_cast<int>(static_cast<unsigned>(to) - static_cast<unsigned>(from)); }
@@ -32,14 +33,14 @@ ConsentGuard::Scope::~Scope() {
         guard->current = outer;
 }
 
-ConsentGuard::ConsentGuard() : watching(InputSources::instance().watch(true)) {
+ConsentGuard::ConsentGuard() : watching(InputSources::instance().watch(/*on=*/true)) {
     if (!watching && isLocalOnly())
         log.error("this X server can't tell local input from injected input: only a time-out can decide");
 }
 
 ConsentGuard::~ConsentGuard() {
     if (watching && dpy)
-        InputSources::instance().watch(false);
+        InputSources::instance().watch(/*on=*/false);
 }
 
 void ConsentGuard::shown() {

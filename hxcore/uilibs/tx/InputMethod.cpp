@@ -15,7 +15,7 @@ namespace tx {
 namespace {
 
 plat::LogSrc log("InputMethod");
-plat::BoolParameter enabled("_InputMethod", "Send keys to the XIM server that XMODIFIERS names", true);
+plat::BoolParameter enabled("_InputMethod", "Send keys to the XIM server that XMODIFIERS names", /*defaultValue=*/true);
 
 constexpr size_t maxSent = 256;    // keys
 constexpr unsigned maxAsked = 256; // beyond, the method doesn't keep up

@@ -35,7 +35,7 @@ Property Property::fromText(Atom type, std::span<const char> text) {
         return {};
     std::copy(text.begin(), text.end(), copy);
     copy[text.size()] = 0;
-    return {type, 8, text.size(), copy, false};
+    return {type, 8, text.size(), copy, /*truncated=*/false};
 }
 
 std::span<const char> Property::bytes() const {

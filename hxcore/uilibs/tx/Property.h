@@ -45,7 +45,7 @@ private:
     unsigned char* data = nullptr; // from Xlib, freed with XFree; terminated by a NUL
 };
 
-constexpr std::size_t propertyLimit = 64 * 1024;           ///< bytes read of an ordinary property
+constexpr std::size_t propertyLimit = 64UL * 1024;         ///< bytes read of an ordinary property
 constexpr std::size_t selectionLimit = 64UL * 1024 * 1024; ///< bytes read of a selection
 
 /// Reads a property of any window. `type` may be AnyPropertyType (0); a property of another type

@@ -31,13 +31,13 @@ plat::LogSrc log("TX");
 plat::BoolParameter ownCmap("owncmap",
                             "Use a private colormap rather than the default one, to prevent other applications of "
                             "being starved of colors.",
-                            false);
-plat::BoolParameter xSync("xsync", "Enable X synchronization for debugging", false);
+                            /*defaultValue=*/false);
+plat::BoolParameter xSync("xsync", "Enable X synchronization for debugging", /*defaultValue=*/false);
 plat::IntParameter decorationWidth("WMDecorationWidth", "Width of window manager decoration around a window", 6,
                                    /*isAdvanced=*/false, /*owner=*/nullptr, 0);
 plat::IntParameter decorationHeight("WMDecorationHeight", "Height of window manager decoration around a window", 24,
                                     /*isAdvanced=*/false, /*owner=*/nullptr, 0);
-plat::BoolParameter noGrab("_NoGrab", "", false);
+plat::BoolParameter noGrab("_NoGrab", "", /*defaultValue=*/false);
 
 constexpr int maxTimeWindows = 10;
 constexpr int maxWindowLevels = 64; // another client may nest its own without end

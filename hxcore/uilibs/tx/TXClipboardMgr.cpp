@@ -14,7 +14,8 @@ namespace tx {
 namespace {
 plat::LogSrc log("TXClipboardMgr");
 
-plat::BoolParameter useCutBuffer("UseCutBuffer", "Use the cut buffer as well as the X selections", false);
+plat::BoolParameter useCutBuffer("UseCutBuffer", "Use the cut buffer as well as the X selections",
+                                 /*defaultValue=*/false);
 
 // The server counts milliseconds in 32 bits, and begins again after 49 days.
 int compareTimes(Time a, Time b) { return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b)); }

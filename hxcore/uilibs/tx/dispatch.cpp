@@ -17,7 +17,7 @@
 namespace tx {
 namespace {
 
-plat::BoolParameter debugEvents("_DebugEvents", "", false);
+plat::BoolParameter debugEvents("_DebugEvents", "", /*defaultValue=*/false);
 
 constexpr unsigned anyButton = Button1Mask | Button2Mask | Button3Mask | Button4Mask | Button5Mask;
 

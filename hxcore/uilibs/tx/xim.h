@@ -42,7 +42,7 @@ enum Opcode : uint8_t {
 };
 
 constexpr size_t headerBytes = 4;
-constexpr size_t maxMessageBytes = 64 * 1024; ///< of one from a server; a longer one is nonsense
+constexpr size_t maxMessageBytes = 64UL * 1024; ///< of one from a server; a longer one is nonsense
 constexpr size_t eventBytes = 32;
 
 // Flags of ForwardEvent and Commit.
