@@ -1,5 +1,6 @@
 // Pixel formats as text and from the wire: whatever is valid prints, and a text form that parses again is the same.
 #include "rdr/MemInStream.h"
+#include "rdr/MemOutStream.h"
 #include "rfb/Colour.h"
 #include "rfb/ColourMap.h"
 #include "rfb/PixelBuffer.h"
@@ -31,6 +32,13 @@ void checkWire(const uint8_t* data, size_t size) {
     rdr::MemInStream in(data, size);
     rfb::PixelFormat pf;
     pf.read(in);
+    rdr::MemOutStream written;
+    pf.write(written);
+    rdr::MemInStream back(written.data(), written.size());
+    rfb::PixelFormat same;
+    same.read(back);
+    if (!same.equal(pf))
+        std::abort();
     char printed[rfb::PixelFormat::printSize];
     pf.print(printed);
     pf.setDepth();

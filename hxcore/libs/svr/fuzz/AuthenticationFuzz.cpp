@@ -47,6 +47,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const plat::Exception&) {
     }
     svr::passwordSchemes(text.c_str());
+    const int preset = svr::authenticationPreset(text.c_str());
+    require(preset == svr::AuthCustom || plat::strEqualsNoCase(svr::authenticationValue(preset), text.c_str()));
+    const int level = svr::encryptionLevel(text.c_str());
+    require(level == svr::EncryptUnknown || plat::strEqualsNoCase(svr::encryptionValue(level), text.c_str()));
 
     plat::Configuration cfg("fuzz");
     plat::StringParameter authentication("Authentication", "", "", /*isAdvanced=*/false, &cfg);
@@ -56,11 +60,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const plat::Exception&) {
         return 0; // not UTF-8
     }
-    for (int level = 0; level <= svr::EncryptUnknown; ++level) {
-        encryption.setParam(plat::strOrEmpty(svr::encryptionValue(level)));
+    require(svr::presetFromConfig(cfg) == preset);
+    require(svr::hasUserPasswordScheme(cfg) == flows.hasScheme(svr::SchemePassword));
+    for (int each = 0; each <= svr::EncryptUnknown; ++each) {
+        encryption.setParam(plat::strOrEmpty(svr::encryptionValue(each)));
+        require(svr::encryptionFromConfig(cfg) == each);
         std::vector<int> types;
         svr::deriveSecTypes(cfg, types);
         require(types.size() <= 16);
     }
+    plat::StringParameter secTypes("SecurityTypes", "", text.c_str(), /*isAdvanced=*/false, &cfg);
+    std::vector<int> types;
+    svr::deriveSecTypes(cfg, types);
     return 0;
 }

@@ -180,7 +180,8 @@ void step() {
     display.sends = 0;
     const size_t before = input.left;
     const unsigned op = input.u8();
-    Client& client = *clients[(op >> 4) % clients.size()];
+    const unsigned index = (op >> 4) % clients.size();
+    Client& client = *clients[index]; // which may end in whatever comes now
     switch (op % 16) {
     case 0:
         client.focus(true);
@@ -189,7 +190,7 @@ void step() {
         client.focus(false);
         break;
     case 2:
-        clients[client.index] = std::make_unique<Client>(client.index, clients);
+        clients[index] = std::make_unique<Client>(index, clients);
         break;
     case 3:
         client.key(KeyPress, op >> 6);
@@ -224,8 +225,8 @@ void step() {
         display.refuses = op >> 4 == 14;
         break;
     case 14: // many at once
-        for (unsigned i = input.u8() * 2; i > 0 && clients[0]; i--)
-            clients[client.index]->key(KeyPress, i % 3);
+        for (unsigned i = input.u8() * 2; i > 0; i--)
+            clients[index]->key(KeyPress, i % 3);
         break;
     default:
         tx::InputMethod::instance().close();
