@@ -148,7 +148,7 @@ bool enumLevels(EnumWindowsCallback* callback, Window parent, int levels) {
 /// A server that takes no shared memory after all said so in an error: ask for all pictures anew.
 void recoverFromShmFailure() {
     state().shmFailed = false;
-    TXImage::setSharedAllowed(false);
+    TXImage::setSharedAllowed(/*allowed=*/false);
     for (const auto& [id, window] : state().windows)
         XClearArea(dpy, id, 0, 0, 0, 0, True);
 }

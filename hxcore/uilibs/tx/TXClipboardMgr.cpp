@@ -232,7 +232,7 @@ bool TXClipboardMgr::takeText(Source& source, std::string text) {
             return true;
         lastTime = getServerTime();
     }
-    tell(std::move(text));
+    tell(text);
     return true;
 }
 
@@ -251,10 +251,10 @@ void TXClipboardMgr::takeCutBuffer() {
     std::string text = latin1ToUtf8(latin1);
     makePlain(text);
     if (!text.empty())
-        tell(std::move(text));
+        tell(text);
 }
 
-void TXClipboardMgr::tell(std::string text) {
+void TXClipboardMgr::tell(const std::string& text) {
     if (text.size() > selectionLimit) {
         log.info("Ignoring selection beyond %zu bytes", selectionLimit);
         return;

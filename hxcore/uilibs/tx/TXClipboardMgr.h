@@ -61,7 +61,7 @@ private:
     void takeTime(Source& source, const SelectionConversion::Answer& answer);
     bool takeText(Source& source, std::string text);
     void takeCutBuffer();
-    void tell(std::string text);
+    void tell(const std::string& text);
     void convert(Source& source, Atom target);
     Source* findSource(Atom selection);
 
