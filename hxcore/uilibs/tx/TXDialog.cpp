@@ -151,7 +151,7 @@ void TXDialog::show() {
     const EventScope under(this);
     initDialog();
     if (under.alive() && !done) // it may have been for nothing
-        show(true);
+        show(/*shown=*/true);
 }
 
 bool TXDialog::showModal() {
@@ -173,7 +173,7 @@ void TXDialog::hide(bool result_) {
     done = true;
     if (modalRun)
         modalRun->done = true;
-    show(false);
+    show(/*shown=*/false);
     if (under.alive() && callback)
         callback->dialogClosed(this, result_);
 }

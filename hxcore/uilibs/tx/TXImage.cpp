@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <vector>
 
 #include <sys/ipc.h>
@@ -105,7 +106,7 @@ TXImage::Segment::Segment(size_t bytes) {
     if (info.shmid < 0)
         throw plat::StdlibException("shmget");
     info.shmaddr = static_cast<char*>(shmat(info.shmid, nullptr, 0));
-    if (info.shmaddr == reinterpret_cast<char*>(-1)) {
+    if (reinterpret_cast<intptr_t>(info.shmaddr) == -1) {
         const plat::StdlibException failure("shmat");
         shmctl(info.shmid, IPC_RMID, nullptr);
         throw failure;
