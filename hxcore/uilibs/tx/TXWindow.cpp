@@ -6,6 +6,7 @@
 #include "tx/TX.h"
 #include "tx/TXState.h"
 #include "tx/TXWindowIcon.h"
+#include "tx/WindowManager.h"
 #include "tx/latin1.h"
 
 #include <algorithm>
@@ -307,7 +308,10 @@ void TXWindow::iconify() {
 
 void TXWindow::deiconify() {
     const EventScope under(this);
-    if (mapAsked)
+    // Only an icon is withdrawn first. Where the manager has yet to map the window, it may do so between our withdrawal
+    // and the second map, which then asks for nothing, and take the withdrawal for the last word.
+    bool hidden = false;
+    if (mapAsked && WindowManager::isHidden(win_, &hidden) && hidden)
         unmap();
     if (!under.alive())
         return;

@@ -47,6 +47,27 @@ TEST_F(WindowManagerTest, AManagerMustNameItself) {
     EXPECT_FALSE(tx::WindowManager::isNetHintSupported(tx::netWmMoveResize()));
 }
 
+// A manager that has much to do finds both maps, and no withdrawal between them.
+TEST_F(WindowManagerTest, ASecondShowDoesNotTakeBackTheFirst) {
+    XSelectInput(other.display, other.root(), SubstructureRedirectMask | SubstructureNotifyMask);
+    other.sync();
+    FakeWidget widget(20, 20);
+    tx::TXWParent window(&widget);
+    window.setWMProperties("slow");
+    window.show(true);
+    window.show(true);
+    XSync(tx::dpy, False);
+    other.sync();
+    XEvent event;
+    EXPECT_FALSE(XCheckTypedEvent(other.display, UnmapNotify, &event));
+    while (XCheckTypedEvent(other.display, MapRequest, &event))
+        XMapWindow(other.display, event.xmaprequest.window);
+    pump();
+    EXPECT_TRUE(window.isMapped());
+    XSelectInput(other.display, other.root(), NoEventMask);
+    other.sync();
+}
+
 TEST_F(WindowManagerTest, TheWorkAreaIsThatOfTheCurrentDesktop) {
     const long areas[] = {1, 2, 30, 40, 5, 6, 70, 80};
     const long second = 1;
