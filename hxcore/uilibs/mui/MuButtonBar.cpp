@@ -12,24 +12,24 @@
 namespace mui {
 namespace {
 struct ButtonKind {
-    unsigned button;
     const char* name;
     const char* key;
+    unsigned button;
     bool isDefault; // may become the default action
 };
 
 // In the order in which they stand; the gap comes before "apply".
 constexpr ButtonKind kinds[] = {
-    {MuButtonBar::Back, "back", "ui_button_back", /*isDefault=*/false},
-    {MuButtonBar::Next, "next", "ui_button_next", /*isDefault=*/true},
-    {MuButtonBar::Apply, "apply", "ui_button_apply", /*isDefault=*/false},
-    {MuButtonBar::Cancel, "cancel", "ui_button_cancel", /*isDefault=*/false},
-    {MuButtonBar::No, "no", "ui_button_no", /*isDefault=*/false},
-    {MuButtonBar::Save, "save", "ui_button_save", /*isDefault=*/true},
-    {MuButtonBar::Open, "open", "ui_button_open", /*isDefault=*/true},
-    {MuButtonBar::Ok, "ok", "ui_button_ok", /*isDefault=*/true},
-    {MuButtonBar::Yes, "yes", "ui_button_yes", /*isDefault=*/true},
-    {MuButtonBar::Continue, "continue", "ui_button_continue", /*isDefault=*/true},
+    {"back", "ui_button_back", MuButtonBar::Back, /*isDefault=*/false},
+    {"next", "ui_button_next", MuButtonBar::Next, /*isDefault=*/true},
+    {"apply", "ui_button_apply", MuButtonBar::Apply, /*isDefault=*/false},
+    {"cancel", "ui_button_cancel", MuButtonBar::Cancel, /*isDefault=*/false},
+    {"no", "ui_button_no", MuButtonBar::No, /*isDefault=*/false},
+    {"save", "ui_button_save", MuButtonBar::Save, /*isDefault=*/true},
+    {"open", "ui_button_open", MuButtonBar::Open, /*isDefault=*/true},
+    {"ok", "ui_button_ok", MuButtonBar::Ok, /*isDefault=*/true},
+    {"yes", "ui_button_yes", MuButtonBar::Yes, /*isDefault=*/true},
+    {"continue", "ui_button_continue", MuButtonBar::Continue, /*isDefault=*/true},
 };
 // Those that may become the cancel action, the first there is of them: in a row with both, Escape leaves a wizard.
 constexpr MuButtonBar::Button cancelling[] = {MuButtonBar::Cancel, MuButtonBar::No, MuButtonBar::Back};
