@@ -17,13 +17,13 @@ plat::String& toldExe() {
 }
 
 plat::String findCore() {
-    const plat::String exe = serverExe();
+    plat::String exe = serverExe();
     if (plat::path::isAbsolute(exe.c_str()))
         return exe;
-    const plat::String onPath = os::findProgram(exe.c_str());
+    plat::String onPath = os::findProgram(exe.c_str());
     if (!onPath.isEmpty())
         return onPath;
-    const plat::String besideUs = plat::path::join(os::AppInfo::executableDir(), exe.c_str());
+    plat::String besideUs = plat::path::join(os::AppInfo::executableDir(), exe.c_str());
     if (!plat::path::isAbsolute(besideUs.c_str()) || access(besideUs.c_str(), X_OK) < 0)
         throw plat::ExceptionFmt("%s does not exist or is not executable", exe.c_str());
     return besideUs;

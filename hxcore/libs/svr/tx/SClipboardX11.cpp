@@ -14,7 +14,8 @@ plat::LogSrc log("SClipboardX11");
 
 plat::IntParameter poll("poll", plat::LocKey("svr_param_sclipboardx11_polltime"), 0, /*isAdvanced=*/false,
                         /*owner=*/nullptr, /*minValue=*/0);
-plat::BoolParameter sendPrimary("SendPrimary", plat::LocKey("svr_param_sclipboardx11_sendprimary"), true);
+plat::BoolParameter sendPrimary("SendPrimary", plat::LocKey("svr_param_sclipboardx11_sendprimary"),
+                                /*defaultValue=*/true);
 
 std::size_t digestOf(std::string_view text) { return std::hash<std::string_view>{}(text); }
 } // namespace
