@@ -287,7 +287,7 @@ TEST_F(LocalSocketTest, RootMakesDirectoryAndSocketForAnother) {
     }
     EXPECT_FALSE(exists(name.path()));
     { NamedPipeListener again(name.path(), options); }
-    chown(name.dir(), 0, 0);
+    EXPECT_EQ(chown(name.dir(), 0, 0), 0);
     EXPECT_EQ(plat::errorOf([&] { NamedPipeListener listener(name.path(), options); }), EPERM)
         << "not the owner's any more";
     rmdir(name.dir());
