@@ -5,10 +5,9 @@
 #include "plat/utf8.h"
 #include "rfb/keySymbols.h"
 #include "tx/TX.h"
+#include "tx/ximWords.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <utility>
 
 namespace tx {
@@ -28,58 +27,6 @@ constexpr uint32_t servedStyles[] = {
 
 /// For methods that draw in a window of ours with a font of the server.
 constexpr std::string_view fontSet = "-*-*-medium-r-normal-*-14-*-*-*-*-*-*-*,-*-*-*-r-*-*-14-*-*-*-*-*-*-*,fixed";
-
-/// The name of "@im=<name>" in XMODIFIERS; empty for none that is a server.
-std::string methodName() {
-    const char* modifiers = std::getenv("XMODIFIERS");
-    const char* found = modifiers ? std::strstr(modifiers, "@im=") : nullptr;
-    if (!found)
-        return {};
-    const std::string name(found + 4, std::strcspn(found + 4, "@"));
-    return name == "none" || name == "local" || name.size() > 100 ? std::string() : name;
-}
-
-/// The locale that the method is told: the user's, with UTF-8.
-std::string localeName() {
-    std::string name;
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const char* value = std::getenv(variable);
-        if (value && *value) {
-            name = std::string(value, std::strcspn(value, ".@"));
-            break;
-        }
-    }
-    if (name.empty() || name == "C" || name == "POSIX" || name.size() > 32)
-        name = "en_US";
-    return name + ".UTF-8";
-}
-
-/// Escape sequences lead into other character sets (ISO 2022; X "Compound Text Encoding").
-std::string fromCompoundText(xim::Bytes text, Atom compoundText) {
-    std::string copy(text.begin(), text.end());
-    XTextProperty property{reinterpret_cast<unsigned char*>(copy.data()), compoundText, 8, copy.size()};
-    char** list = nullptr;
-    int count = 0;
-    std::string utf8;
-    if (Xutf8TextPropertyToTextList(dpy, &property, &list, &count) >= success && list) {
-        for (int i = 0; i < count; i++)
-            utf8 += list[i];
-    }
-    if (list)
-        XFreeStringList(list);
-    return utf8;
-}
-
-xim::Writer wireKey(const XKeyEvent& event, uint16_t im, uint16_t ic, Window window) {
-    xim::Writer out(xim::ForwardEvent);
-    out.u16(im).u16(ic).u16(0).u16(static_cast<unsigned>(event.serial >> 16));
-    out.u8(static_cast<unsigned>(event.type)).u8(event.keycode).u16(static_cast<unsigned>(event.serial));
-    out.u32(static_cast<uint32_t>(event.time)).u32(static_cast<uint32_t>(event.root));
-    out.u32(static_cast<uint32_t>(window)).u32(0);
-    for (const int position : {event.x_root, event.y_root, event.x, event.y})
-        out.u16(static_cast<uint16_t>(position));
-    return out.u16(event.state).u8(1).u8(0);
-}
 
 bool matches(const xim::TriggerKey& key, KeySym keysym, unsigned state) {
     return key.keysym == keysym && (state & key.mask) == (key.modifiers & key.mask);
@@ -149,7 +96,7 @@ void InputMethod::dropContext() {
 // The conversation begins.
 
 void InputMethod::start() {
-    const std::string name = methodName();
+    const std::string name = xim::methodName();
     if (name.empty() || !enabled.value() || link.isOpen() || !link.open(name))
         return;
     lastAsked++;
@@ -312,7 +259,7 @@ bool InputMethod::handleMessage(const xim::Message& message) {
             return false;
         answered();
         xim::Writer open(xim::Open);
-        open.string8(localeName());
+        open.string8(xim::localeName());
         ask(open);
         return true;
     }
@@ -447,7 +394,7 @@ bool InputMethod::takeKey(InputMethodClient* client, const XKeyEvent& event) {
         return true;
     if (!(forwardMask & (event.type == KeyPress ? KeyPressMask : KeyReleaseMask)))
         return holdBack(client, event);
-    xim::Writer out = wireKey(event, im, context, contextWindow);
+    xim::Writer out = xim::forwardedKey(event, im, context, contextWindow);
     link.send(out);
     sendSpot(/*probe=*/true); // that has an answer, whatever becomes of the key
     sent.push_back({event, client, lastAsked});
@@ -540,7 +487,7 @@ void InputMethod::textCommitted(const xim::CommitBody& body) {
         return;
     std::string utf8;
     if (!body.text.empty())
-        utf8 = fromCompoundText(body.text, link.compoundText());
+        utf8 = xim::utf8FromCompoundText(body.text, link.compoundText());
     const uint32_t character = rfb::unicodeFromKeysym(body.keysym); // 0 for none
     if (utf8.empty() && character != 0) {
         char encoded[8];
