@@ -174,8 +174,8 @@ plat::String elide(const Font& font, int* width, const char* text, const char* e
         plat::DString shown;
         shown.append(text, static_cast<int>(cut - text)).appendChars(ellipsis, 1);
         const int used = font.stringWidth(shown.c_str());
-        // A letter that lost its neighbour may have become wider.
-        if (used > *width && cut != text) {
+        // A letter that lost its neighbour may have become wider. What fits where no room is left has no width.
+        if (used > *width && cut != text && room > dots) {
             room -= std::max(1, used - *width);
             continue;
         }

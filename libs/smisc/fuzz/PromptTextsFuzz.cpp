@@ -21,14 +21,22 @@ void require(bool condition) {
         std::abort();
 }
 
+constexpr uint32_t firstStrongIsolate = 0x2068; // of our own: around a name from right to left
+constexpr uint32_t popIsolate = 0x2069;
+
 struct Checker : plat::Markup::Handler {
+    int isolates = 0;
+
     void addText(const plat::Markup::Style& style, const char* text) override {
         require(style.size >= 100 && style.size <= 240);
         const char* const end = text + std::strlen(text);
         while (text < end) {
             uint32_t codepoint = 0;
             require(plat::utf8::decode(&text, end, &codepoint));
-            require(codepoint == '\n' || codepoint == ' ' || codepoint == 0xa0 ||
+            isolates += codepoint == firstStrongIsolate ? 1 : codepoint == popIsolate ? -1 : 0;
+            require(isolates == 0 || isolates == 1);
+            require(codepoint == firstStrongIsolate || codepoint == popIsolate || codepoint == '\n' ||
+                    codepoint == ' ' || codepoint == 0xa0 ||
                     (!plat::isInvisible(codepoint) && !plat::isBlankOrBreak(codepoint)));
         }
     }
@@ -38,6 +46,7 @@ struct Checker : plat::Markup::Handler {
 void check(const plat::String& markup) {
     Checker checker;
     plat::Markup::ParserHtml::instance().parse(markup.c_str(), &checker); // what it throws is a fault
+    require(checker.isolates == 0);
 }
 
 } // namespace

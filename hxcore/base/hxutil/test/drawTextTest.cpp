@@ -48,6 +48,9 @@ TEST(Elide, CutsAtACharacter) {
     const char* text = "abcdef";
     width = 10;
     EXPECT_STREQ(hxutil::elide(*font, &width, text, text + 3).c_str(), "a\xe2\x80\xa6");
+    // A sign without width fits where nothing else does.
+    width = 1;
+    EXPECT_STREQ(hxutil::elide(*font, &width, "\u2067abc").c_str(), "\u2067\u2026");
 }
 
 TEST(WrapText, BreaksAtBlanks) {
